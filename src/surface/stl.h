@@ -1,0 +1,39 @@
+// The constraint surface: a triangle mesh that new branches may not cross.
+#ifndef DLA_SURFACE_STL_H
+#define DLA_SURFACE_STL_H
+
+#include <vector>
+
+#include "app/records.h"
+#include "lib/vector.h"
+
+struct FACET {
+  XYZ p[3];     // vertices in file order; orientation comes from this order
+  XYZ n;        // unit normal, (0,0,0) for a degenerate triangle
+  XYZ mid;      // centroid
+  PLANE plane;  // a, b, c = n; d = -n.p[0]
+};
+
+// Storage never shrinks; nstltri is the number of facets in the surface.
+extern std::vector<FACET> stltri;
+extern int nstltri;
+extern XYZ stlmin, stlmax, stlmid;
+
+// Makes room for n facets (stltri.size() >= n).
+void ReserveFacets(int n);
+
+// Appends a facet with the given vertices (derived fields are left for
+// UpdateSTL).
+void AppendFacet(XYZ p0, XYZ p1, XYZ p2);
+
+// Removes facets with coincident vertices (the last facet moves into the
+// gap), fills n, mid and plane, recomputes the bounds and the midpoint.
+void UpdateSTL(void);
+
+// Reads an ASCII or binary STL file as the new surface. Returns 1 on success,
+// 0 when the file cannot be opened (old surface kept, *msg set) or the binary
+// facet count is implausible (surface empty, *msg set). Malformed files that
+// must end the program set msg->fatal and return 0.
+int ReadSTLFile(const char *path, FILEMESSAGE *msg);
+
+#endif
