@@ -20,8 +20,8 @@ static void GiveUsage(const char *programname) {
 }
 
 int main(int argc, char **argv) {
-  // The aggregate holds its roots before the first frame.
-  // Call site of the growth initialisation: InitialiseGrowth();
+  // Growth initialisation comes first, so the aggregate holds its roots
+  // before the first frame: InitialiseGrowth() from growth/growth.h, here.
 
   CameraHome();
   SetOptionDefaults();

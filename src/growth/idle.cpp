@@ -11,10 +11,10 @@ void HandleIdle(void) {
   static double tstart = -1;
 
   if (growthstate.growing && !options.calcstats) {
-    // Call site of the growth step: IterateSystem() 100 times.
+    // The growth step goes here: IterateSystem() 100 times per call.
   }
   if (options.calcstats) {
-    // Call site of one portion of the box count: CalcBoxCount(0, 0).
+    // One portion of the box count goes here: CalcBoxCount(0, 0).
   }
 
   if (tstart < 0) tstart = GetRunTime();

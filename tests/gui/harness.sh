@@ -73,6 +73,8 @@ gui_cleanup() {
 # and installs the cleanup trap.
 gui_init() {
   GUI_PROG=$1
+  # The program runs in its own directory: keep the path usable from there.
+  case $GUI_PROG in /*) ;; *) GUI_PROG=$PWD/$GUI_PROG ;; esac
   [ -x "$GUI_PROG" ] || gui_fail "program not found: $GUI_PROG"
   local tool
   for tool in Xvfb xdotool xdpyinfo xwininfo; do
@@ -163,6 +165,38 @@ gui_visible_windows() {
   for id in $(xwininfo -root -children | awk '/^ +0x/ {print $1}'); do
     if xwininfo -id "$id" | grep -q 'Map State: IsViewable'; then echo "$id"; fi
   done
+}
+
+# gui_window_position [WID]: prints the window's screen position as "X Y".
+gui_window_position() {
+  local wid=${1:-$GUI_WID}
+  xwininfo -id "$wid" | awk '/Absolute upper-left X:/ {x = $4} /Absolute upper-left Y:/ {y = $4} END {print x, y}'
+}
+
+# gui_centred_origin W H: prints "X Y", where the toolkit puts a W x H form
+# shown with FL_PLACE_CENTER (no window manager, so no decorations). Add a
+# layout coordinate to get the screen position of an object of the form.
+gui_centred_origin() {
+  local sw sh
+  read -r sw sh < <(xdpyinfo | awk '/dimensions:/ {split($2, d, "x"); print d[1], d[2]}')
+  echo $(((sw - $1) / 2)) $(((sh - $2) / 2))
+}
+
+# gui_click X Y [BUTTON]: moves the pointer to screen position X Y and clicks
+# (button 1 left, 2 middle, 3 right).
+gui_click() {
+  xdotool mousemove --sync "$1" "$2" click "${3:-1}"
+}
+
+# gui_drag X1 Y1 X2 Y2 [BUTTON]: presses at X1 Y1, moves to X2 Y2 in ten
+# steps and releases (screen positions).
+gui_drag() {
+  local b=${5:-1} i
+  xdotool mousemove --sync "$1" "$2" mousedown "$b"
+  for i in $(seq 1 10); do
+    xdotool mousemove --sync $(($1 + ($3 - $1) * i / 10)) $(($2 + ($4 - $2) * i / 10))
+  done
+  xdotool mouseup "$b"
 }
 
 # gui_key KEY...: sends keys (xdotool names: a, plus, bracketleft, F1, Left,

@@ -44,7 +44,7 @@ check_run() {
 
 # With no X display at all: had the program tried to open a window (the
 # toolkit or GLUT), it would have failed with another message and status.
-(unset DISPLAY; gui_run "$@"; check_run "no display")
+(unset DISPLAY; gui_run "$@"; check_run "no display") || exit 1
 
 # And with a display it leaves no window behind.
 gui_start_xvfb
