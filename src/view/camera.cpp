@@ -55,3 +55,20 @@ void RotateCamera(double ix, double iy, double iz) {
   }
   Normalise(&camera.vu);
 }
+
+void ZoomCamera(int in) {
+  if (in) {
+    if (camera.aperture > 1) camera.aperture *= 0.95;
+  } else {
+    if (camera.aperture < 90) camera.aperture /= 0.95;
+  }
+}
+
+void DollyCamera(int closer) {
+  double d = Modulus(camera.vp);
+  Normalise(&camera.vp);
+  double s = closer ? d * 0.95 : d / 0.95;
+  camera.vp.x *= s;
+  camera.vp.y *= s;
+  camera.vp.z *= s;
+}

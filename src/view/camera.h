@@ -11,4 +11,14 @@ void CameraHome(void);
 // the view direction (radians). A zero angle skips that turn.
 void RotateCamera(double ix, double iy, double iz);
 
+// Zoom by field of view: in != 0 narrows the aperture by 0.95 while it is
+// above 1 degree, else widens it by 1/0.95 while it is below 90. The limit
+// is tested before the step, so the ends are just below 1 and just at or
+// above 90.
+void ZoomCamera(int in);
+
+// Moves the eye along its own direction: closer != 0 scales |vp| by 0.95,
+// else by 1/0.95. No bounds; vd is left alone.
+void DollyCamera(int closer);
+
 #endif

@@ -1,0 +1,24 @@
+// The primitive meshes sent straight to OpenGL.
+#include "lib/primitives_gl.h"
+
+#include <GL/gl.h>
+
+#include "lib/primitives.h"
+
+static_assert(PRIM_POINTS == GL_POINTS && PRIM_LINES == GL_LINES &&
+                  PRIM_LINE_STRIP == GL_LINE_STRIP && PRIM_TRIANGLES == GL_TRIANGLES &&
+                  PRIM_TRIANGLE_STRIP == GL_TRIANGLE_STRIP && PRIM_QUADS == GL_QUADS &&
+                  PRIM_QUAD_STRIP == GL_QUAD_STRIP,
+              "PRIM_* must equal the GL batch modes");
+
+static const PRIMSINK glsink = {glBegin, glEnd, glNormal3f, glTexCoord2f, glVertex3f};
+
+void CreateCone(XYZ p1, XYZ p2, double r1, double r2, int m, double theta1, double theta2) {
+  EmitCone(&glsink, p1, p2, r1, r2, m, theta1, theta2);
+}
+
+void CreateSimpleSphere(XYZ c, double r, int n, int method) {
+  EmitSimpleSphere(&glsink, c, r, n, method);
+}
+
+void CreateBox(int method, XYZ pmin, XYZ pmax) { EmitBox(&glsink, method, pmin, pmax); }
