@@ -1,6 +1,12 @@
 // Statistics of the aggregate: the branch distribution, computed at once, and
 // a box count spread over many calls (one box per call) so that the window
 // stays live and can show the occupied boxes of the current level.
+//
+// The desktop CalcBoxCount(start, draw) is built on these: it returns at once
+// when options.calcstats is 0; start calls BoxCountStart(); draw draws
+// boxcountstate.boxes[0..nboxes-1] in (0.5, 1, 0.5), and draw 0 calls
+// BoxCountStep(). It sets boxcountdone to a routine that calls
+// DrawStatistics(500), so the overlay is armed however the count ends.
 #ifndef DLA_EXPORT_STATISTICS_H
 #define DLA_EXPORT_STATISTICS_H
 
