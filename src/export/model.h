@@ -1,0 +1,30 @@
+// The model writers: the aggregate (and the constraint surface where the
+// format can hold it) as POV-Ray, VRML 2.0, GEOM, DXF points, GEOM points,
+// or the surface alone as ASCII STL.
+#ifndef DLA_EXPORT_MODEL_H
+#define DLA_EXPORT_MODEL_H
+
+#include <stdio.h>
+
+// Formats of WriteModel; the values of the menu entries.
+enum { MODEL_VRML = 0, MODEL_GEOM = 1, MODEL_STL = 2, MODEL_POVRAY = 3, MODEL_DXFPOINTS = 4, MODEL_GEOMPOINTS = 5 };
+
+// Variants: 0 branches traced into sphere sweeps (POV-Ray only; the other
+// formats write no body), 1 one segment per cell, 2 segments with end caps
+// (VRML).
+enum { MODEL_SWEEP = 0, MODEL_SEGMENTS = 1, MODEL_CAPPED = 2 };
+
+// The fixed head and tail of a POV-Ray scene.
+void POVHeader(FILE *fp);
+void POVFooter(FILE *fp);
+
+// Writes header, body, footer and surface to fp. Formats above 5 write
+// nothing. Variant 0 leaves every cell's traced mark changed.
+void WriteModel(FILE *fp, int format, int variant);
+
+// Opens path for writing and calls WriteModel. Returns 1 when written, 0 when
+// the format is above 5, the path is empty or the file cannot be opened
+// (nothing is reported).
+int SaveModelFile(const char *path, int format, int variant);
+
+#endif

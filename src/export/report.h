@@ -1,0 +1,20 @@
+// The plain-text report of a simulation: settings, source, surface, size and,
+// once computed, the statistics.
+#ifndef DLA_EXPORT_REPORT_H
+#define DLA_EXPORT_REPORT_H
+
+#include <stdio.h>
+
+// The source type line ("Source type: ...") for a source code. The report
+// (report nonzero) names code 9 "Single axis (-x)"; the on-screen overlay
+// (report 0) says "Single axis (-z)". Unknown codes give "Source type: Unknown".
+const char *SourceTypeText(int code, int report);
+
+// Writes the whole report to fp.
+void WriteInformation(FILE *fp);
+
+// Opens path for writing and writes the report. Returns 1 when written, 0 for
+// an empty path or a file that cannot be opened (nothing is reported).
+int SaveInformationFile(const char *path);
+
+#endif
