@@ -1,7 +1,15 @@
 // dla3d-batch: the growth engine without a display.
 #include <stdio.h>
 
+#include "batch/batch.h"
+
 int main(int argc, char **argv) {
-  fprintf(stderr, "Usage: %s [options]\n", argv[0]);
-  return 2;
+  static BATCHRUN run;
+  int status = ParseBatchOptions(argc, argv, &run, stderr);
+  if (status != BATCH_OK) return status;
+  if (run.help) {
+    WriteBatchUsage(stdout, argv[0]);
+    return BATCH_OK;
+  }
+  return RunBatch(&run, stderr);
 }

@@ -1,0 +1,43 @@
+// dla3d-batch: the growth engine without a display. Options are parsed into
+// a BATCHRUN first and applied in the order the window would apply them.
+#ifndef DLA_BATCH_BATCH_H
+#define DLA_BATCH_BATCH_H
+
+#include <stdio.h>
+
+#include "app/records.h"
+
+#define BATCH_MAXOPTIONS 64
+
+struct BATCHRUN {
+  GROWTHSTATE growth;              // the settings given on the command line
+  int given[BATCH_MAXOPTIONS];     // per row of the option table: was it given
+  int cells;                       // grow until ncells reaches this
+  long long steps;                 // stop after this many steps; -1: no limit
+  int progress;                    // -1: only when standard error is a terminal
+  int debug;
+  int help;
+  char seedfile[256];              // empty: roots from the root distribution
+  char stlfile[256];               // empty: no constraint surface
+  char csvfile[256];               // empty: nothing written
+};
+
+// Exit statuses of the batch program.
+enum { BATCH_OK = 0, BATCH_FILEERROR = 1, BATCH_USAGE = 2, BATCH_FATAL = 255 };
+
+// Fills *run from the arguments. Returns BATCH_OK, or BATCH_USAGE after
+// writing a message naming the option and its allowed range to err.
+int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err);
+
+// The option list, as "-h" shows it.
+void WriteBatchUsage(FILE *fp, const char *programname);
+
+// Start-up, the settings, the surface, the roots, then growth until the
+// cell count or the step limit; writes the CSV after a successful run.
+// Returns the exit status; file errors go to err as three lines.
+int RunBatch(BATCHRUN *run, FILE *err);
+
+// The aggregate as "index,parent,x,y,z,weight" lines, numbers with "%.17g".
+void WriteCellsCSV(FILE *fp);
+
+#endif

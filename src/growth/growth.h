@@ -1,0 +1,39 @@
+// Growth: the roots, the particle sources and one step of the aggregation.
+#ifndef DLA_GROWTH_GROWTH_H
+#define DLA_GROWTH_GROWTH_H
+
+#include "app/records.h"
+#include "lib/vector.h"
+
+// The growth settings of a fresh program (source, bias, stickiness, branch
+// length, thicknesses, seed, rotation, roots, association, intersection
+// range, surface name). The first InitialiseGrowth applies them; tests reset
+// through it too.
+void SetGrowthDefaults(void);
+
+// Restarts the run on the roots already in cells: ncells = nroots, radius
+// from the branch length and the roots, both generators seeded with
+// growthstate.seed. The first call also applies the defaults and places the
+// roots.
+void InitialiseGrowth(void);
+
+// Discards the aggregate and places nroots roots by rootdistribution (one at
+// the origin for code 1; none above 9), then reseeds both generators.
+void ResetSeeds(void);
+
+// Makes the points of a seed file ("%lf %lf %lf" per line, up to the first
+// line that is not three numbers) the roots. Returns 1 when at least one
+// root was read. Returns 0 with the message lines in *msg when the file
+// cannot be opened (nothing changed) or holds no point (one root at the
+// origin again).
+int ReadRootsFile(const char *path, FILEMESSAGE *msg);
+
+// A release point at distance r from the origin, in the direction the
+// source type gives; unknown codes behave like the sphere (1).
+XYZ GetNewParticle(int sourcetype, double r);
+
+// One step of the wandering particle: release, random step, drift, swirl,
+// search, stickiness, the three vetoes, and on success a new cell.
+void IterateSystem(void);
+
+#endif

@@ -1,0 +1,89 @@
+#include <stdlib.h>  // drand48(), rand()
+
+#include "growth/growth.h"
+#include "surface/stl.h"
+
+// Every call below is its own statement so the draws come in the order
+// dx, dy, dz whatever the compiler does with an expression.
+static double Centred(void) { return drand48() - 0.5; }
+static double Sideways(double s) { return (drand48() - 0.5) * s; }
+static double Wide(void) { return 2 * (drand48() - 0.5); }
+static double PlusMinus(void) { return drand48() < 0.5 ? -1 : 1; }
+
+XYZ GetNewParticle(int sourcetype, double r) {
+  double s = 0.1 * growthstate.branchlength;  // absolute spread of the axis sources
+  XYZ d;
+  switch (sourcetype) {
+    case SOURCE_PLUSX:
+    case SOURCE_MINUSX:
+    case SOURCE_DOUBLEX:
+      d.x = sourcetype == SOURCE_PLUSX ? 1 : sourcetype == SOURCE_MINUSX ? -1 : PlusMinus();
+      d.y = Sideways(s);
+      d.z = Sideways(s);
+      break;
+    case SOURCE_PLUSY:
+    case SOURCE_MINUSY:
+    case SOURCE_DOUBLEY:
+      d.x = Sideways(s);
+      d.y = sourcetype == SOURCE_PLUSY ? 1 : sourcetype == SOURCE_MINUSY ? -1 : PlusMinus();
+      d.z = Sideways(s);
+      break;
+    case SOURCE_PLUSZ:
+    case SOURCE_MINUSZ:
+    case SOURCE_DOUBLEZ:
+      d.x = Sideways(s);
+      d.y = Sideways(s);
+      d.z = sourcetype == SOURCE_PLUSZ ? 1 : sourcetype == SOURCE_MINUSZ ? -1 : PlusMinus();
+      break;
+    case SOURCE_PLANEX:
+      d.x = 1;
+      d.y = Wide();
+      d.z = Wide();
+      break;
+    case SOURCE_PLANEY:
+      d.x = Wide();
+      d.y = 1;
+      d.z = Wide();
+      break;
+    case SOURCE_PLANEZ:
+      d.x = Wide();
+      d.y = Wide();
+      d.z = 1;
+      break;
+    case SOURCE_HEMIX:
+      d.x = 0.5 * drand48();
+      d.y = Centred();
+      d.z = Centred();
+      break;
+    case SOURCE_HEMIY:
+      d.x = Centred();
+      d.y = 0.5 * drand48();
+      d.z = Centred();
+      break;
+    case SOURCE_HEMIZ:
+      d.x = Centred();
+      d.y = Centred();
+      d.z = 0.5 * drand48();
+      break;
+    case SOURCE_STL:
+      if (nstltri > 0) {
+        // Aim at a random facet's centroid, each facet equally likely.
+        d = stltri[rand() % nstltri].mid;
+        break;
+      }
+      // no surface: behave like the sphere
+      [[fallthrough]];
+    default:
+      // A point of the unit cube, not a uniform direction: the corners are
+      // favoured slightly, as they always were.
+      d.x = Centred();
+      d.y = Centred();
+      d.z = Centred();
+      break;
+  }
+  Normalise(&d);
+  d.x *= r;
+  d.y *= r;
+  d.z *= r;
+  return d;
+}

@@ -1,0 +1,191 @@
+#include <stdio.h>   // fwrite()
+#include <stdlib.h>  // drand48(), rand()
+#include <string.h>  // strlen()
+
+#include "growth/growth.h"
+#include "surface/constraint.h"
+#include "surface/stl.h"
+
+#define LIFESPAN 10000  // steps a particle wanders before it is replaced
+
+static void Veto(const char *why) {
+  if (options.debug) fwrite(why, strlen(why), 1, stderr);
+}
+
+// 1 when the branch from the particle to cell best would pass within the
+// intersection range of another branch. Roots have no branch and are
+// skipped.
+static int CrossesBranch(int best) {
+  GROWTHSTATE &g = growthstate;
+  double range = g.intersectrange * 0.01 * g.branchlength;
+  XYZ pa, pb;
+  double mua, mub;
+  for (int i = 0; i < ncells; i++) {
+    if (i == best || cells[i].parent < 0) continue;
+    // Closest points of the infinite lines: the parameters are not checked.
+    if (LineLineIntersect(&pa, &pb, &mua, &mub, g.particle, cells[best].p, cells[i].p,
+                          cells[cells[i].parent].p) &&
+        VectorLength(pa, pb) < range)
+      return 1;
+  }
+  return 0;
+}
+
+static int CutsSurface(int best) {
+  XYZ p;
+  for (int f = 0; f < nstltri; f++)
+    if (LinePlaneIntersect(f, &p, growthstate.particle, cells[best].p)) return 1;
+  return 0;
+}
+
+// 1 when the particle sits on the normal's side of a facet, near one of its
+// edges: it would slip through the gap between two facets.
+static int PokesThroughGap(void) {
+  XYZ particle = growthstate.particle;
+  for (int f = 0; f < nstltri; f++) {
+    const FACET &t = stltri[f];
+    for (int k = 0; k < 3; k++) {
+      XYZ closest;
+      double mu;
+      double dist = PointLine3D(&closest, &mu, particle, t.p[k], t.p[(k + 1) % 3]);
+      if (mu >= 0 && mu <= 1 && dist < growthstate.branchlength) {
+        XYZ v = {particle.x - t.mid.x, particle.y - t.mid.y, particle.z - t.mid.z};
+        if (DotProduct(v, t.n) > 0) return 1;
+        break;  // the first close edge decides for this facet
+      }
+    }
+  }
+  return 0;
+}
+
+void IterateSystem(void) {
+  GROWTHSTATE &g = growthstate;
+  int nroots = g.nroots;
+
+  // 1. Release a new particle at the start of every life span.
+  if (g.lifespan % LIFESPAN == 0) {
+    g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
+    seeds[nseeds % NSEEDS] = g.particle;
+    nseeds++;
+  }
+  XYZ q = g.particle;
+  g.lifespan++;
+
+  // 3. One random step of one branch length.
+  XYZ u;
+  u.x = drand48() - 0.5;
+  u.y = drand48() - 0.5;
+  u.z = drand48() - 0.5;
+  Normalise(&u);
+  g.particle.x += g.branchlength * u.x;
+  g.particle.y += g.branchlength * u.y;
+  g.particle.z += g.branchlength * u.z;
+
+  // 4. A step out of the release sphere is refused.
+  if (Modulus(g.particle) > g.radius + 2 * g.branchlength) {
+    g.particle = q;
+    return;
+  }
+
+  // 5. Drift, away from the target by design. No roots: no drift (the
+  // index arithmetic would divide by zero).
+  if (g.bias > 0 && nroots > 0) {
+    double b = g.bias * 0.01 * g.branchlength;
+    ReserveCells(nroots);  // roots may have been asked for but not placed
+    XYZ target;
+    if (g.associate) {
+      target = cells[ncells % nroots].p;
+    } else {
+      int kx = rand() % nroots;
+      int ky = rand() % nroots;
+      int kz = rand() % nroots;
+      target.x = cells[kx].p.x;
+      target.y = cells[ky].p.y;
+      target.z = cells[kz].p.z;
+    }
+    XYZ v = {target.x - g.particle.x, target.y - g.particle.y, target.z - g.particle.z};
+    Normalise(&v);
+    g.particle.x -= b * v.x;
+    g.particle.y -= b * v.y;
+    g.particle.z -= b * v.z;
+  }
+
+  // 6. Swirl about the z axis.
+  if (g.rotation != 0) {
+    XYZ zaxis = {0, 0, 1};
+    g.particle = ArbitraryRotate(g.particle, g.rotation * DTOR, zaxis);
+  }
+
+  // 7. Newest cell first; stop at the first one within a branch length.
+  int associate = g.associate && nroots > 0;
+  int rootclass = associate ? ncells % nroots : 0;
+  int best = -1;
+  int touching = 0;
+  double dmin = 1e32;
+  double reach = g.branchlength * g.branchlength;
+  for (int i = ncells - 1; i >= 0; i--) {
+    if (associate && i % nroots != rootclass) continue;
+    // Signed differences against the squared distance: a coarse early
+    // rejection, kept as it always was.
+    double dx = cells[i].p.x - g.particle.x;
+    if (dx > dmin) continue;
+    double dy = cells[i].p.y - g.particle.y;
+    if (dy > dmin) continue;
+    double dz = cells[i].p.z - g.particle.z;
+    if (dz > dmin) continue;
+    double d2 = dx * dx + dy * dy + dz * dz;
+    if (d2 < dmin) best = i;
+    if (d2 < dmin) dmin = d2;
+    if (reach > dmin) {
+      touching = 1;
+      break;
+    }
+  }
+
+  // 8. Stickiness: the number is drawn whether or not a cell was touched.
+  double r = drand48();
+  if (r > g.stickiness * 0.01 || !touching) return;
+
+  // 9-11. The vetoes put the particle back where it was before this step.
+  if (g.intersectrange > 0 && CrossesBranch(best)) {
+    Veto("*** Self intersection\n");
+    g.particle = q;
+    return;
+  }
+  if (CutsSurface(best)) {
+    Veto("*** Cuts constraint surface\n");
+    g.particle = q;
+    return;
+  }
+  if (PokesThroughGap()) {
+    Veto("*** Gap poke through\n");
+    g.particle = q;
+    return;
+  }
+
+  // 12. Stick.
+  AppendCell(g.particle, 0, best);
+
+  // 13. The count stops at index 0 as well as at -1, so cells under root 0
+  // get a larger share than the same shape under another root (kept).
+  int d = 1;
+  int j = best;
+  do {
+    j = cells[j].parent;
+    d++;
+  } while (j > 0);
+  for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+
+  // 14. Bookkeeping over every cell: a restart may have kept cells that lie
+  // beyond the starting radius.
+  double maxweight = 0;
+  double radius = g.radius;
+  for (int i = 0; i < ncells; i++) {
+    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
+    double dist = Modulus(cells[i].p);
+    if (dist > radius) radius = dist;
+  }
+  g.maxweight = maxweight;
+  g.radius = radius;
+  g.lifespan = 0;
+}
