@@ -5,4 +5,17 @@
 // GLUT display callback.
 void HandleDisplay(void);
 
+// Fixed OpenGL state (depth, blending, material, lights) for a drawing mode.
+void CreateEnvironment(int drawmode);
+
+// The aggregate in the given mode (1 off, 2 points, 3 lines, 5 tubes).
+void DrawDLA(int drawmode);
+
+// The constraint surface from its display list; rebuild non-zero recompiles
+// the list for the given mode without drawing.
+void DrawSTL(int drawmode, int rebuild);
+
+// Circles, axes, release points, root and light spheres when showextras is set.
+void DrawExtras(void);
+
 #endif
