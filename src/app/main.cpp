@@ -7,8 +7,11 @@
 
 #include "app/cmdline.h"
 #include "app/records.h"
+#include "export/statistics.h"
 #include "forms/forms.h"
+#include "growth/growth.h"
 #include "growth/idle.h"
+#include "view/boxcount_gl.h"
 #include "view/camera.h"
 #include "view/input.h"
 #include "view/render.h"
@@ -21,7 +24,10 @@ static void GiveUsage(const char *programname) {
 
 int main(int argc, char **argv) {
   // Growth initialisation comes first, so the aggregate holds its roots
-  // before the first frame: InitialiseGrowth() from growth/growth.h, here.
+  // before the first frame.
+  InitialiseGrowth();
+  // However a box count ends, the statistics overlay is armed.
+  boxcountdone = BoxCountDone;
 
   CameraHome();
   SetOptionDefaults();

@@ -4,6 +4,8 @@
 
 #include "app/records.h"
 #include "forms/forms.h"
+#include "growth/growth.h"
+#include "view/boxcount_gl.h"
 #include "view/camera.h"
 
 void HandleIdle(void) {
@@ -11,10 +13,10 @@ void HandleIdle(void) {
   static double tstart = -1;
 
   if (growthstate.growing && !options.calcstats) {
-    // The growth step goes here: IterateSystem() 100 times per call.
+    for (int i = 0; i < 100; i++) IterateSystem();
   }
   if (options.calcstats) {
-    // One portion of the box count goes here: CalcBoxCount(0, 0).
+    CalcBoxCount(0, 0);  // one box per call; no growth meanwhile
   }
 
   if (tstart < 0) tstart = GetRunTime();

