@@ -55,7 +55,7 @@ def main(argv):
     elif cmd == "axes":
         im = load(argv[2])
         x0, x1 = int(argv[3]), int(argv[4])
-        circle = [(x, y) for x, y, p in box(im, x0, 0, x1, im.height) if p == (127, 255, 127)]
+        circle = [(x, y) for x, y, p in box(im, x0, 0, x1, im.height) if p == (128, 255, 128)]
         if not circle:
             print("0 0")
             return
