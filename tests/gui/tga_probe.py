@@ -8,6 +8,8 @@ rejects run-length packets that cross a row). Rows are shown top down.
                                          pixels equal to (R, G, B) in the box
                                          X0 <= x < X1, Y0 <= y < Y1
   tga_probe.py lit FILE X0 Y0 X1 Y1      pixels that are not black in the box
+  tga_probe.py having R G B FILE...      how many of the files hold a pixel
+                                         equal to (R, G, B)
   tga_probe.py same FILE1 FILE2          "same" or "differ"
   tga_probe.py axes FILE X0 X1           for the window slice X0 <= x < X1:
                                          pure green pixels right of the green
@@ -49,6 +51,9 @@ def main(argv):
         im = load(argv[2])
         x0, y0, x1, y1 = (int(v) for v in argv[3:7])
         print(sum(1 for _, _, p in box(im, x0, y0, x1, y1) if p != (0, 0, 0)))
+    elif cmd == "having":
+        colour = tuple(int(v) for v in argv[2:5])
+        print(sum(1 for path in argv[5:] if colour in load(path).getdata()))
     elif cmd == "same":
         a, b = load(argv[2]), load(argv[3])
         print("same" if a.size == b.size and a.tobytes() == b.tobytes() else "differ")
