@@ -1,0 +1,85 @@
+// One frame's drawing of the aggregate (DrawDLA, then glFinish so that the
+// rasteriser's work is counted) in lines and tubes modes, on a synthetic
+// aggregate of 10,000 and 100,000 cells. Needs an X display; under Xvfb:
+//   xvfb-run -a -s '-screen 0 1024x768x24' build/bench/bench_frame
+#include <GL/glu.h>
+#include <GL/glut.h>
+#include <benchmark/benchmark.h>
+#include <stdlib.h>  // drand48()
+
+#include <vector>
+
+#include "app/records.h"
+#include "growth/growth.h"
+#include "lib/vector.h"
+#include "view/render.h"
+
+// A random tree of n cells with unit branches: each new cell hangs off a
+// random earlier one, and weights count descendants, as growth would have
+// them rise towards the root. Returns the radius.
+static double BuildAggregate(int n) {
+  SetOptionDefaults();
+  InitialiseGrowth();  // the growth defaults and one root at the origin
+  srand48(1);
+  double radius = 0;
+  for (int i = 1; i < n; i++) {
+    int parent = (int)(drand48() * i);
+    XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+    Normalise(&d);
+    XYZ p = cells[parent].p;
+    p.x += d.x;
+    p.y += d.y;
+    p.z += d.z;
+    AppendCell(p, 0, parent);
+    if (Modulus(p) > radius) radius = Modulus(p);
+  }
+  double maxweight = 0;
+  for (int i = ncells - 1; i > 0; i--) {
+    int j = cells[i].parent;
+    cells[j].weight += cells[i].weight + 1;
+    if (cells[j].weight > maxweight) maxweight = cells[j].weight;
+  }
+  growthstate.maxweight = maxweight;
+  growthstate.radius = radius;
+  return radius;
+}
+
+static void BM_DrawDLA(benchmark::State &state) {
+  int mode = (int)state.range(0);
+  int n = (int)state.range(1);
+  double radius = BuildAggregate(n);
+
+  glViewport(0, 0, 800, 600);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  gluPerspective(60, 800.0 / 600.0, radius * 0.1, radius * 10);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  gluLookAt(2.5 * radius, 0, 0, 0, 0, 0, 0, 0, 1);
+
+  for (auto _ : state) {
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    DrawDLA(mode);
+    glFinish();
+  }
+  state.counters["cells"] = n;
+}
+BENCHMARK(BM_DrawDLA)
+    ->ArgNames({"mode", "cells"})
+    ->Args({DLADRAW_LINES, 10000})
+    ->Args({DLADRAW_LINES, 100000})
+    ->Args({DLADRAW_TUBES, 10000})
+    ->Args({DLADRAW_TUBES, 100000})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+int main(int argc, char **argv) {
+  glutInit(&argc, argv);
+  glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
+  glutInitWindowSize(800, 600);
+  glutCreateWindow("bench_frame");
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
