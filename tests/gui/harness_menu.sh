@@ -136,7 +136,7 @@ fsel_type() {
   local fs
   fs=$(xf_wait_window FileSelector) || { echo "no file selector" >&2; return 1; }
   xdotool windowfocus --sync "$fs" || return 1
-  xdotool type --delay 10 "$1"
+  xdotool type --delay 10 -- "$1"
   xdotool key Return
   xf_wait_gone FileSelector
 }
@@ -173,7 +173,7 @@ form_type() {
   xdotool windowfocus --sync "$(xdotool getmouselocation --shell | awk -F= '/^WINDOW=/ {print $2}')" || return 1
   xdotool click 1
   xdotool key --delay 20 ctrl+a ctrl+k
-  xdotool type --delay 20 "$5"
+  xdotool type --delay 20 -- "$5"
   xdotool key Return
   sleep 0.3
 }
