@@ -14,6 +14,7 @@
 #include "view/boxcount_gl.h"
 #include "view/camera.h"
 #include "view/input.h"
+#include "view/menus.h"
 #include "view/render.h"
 
 // Writes the usage text to standard error and ends the process with -1.
@@ -57,7 +58,7 @@ int main(int argc, char **argv) {
 
   glutDisplayFunc(HandleDisplay);
   glutReshapeFunc(HandleReshape);
-  // Call site of the menus: CreateMenus();
+  CreateMenus();
   glutKeyboardFunc(HandleKeyboard);
   glutSpecialFunc(HandleSpecialKeyboard);
   glutMouseFunc(HandleMouse);

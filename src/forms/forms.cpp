@@ -2,9 +2,13 @@
 // records, and what their buttons do.
 #include "forms/forms.h"
 
-#include <stdio.h>  // snprintf()
+#include <stdio.h>   // snprintf()
+#include <stdlib.h>  // exit()
 
 #include "app/records.h"
+#include "forms/readback.h"
+#include "surface/slice.h"
+#include "view/render.h"
 
 FD_settingform *settingform = NULL;
 FD_stlform *stlform = NULL;
@@ -227,8 +231,19 @@ void CheckSliceForm(FL_OBJECT *obj) {
   if (!sliceformvisible || obj == NULL) return;
   if (obj == sliceform->hide) {
     HideForm(sliceform->sliceform, &sliceformvisible);
+  } else if (obj == sliceform->slice) {
+    // A slice file that cannot be created ends the program (after the
+    // message DoSlice writes to standard error).
+    if (!DoSlice(options.nslices, SliceNormalForCut())) exit(-1);
+  } else if (obj == sliceform->normalx) {
+    ReadSliceNormalText(0, fl_get_input(obj));
+  } else if (obj == sliceform->normaly) {
+    ReadSliceNormalText(1, fl_get_input(obj));
+  } else if (obj == sliceform->normalz) {
+    ReadSliceNormalText(2, fl_get_input(obj));
+  } else if (obj == sliceform->nslices) {
+    ReadSliceCountText(fl_get_input(obj));
   }
-  // Slice, the normal and the slice count come with the slicing.
 }
 
 void CheckMessageForm(FL_OBJECT *obj) {
@@ -238,16 +253,47 @@ void CheckMessageForm(FL_OBJECT *obj) {
 
 void CheckSettingForm(FL_OBJECT *obj) {
   if (!settingformvisible || obj == NULL) return;
-  if (obj == settingform->hide) {
-    HideForm(settingform->settingform, &settingformvisible);
+  FD_settingform *f = settingform;
+  if (obj == f->hide) {
+    HideForm(f->settingform, &settingformvisible);
+  } else if (obj == f->bias) {
+    ReadBiasText(fl_get_input(obj));
+  } else if (obj == f->rotation) {
+    ReadRotationText(fl_get_input(obj));
+  } else if (obj == f->seed) {
+    ReadSeedText(fl_get_input(obj));
+  } else if (obj == f->branchlength) {
+    ReadBranchLengthText(fl_get_input(obj));
+  } else if (obj == f->stickiness) {
+    ReadStickinessText(fl_get_input(obj));
+  } else if (obj == f->thickend) {
+    ReadThickEndText(fl_get_input(obj));
+  } else if (obj == f->thickstart) {
+    ReadThickStartText(fl_get_input(obj));
+  } else if (obj == f->intersectrange) {
+    ReadIntersectRangeText(fl_get_input(obj));
+  } else if (obj == f->nroots) {
+    ReadNumberOfRootsText(fl_get_input(obj));
+  } else if (obj == f->rootrange) {
+    ReadRootRangeText(fl_get_input(obj));
+  } else if (obj == f->associate) {
+    SetAssociate(fl_get_button(obj));
   }
-  // The read-back of the inputs comes with the growth settings.
 }
 
 void CheckSTLForm(FL_OBJECT *obj) {
   if (!stlformvisible || obj == NULL) return;
   if (obj == stlform->hide) {
     HideForm(stlform->stlform, &stlformvisible);
+  } else if (obj == stlform->apply) {
+    // The nine inputs are read only here: returning one alone does nothing.
+    const char *text[9] = {fl_get_input(stlform->scalex), fl_get_input(stlform->scaley),
+                           fl_get_input(stlform->scalez), fl_get_input(stlform->shiftx),
+                           fl_get_input(stlform->shifty), fl_get_input(stlform->shiftz),
+                           fl_get_input(stlform->rotatex), fl_get_input(stlform->rotatey),
+                           fl_get_input(stlform->rotatez)};
+    ApplyTransformText(text);
+    DrawSTL(options.stldrawmode, 1);
+    UpdateForms();
   }
-  // Apply comes with the surface transform.
 }

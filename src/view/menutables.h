@@ -1,0 +1,45 @@
+// The entries of the pop-up menus and the record changes some of them make.
+// Kept apart from the GLUT calls so the tables can be checked without a
+// window.
+#ifndef DLA_VIEW_MENUTABLES_H
+#define DLA_VIEW_MENUTABLES_H
+
+// Sub-menus, in the order CreateMenus makes them.
+enum { SUBMENU_STL = 0, SUBMENU_SAVE, SUBMENU_DLA, SUBMENU_SAMPLE, SUBMENU_SOURCE, SUBMENU_ROOT, NSUBMENUS };
+
+// One entry: a label with the value its callback receives, or (submenu not
+// below 0) a label that opens sub-menu SUBMENU_*.
+struct MENUENTRY {
+  const char *label;
+  int value;
+  int submenu;
+};
+
+// Top to bottom. "-" entries are separators the callback ignores.
+extern const MENUENTRY mainmenu[];
+extern const int nmainmenu;
+extern const MENUENTRY savemenu[];
+extern const int nsavemenu;
+extern const MENUENTRY dlamenu[];
+extern const int ndlamenu;
+extern const MENUENTRY stlmenu[];
+extern const int nstlmenu;
+extern const MENUENTRY sourcemenu[];
+extern const int nsourcemenu;
+extern const MENUENTRY rootmenu[];
+extern const int nrootmenu;
+
+// The SaveModel arguments of a save menu value. Returns 0 (arguments
+// untouched) for values outside 1 to 7.
+int SaveMenuFormat(int value, int *format, int *variant);
+
+// The name the root menu stores for a distribution value: one row above the
+// label of the entry ("Spherical", value 1, is "Origin"); 8 is "Ring: z axis
+// plane". NULL outside 1 to 8.
+const char *RootMenuName(int value);
+
+// The root menu's record change: rootdistribution = value, and rootname
+// from RootMenuName when that is not NULL.
+void SetRootDistribution(int value);
+
+#endif
