@@ -89,33 +89,26 @@ gui_init() {
   trap 'exit 130' INT TERM
 }
 
-# Starts a private Xvfb on the first free display number from a random
-# start (parallel tests each get their own) and waits until it answers.
+# Starts a private Xvfb on a display number of its own choosing and waits
+# until it answers.
 gui_start_xvfb() {
-  local n tries i
-  n=$((100 + RANDOM % 400))
-  for tries in $(seq 1 30); do
-    n=$((n + 1))
-    # A lock file or socket means the number is taken.
-    if [ -e "/tmp/.X$n-lock" ] || [ -e "/tmp/.X11-unix/X$n" ]; then continue; fi
-    Xvfb ":$n" -screen 0 "$GUI_SCREEN" -nolisten tcp >"$GUI_TMP/xvfb.log" 2>&1 &
-    GUI_XVFB_PID=$!
-    for i in $(seq 1 100); do
-      if xdpyinfo -display ":$n" >/dev/null 2>&1; then
-        export DISPLAY=":$n"
-        return 0
-      fi
-      # Lost a race for this number: try the next one.
-      kill -0 "$GUI_XVFB_PID" 2>/dev/null || break
-      sleep 0.1
-    done
-    if kill -0 "$GUI_XVFB_PID" 2>/dev/null; then
-      kill "$GUI_XVFB_PID"
-      wait "$GUI_XVFB_PID" 2>/dev/null
+  local i n
+  # Xvfb picks a free display number itself and writes it to fd 3 once it
+  # listens: tests running side by side cannot end up on one server.
+  Xvfb -displayfd 3 -screen 0 "$GUI_SCREEN" -nolisten tcp \
+    3>"$GUI_TMP/display" >"$GUI_TMP/xvfb.log" 2>&1 &
+  GUI_XVFB_PID=$!
+  for i in $(seq 1 150); do
+    n=$(tr -dc '0-9' <"$GUI_TMP/display" 2>/dev/null)
+    if [ -n "$n" ] && xdpyinfo -display ":$n" >/dev/null 2>&1; then
+      export DISPLAY=":$n"
+      return 0
     fi
-    GUI_XVFB_PID=""
+    kill -0 "$GUI_XVFB_PID" 2>/dev/null || break
+    sleep 0.1
   done
-  gui_fail "could not start Xvfb"
+  GUI_XVFB_PID=""
+  gui_fail "could not start Xvfb: $(cat "$GUI_TMP/xvfb.log" 2>/dev/null)"
 }
 
 # gui_start ARGS...: starts the program in the background in $GUI_WORKDIR.
