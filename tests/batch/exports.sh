@@ -40,6 +40,13 @@ refuse "unknown option \"on\"" --stats on
 awk -F, 'NR > 1 { n++; if ($3*$3 + $4*$4 + $5*$5 >= 400) { print "cell " $1 " outside the sphere"; bad = 1 } }
          END { if (n != 500) { print n " cells"; bad = 1 } exit bad }' "$dir/sphere.csv" || fail=1
 
+# A free run of 500 cells reaches about 11 from the origin, so the sphere
+# above is not pressed on: shrunk to radius 7 it must hold the aggregate.
+"$bin" --sample 21 --transform 0.35,0.35,0.35 0,0,0 0,0,0 --cells 400 --no-progress --csv "$dir/small.csv" ||
+  { echo "small sphere run failed"; fail=1; }
+awk -F, 'NR > 1 { n++; if ($3*$3 + $4*$4 + $5*$5 >= 49) { print "cell " $1 " outside the small sphere"; bad = 1 } }
+         END { if (n != 400) { print n " cells"; bad = 1 } exit bad }' "$dir/small.csv" || fail=1
+
 # The branch distribution from the CSV's parent column.
 want=$(awk -F, 'NR > 1 { n++; if ($2 >= 0) kids[$2]++ }
                 END { for (i = 0; i < n; i++) { k = kids[i] + 0; if (k > 9) k = 9; h[k]++ }
