@@ -8,14 +8,25 @@
 #include <string.h>  // strcmp(), memset()
 #include <unistd.h>  // isatty()
 
+#include "export/model.h"
+#include "export/report.h"
+#include "export/statistics.h"
+#include "forms/readback.h"
 #include "growth/growth.h"
+#include "surface/samples.h"
+#include "surface/slice.h"
 #include "surface/stl.h"
+#include "surface/transform.h"
 
 // [SECTION] The option table: every option is one row here. A row writes
 // either a growth setting (into run->growth, copied to growthstate when the
 // run starts) or a field of the run itself.
 
-enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP };
+// BOPT_SAMPLE: an int that must be a sample surface code; BOPT_TRIPLE: one
+// "X,Y,Z" value into an XYZ; BOPT_TRANSFORM: three triples appended to
+// run->transforms.
+enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SAMPLE, BOPT_TRIPLE,
+       BOPT_TRANSFORM };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -70,6 +81,32 @@ static const BATCHOPTION batchoptions[] = {
    "or stop after N growth steps, whichever comes first"},
   {"--csv", NULL, "PATH", BOPT_PATH, R(csvfile), 0, 0, 0, 0, "a path",
    "write the aggregate: index,parent,x,y,z,weight"},
+  {"--sample", NULL, "CODE", BOPT_SAMPLE, R(sample), 0, 1, 100, 0, "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
+   "constraint surface from a sample (listed below); not with --stl"},
+  {"--transform", NULL, "SX,SY,SZ DX,DY,DZ RX,RY,RZ", BOPT_TRANSFORM, R(transforms), 0, -NOLIMIT, NOLIMIT, 0,
+   "three triples of numbers: scale, shift, rotation in degrees",
+   "the transform form's Apply (rotation in degrees); may be repeated, applied in order after --stl/--sample"},
+  {"--slices", NULL, "N", BOPT_INT, R(nslices), 0, 2, INT_MAX, 0, "an integer from 2 to 2147483647",
+   "after growth, write N slice files slice_000.txt ... (below 2 is refused, not raised to 2)"},
+  {"--slice-normal", NULL, "X,Y,Z", BOPT_TRIPLE, R(slicenormal), 0, -NOLIMIT, NOLIMIT, 0, "three numbers X,Y,Z",
+   "direction the slices are cut along (0,0,1); shorter than 1e-5: z becomes 1, then it is normalised"},
+  {"--slice-dir", NULL, "DIR", BOPT_PATH, R(slicedir), 0, 0, 0, 0, "a path",
+   "write the slice files into DIR, which must exist (the current directory)"},
+  {"--stats", NULL, "", BOPT_FLAG, R(stats), 0, 0, 0, 1, "",
+   "after growth, run the statistics (branch distribution, box count) to completion"},
+  {"--pov", NULL, "PATH", BOPT_PATH, R(povfile), 0, 0, 0, 0, "a path", "write POV-Ray, cylinders and spheres"},
+  {"--pov-sweep", NULL, "PATH", BOPT_PATH, R(povsweepfile), 0, 0, 0, 0, "a path", "write POV-Ray, sphere sweeps"},
+  {"--geom", NULL, "PATH", BOPT_PATH, R(geomfile), 0, 0, 0, 0, "a path", "write GEOM, cylinders and spheres"},
+  {"--vrml", NULL, "PATH", BOPT_PATH, R(vrmlfile), 0, 0, 0, 0, "a path", "write VRML 2.0, cylinders and spheres"},
+  {"--vrml-caps", NULL, "PATH", BOPT_PATH, R(vrmlcapsfile), 0, 0, 0, 0, "a path",
+   "write VRML 2.0, cylinders, end caps and spheres"},
+  {"--dxf-points", NULL, "PATH", BOPT_PATH, R(dxfpointsfile), 0, 0, 0, 0, "a path", "write the point cloud as DXF"},
+  {"--geom-points", NULL, "PATH", BOPT_PATH, R(geompointsfile), 0, 0, 0, 0, "a path",
+   "write the point cloud as GEOM"},
+  {"--stl-out", NULL, "PATH", BOPT_PATH, R(stloutfile), 0, 0, 0, 0, "a path",
+   "write the constraint surface as ASCII STL"},
+  {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
+   "write the simulation information report"},
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
@@ -106,18 +143,52 @@ static int ParseInteger(const char *s, long long *v) {
   return end != s && *end == '\0' && errno == 0;
 }
 
+static int KnownSampleCode(int code) {
+  for (int i = 0; i < nsamplesurfaces; i++)
+    if (samplesurfaces[i].code == code) return 1;
+  return 0;
+}
+
+// "X,Y,Z": exactly three finite numbers separated by commas.
+static int ParseTriple(const char *s, XYZ *v) {
+  double d[3];
+  const char *start = s;
+  for (int k = 0; k < 3; k++) {
+    const char *comma = strchr(start, ',');
+    if ((k < 2) != (comma != NULL)) return 0;
+    size_t len = comma ? (size_t)(comma - start) : strlen(start);
+    char part[128];
+    if (len >= sizeof(part)) return 0;
+    memcpy(part, start, len);
+    part[len] = '\0';
+    if (!ParseDouble(part, &d[k])) return 0;
+    start = comma ? comma + 1 : start + len;
+  }
+  v->x = d[0];
+  v->y = d[1];
+  v->z = d[2];
+  return 1;
+}
+
+static int StoreTriple(const BATCHOPTION *o, const char *text, XYZ *v, FILE *err) {
+  if (ParseTriple(text, v)) return 1;
+  fprintf(err, "%s: %s: \"%s\" is not three comma-separated numbers (allowed: %s)\n", programname, o->name, text,
+          o->range);
+  return 0;
+}
+
 static int StoreValue(BATCHRUN *run, const BATCHOPTION *o, size_t offset, const char *text, FILE *err) {
-  if (o->kind == BOPT_INT || o->kind == BOPT_LONG) {
+  if (o->kind == BOPT_INT || o->kind == BOPT_LONG || o->kind == BOPT_SAMPLE) {
     long long v;
     if (!ParseInteger(text, &v)) {
       fprintf(err, "%s: %s: \"%s\" is not an integer (allowed: %s)\n", programname, o->name, text, o->range);
       return 0;
     }
-    if ((double)v < o->lo || (double)v > o->hi) {
+    if ((double)v < o->lo || (double)v > o->hi || (o->kind == BOPT_SAMPLE && !KnownSampleCode((int)v))) {
       fprintf(err, "%s: %s: %s is out of range (allowed: %s)\n", programname, o->name, text, o->range);
       return 0;
     }
-    if (o->kind == BOPT_INT)
+    if (o->kind != BOPT_LONG)
       *(int *)Field(run, o, offset) = (int)v;
     else
       *(long long *)Field(run, o, offset) = v;
@@ -141,6 +212,28 @@ static void SetRunDefaults(BATCHRUN *run) {
   run->cells = 10000;
   run->steps = -1;
   run->progress = -1;
+  run->slicenormal.z = 1;  // the slicing form's start value
+}
+
+static int Given(const BATCHRUN *run, const char *name) {
+  for (int k = 0; k < NBATCHOPTIONS; k++)
+    if (strcmp(batchoptions[k].name, name) == 0) return run->given[k];
+  return 0;
+}
+
+// Options that only make sense together, or not at all together.
+static int CheckCombinations(const BATCHRUN *run, FILE *err) {
+  if (Given(run, "--sample") && Given(run, "--stl")) {
+    fprintf(err, "%s: --sample and --stl both give the constraint surface: use one of them\n", programname);
+    return BATCH_USAGE;
+  }
+  const char *needslices[] = {"--slice-normal", "--slice-dir"};
+  for (const char *name : needslices)
+    if (Given(run, name) && !Given(run, "--slices")) {
+      fprintf(err, "%s: %s needs --slices N (allowed: an integer from 2 to 2147483647)\n", programname, name);
+      return BATCH_USAGE;
+    }
+  return BATCH_OK;
 }
 
 int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
@@ -157,10 +250,13 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
       return BATCH_USAGE;
     }
     const BATCHOPTION *o = &batchoptions[row];
-    int nvalues = o->kind == BOPT_PAIR ? 2 : (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) ? 0 : 1;
+    int nvalues = o->kind == BOPT_PAIR        ? 2
+                  : o->kind == BOPT_TRANSFORM ? 3
+                  : (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) ? 0
+                                                                   : 1;
     if (i + nvalues >= argc) {
-      fprintf(err, "%s: %s needs %s%s (allowed: %s)\n", programname, o->name, nvalues == 2 ? "two values " : "a value ",
-              o->args, o->range);
+      fprintf(err, "%s: %s needs %s%s (allowed: %s)\n", programname, o->name,
+              nvalues == 3 ? "three values " : nvalues == 2 ? "two values " : "a value ", o->args, o->range);
       return BATCH_USAGE;
     }
     switch (o->kind) {
@@ -181,13 +277,28 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         if (!StoreValue(run, o, o->offset2, argv[++i], err)) return BATCH_USAGE;
         break;
+      case BOPT_TRIPLE:
+        if (!StoreTriple(o, argv[++i], (XYZ *)Field(run, o, o->offset), err)) return BATCH_USAGE;
+        break;
+      case BOPT_TRANSFORM: {
+        if (run->ntransforms >= BATCH_MAXTRANSFORMS) {
+          fprintf(err, "%s: %s: at most %d transforms\n", programname, o->name, BATCH_MAXTRANSFORMS);
+          return BATCH_USAGE;
+        }
+        BATCHTRANSFORM *t = &run->transforms[run->ntransforms];
+        if (!StoreTriple(o, argv[++i], &t->scale, err)) return BATCH_USAGE;
+        if (!StoreTriple(o, argv[++i], &t->shift, err)) return BATCH_USAGE;
+        if (!StoreTriple(o, argv[++i], &t->rotate, err)) return BATCH_USAGE;
+        run->ntransforms++;
+        break;
+      }
       default:
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         break;
     }
     run->given[row] = 1;
   }
-  return BATCH_OK;
+  return CheckCombinations(run, err);
 }
 
 void WriteBatchUsage(FILE *fp, const char *name) {
@@ -197,8 +308,26 @@ void WriteBatchUsage(FILE *fp, const char *name) {
     char left[64];
     snprintf(left, sizeof(left), "%s%s%s%s%s", o->alias ? o->alias : "", o->alias ? ", " : "", o->name,
              o->args[0] ? " " : "", o->args);
+    if (strlen(left) > 28) {
+      fprintf(fp, "  %s\n", left);
+      left[0] = '\0';
+    }
     fprintf(fp, "  %-28s %s\n", left, o->help);
+    // Paths and switches take anything; every other value names its range.
+    if (o->kind != BOPT_PATH && o->kind != BOPT_FLAG && o->kind != BOPT_HELP)
+      fprintf(fp, "  %-28s allowed: %s\n", "", o->range);
   }
+  fprintf(fp, "Sample surfaces:");
+  for (int i = 0; i < nsamplesurfaces; i++)
+    fprintf(fp, "%s %d %s", i ? "," : "", samplesurfaces[i].code, samplesurfaces[i].name);
+  fprintf(fp, "\n");
+  fprintf(fp,
+          "After growth, in this order: the CSV, the slice files, the statistics, then the writers in the order\n"
+          "listed above (--pov ... --info), each file exactly as the window's menu entry writes it.\n"
+          "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created (checked\n"
+          "before growth, nothing is written then), or a writer's file could not be created (reported, the\n"
+          "other files are still written); 2 a refused option, nothing written; 255 a malformed STL file or\n"
+          "a slice file that cannot be created (the slice files before it stay written).\n");
 }
 
 // [SECTION] The run
@@ -241,6 +370,45 @@ static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int don
   fflush(err);
 }
 
+// The writers in the order they run, each with the menu entry's format and
+// variant; format -1 is the information report.
+struct BATCHWRITER {
+  const char *option;
+  size_t offset;  // the path in BATCHRUN
+  int format, variant;
+};
+
+static const BATCHWRITER batchwriters[] = {
+    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS},
+    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP},
+    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS},
+    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS},
+    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED},
+    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS},
+    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS},
+    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP},
+    {"--info", offsetof(BATCHRUN, infofile), -1, 0},
+};
+
+// The window's save commands are silent when a file cannot be opened; a
+// batch user asked for the file, so it is reported, the remaining files are
+// still written, and the run ends with BATCH_FILEERROR.
+static int RunWriters(const BATCHRUN *run, FILE *err) {
+  int status = BATCH_OK;
+  for (const BATCHWRITER &w : batchwriters) {
+    const char *path = (const char *)run + w.offset;
+    if (path[0] == '\0') continue;
+    errno = 0;
+    int ok = w.format < 0 ? SaveInformationFile(path) : SaveModelFile(path, w.format, w.variant);
+    if (!ok) {
+      fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w.option, path,
+              errno ? strerror(errno) : "cannot be opened");
+      status = BATCH_FILEERROR;
+    }
+  }
+  return status;
+}
+
 int RunBatch(BATCHRUN *run, FILE *err) {
   InitialiseGrowth();  // start-up's call: the first one applies the defaults
   SetOptionDefaults();
@@ -253,6 +421,12 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     WriteMessage(err, &msg);
     return msg.fatal ? BATCH_FATAL : BATCH_FILEERROR;
   }
+  if (Given(run, "--sample")) MakeSampleSurface(run->sample);
+  for (int t = 0; t < run->ntransforms; t++) {
+    // The transform form's Apply: the transform, then one more preparation.
+    TransformSTL(run->transforms[t].scale, run->transforms[t].shift, run->transforms[t].rotate);
+    UpdateSTL();
+  }
   if (run->seedfile[0]) {
     if (!ReadRootsFile(run->seedfile, &msg)) {
       WriteMessage(err, &msg);
@@ -261,6 +435,16 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   } else {
     InitialiseGrowth();
     ResetSeeds();
+  }
+
+  // Created before growth so that a long run is not lost to a mistyped path.
+  FILE *csv = NULL;
+  if (run->csvfile[0]) {
+    csv = fopen(run->csvfile, "w");
+    if (csv == NULL) {
+      fprintf(err, "%s: --csv: cannot create \"%s\": %s\n", programname, run->csvfile, strerror(errno));
+      return BATCH_FILEERROR;
+    }
   }
 
   int progress = run->progress < 0 ? isatty(2) : run->progress;
@@ -279,14 +463,16 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   }
   if (progress) ShowProgress(err, run, step, 1);
 
-  if (run->csvfile[0]) {
-    FILE *fp = fopen(run->csvfile, "w");
-    if (fp == NULL) {
-      fprintf(err, "%s: cannot write %s\n", programname, run->csvfile);
-      return BATCH_FILEERROR;
-    }
-    WriteCellsCSV(fp);
-    fclose(fp);
+  if (csv) {
+    WriteCellsCSV(csv);
+    fclose(csv);
   }
-  return BATCH_OK;
+  if (run->nslices > 0) {
+    options.nslices = run->nslices;
+    options.slicenormal = run->slicenormal;
+    // DoSlice has written its message to standard error; the window exits here too.
+    if (!DoSliceIn(run->slicedir, options.nslices, SliceNormalForCut())) return BATCH_FATAL;
+  }
+  if (run->stats) RunStatisticsToCompletion();
+  return RunWriters(run, err);
 }

@@ -6,8 +6,15 @@
 #include <stdio.h>
 
 #include "app/records.h"
+#include "lib/vector.h"
 
 #define BATCH_MAXOPTIONS 64
+#define BATCH_MAXTRANSFORMS 64  // a plain array keeps BATCHRUN a plain record for the option table
+
+// One --transform: the transform form's nine inputs.
+struct BATCHTRANSFORM {
+  XYZ scale, shift, rotate;
+};
 
 struct BATCHRUN {
   GROWTHSTATE growth;              // the settings given on the command line
@@ -20,6 +27,16 @@ struct BATCHRUN {
   char seedfile[256];              // empty: roots from the root distribution
   char stlfile[256];               // empty: no constraint surface
   char csvfile[256];               // empty: nothing written
+  int sample;                      // sample surface code, when given
+  BATCHTRANSFORM transforms[BATCH_MAXTRANSFORMS];  // applied in order to the surface
+  int ntransforms;
+  int nslices;                     // 0: no slicing
+  XYZ slicenormal;                 // as typed; SliceNormalForCut makes it usable
+  char slicedir[256];              // empty: the current directory
+  int stats;                       // run the statistics to completion
+  // The writers, each empty when not asked for.
+  char povfile[256], povsweepfile[256], geomfile[256], vrmlfile[256], vrmlcapsfile[256];
+  char dxfpointsfile[256], geompointsfile[256], stloutfile[256], infofile[256];
 };
 
 // Exit statuses of the batch program.
@@ -32,9 +49,14 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err);
 // The option list, as "-h" shows it.
 void WriteBatchUsage(FILE *fp, const char *programname);
 
-// Start-up, the settings, the surface, the roots, then growth until the
-// cell count or the step limit; writes the CSV after a successful run.
-// Returns the exit status; file errors go to err as three lines.
+// Start-up, the settings, the surface (STL file or sample, then the
+// transforms), the roots, then growth until the cell count or the step
+// limit. After growth: the CSV, the slice files, the statistics, then the
+// writers. Returns the exit status; file read errors go to err as three
+// lines. A CSV that cannot be created ends the run before growth; a writer
+// that cannot be created is reported and the others are still written
+// (status BATCH_FILEERROR); a slice file that cannot be created ends the
+// run with BATCH_FATAL.
 int RunBatch(BATCHRUN *run, FILE *err);
 
 // The aggregate as "index,parent,x,y,z,weight" lines, numbers with "%.17g".
