@@ -60,12 +60,7 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
   return 1;
 }
 
-int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
-  FILE *fp = fopen(path, "r");
-  if (fp == NULL) {
-    SetFileMessage(msg, 0, "File Error", "Failed to read STL file", path);
-    return 0;
-  }
+int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg) {
   nstltri = 0;
   CopyName(growthstate.stlname, "None", sizeof(growthstate.stlname));
 
@@ -86,7 +81,6 @@ int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
     rewind(fp);
     ok = ReadBinaryFacets(fp, msg);
   }
-  fclose(fp);
   if (!ok) {
     // The caller ends the program on a fatal message; the implausible
     // count leaves an empty surface without preparing it.
@@ -96,6 +90,17 @@ int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
 
   if (options.debug) fprintf(stderr, "Read %d triangle faces\n", nstltri);
   UpdateSTL();
-  if (options.debug) fprintf(stderr, "%s\n", path);
+  if (options.debug) fprintf(stderr, "%s\n", name);
   return 1;
+}
+
+int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
+  FILE *fp = fopen(path, "r");
+  if (fp == NULL) {
+    SetFileMessage(msg, 0, "File Error", "Failed to read STL file", path);
+    return 0;
+  }
+  int ok = ReadSTLStream(fp, path, msg);
+  fclose(fp);
+  return ok;
 }
