@@ -32,8 +32,10 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
     SetFileMessage(msg, 1, "File Error", "Failed to read an expected STL header", "");
     return 0;
   }
-  int count = 0;  // a missing count reads as no facets
-  ReadInt(fp, &count, options.stlswap);
+  // A missing or partial count reads as no facets: a short read may have
+  // filled some of the bytes, which must not decide the count.
+  int count = 0;
+  if (!ReadInt(fp, &count, options.stlswap)) count = 0;
   if (options.debug) fprintf(stderr, "Expecting %d facets\n", count);
   if ((unsigned int)count > 10000000u) {
     SetFileMessage(msg, 0, "File Error", "Read an unexpected number of faces in STL header", "");
