@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and runs every test: the unit tests, the
 # batch program's tests, the desktop program under Xvfb and the real file
 # readers; then the core and its unit tests again with AddressSanitizer and
-# UndefinedBehaviorSanitizer.
+# UndefinedBehaviorSanitizer; last a short run of the file-reader fuzzers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -12,3 +12,6 @@ scripts/build.sh
 cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DDLA_SANITIZE=ON -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF >/dev/null
 cmake --build build-asan -j"$(nproc)"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j2 -L unit)
+
+# The file readers under libFuzzer (clang, both sanitizers), a short run.
+scripts/fuzz.sh

@@ -135,14 +135,19 @@ void ResetSeeds(void) {
 }
 
 int ReadRootsFile(const char *path, FILEMESSAGE *msg) {
-  GROWTHSTATE &g = growthstate;
   FILE *fp = fopen(path, "r");
   if (fp == NULL) {
     SetFileMessage(msg, 0, "File Error", "Failed to read seed file", path);
     return 0;
   }
+  int ok = ReadRootsStream(fp, path, msg);
+  fclose(fp);
+  return ok;
+}
 
-  CopyName(g.rootname, path, sizeof(g.rootname));
+int ReadRootsStream(FILE *fp, const char *name, FILEMESSAGE *msg) {
+  GROWTHSTATE &g = growthstate;
+  CopyName(g.rootname, name, sizeof(g.rootname));
   g.nroots = 0;
   InitialiseGrowth();
   ResetSeeds();  // with distribution 1 this renames the roots "Origin"
@@ -157,7 +162,6 @@ int ReadRootsFile(const char *path, FILEMESSAGE *msg) {
     double r = Modulus(p);
     if (r > g.radius) g.radius = r;
   }
-  fclose(fp);
 
   if (g.nroots > 0) {
     if (options.debug) fprintf(stderr, "Read %d root seed positions\n", g.nroots);

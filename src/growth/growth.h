@@ -2,6 +2,8 @@
 #ifndef DLA_GROWTH_GROWTH_H
 #define DLA_GROWTH_GROWTH_H
 
+#include <stdio.h>  // FILE
+
 #include "app/records.h"
 #include "lib/vector.h"
 
@@ -27,6 +29,10 @@ void ResetSeeds(void);
 // cannot be opened (nothing changed) or holds no point (one root at the
 // origin again).
 int ReadRootsFile(const char *path, FILEMESSAGE *msg);
+
+// ReadRootsFile on a stream open for reading (left open); name becomes the
+// rootname (cut to 127 characters).
+int ReadRootsStream(FILE *fp, const char *name, FILEMESSAGE *msg);
 
 // A release point at distance r from the origin, in the direction the
 // source type gives; unknown codes behave like the sphere (1).

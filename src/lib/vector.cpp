@@ -131,6 +131,9 @@ int ReadLine(FILE *fptr, char *s, int lmax) {
   s[0] = '\0';
   while ((c = fgetc(fptr)) != EOF) {
     if (c == '\n' || c == '\r') return 1;
+    // A buffer of lmax + 1 bytes with lmax < 1 holds only the terminator:
+    // the line is read and dropped rather than written past the end.
+    if (lmax < 1) continue;
     s[i++] = (char)c;
     s[i] = '\0';
     if (i >= lmax) return 1;

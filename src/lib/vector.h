@@ -85,6 +85,7 @@ double GetRunTime(void);
 
 // One line into s (which holds lmax + 1 bytes), without its CR or LF.
 // Returns 1 when a line ended (or lmax characters were read), 0 at end of file.
+// With lmax < 1 the line is consumed and nothing but the terminator stored.
 int ReadLine(FILE *fptr, char *s, int lmax);
 
 // Four bytes in host order, reversed when swap is set. 0 on a short read.

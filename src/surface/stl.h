@@ -2,6 +2,8 @@
 #ifndef DLA_SURFACE_STL_H
 #define DLA_SURFACE_STL_H
 
+#include <stdio.h>  // FILE
+
 #include <vector>
 
 #include "app/records.h"
@@ -35,5 +37,10 @@ void UpdateSTL(void);
 // facet count is implausible (surface empty, *msg set). Malformed files that
 // must end the program set msg->fatal and return 0.
 int ReadSTLFile(const char *path, FILEMESSAGE *msg);
+
+// ReadSTLFile on a stream open for reading (left open); name is the path
+// shown in debug output. A binary file that ends early keeps the facets read
+// completely and stops at the first short read.
+int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg);
 
 #endif

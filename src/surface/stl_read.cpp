@@ -32,8 +32,10 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
     SetFileMessage(msg, 1, "File Error", "Failed to read an expected STL header", "");
     return 0;
   }
-  int count = 0;  // a missing count reads as no facets
-  ReadInt(fp, &count, options.stlswap);
+  // A missing or partial count reads as no facets: a short read may have
+  // filled some of the bytes, which must not decide the count.
+  int count = 0;
+  if (!ReadInt(fp, &count, options.stlswap)) count = 0;
   if (options.debug) fprintf(stderr, "Expecting %d facets\n", count);
   if ((unsigned int)count > 10000000u) {
     SetFileMessage(msg, 0, "File Error", "Read an unexpected number of faces in STL header", "");
@@ -60,12 +62,7 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
   return 1;
 }
 
-int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
-  FILE *fp = fopen(path, "r");
-  if (fp == NULL) {
-    SetFileMessage(msg, 0, "File Error", "Failed to read STL file", path);
-    return 0;
-  }
+int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg) {
   nstltri = 0;
   CopyName(growthstate.stlname, "None", sizeof(growthstate.stlname));
 
@@ -86,7 +83,6 @@ int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
     rewind(fp);
     ok = ReadBinaryFacets(fp, msg);
   }
-  fclose(fp);
   if (!ok) {
     // The caller ends the program on a fatal message; the implausible
     // count leaves an empty surface without preparing it.
@@ -96,6 +92,17 @@ int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
 
   if (options.debug) fprintf(stderr, "Read %d triangle faces\n", nstltri);
   UpdateSTL();
-  if (options.debug) fprintf(stderr, "%s\n", path);
+  if (options.debug) fprintf(stderr, "%s\n", name);
   return 1;
+}
+
+int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
+  FILE *fp = fopen(path, "r");
+  if (fp == NULL) {
+    SetFileMessage(msg, 0, "File Error", "Failed to read STL file", path);
+    return 0;
+  }
+  int ok = ReadSTLStream(fp, path, msg);
+  fclose(fp);
+  return ok;
 }
