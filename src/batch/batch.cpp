@@ -9,13 +9,14 @@
 #include <unistd.h>  // isatty()
 
 #include "growth/growth.h"
+#include "growth/index.h"
 #include "surface/stl.h"
 
 // [SECTION] The option table: every option is one row here. A row writes
 // either a growth setting (into run->growth, copied to growthstate when the
 // run starts) or a field of the run itself.
 
-enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP };
+enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SEARCH };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -73,6 +74,8 @@ static const BATCHOPTION batchoptions[] = {
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
+  {"--search", NULL, "HOW", BOPT_SEARCH, R(search), 0, 0, 0, 0, "index or scan",
+   "how a step finds the cell it touches: index, or scan every cell (index)"},
   {"-d", NULL, "", BOPT_FLAG, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
   {"--help", "-h", "", BOPT_HELP, R(help), 0, 0, 0, 1, "", "this text"},
 };
@@ -177,6 +180,18 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
         CopyName((char *)Field(run, o, o->offset), path, 256);
         break;
       }
+      case BOPT_SEARCH: {
+        const char *how = argv[++i];
+        if (strcmp(how, "index") == 0)
+          run->search = SEARCH_INDEX;
+        else if (strcmp(how, "scan") == 0)
+          run->search = SEARCH_SCAN;
+        else {
+          fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
+          return BATCH_USAGE;
+        }
+        break;
+      }
       case BOPT_PAIR:
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         if (!StoreValue(run, o, o->offset2, argv[++i], err)) return BATCH_USAGE;
@@ -245,6 +260,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   InitialiseGrowth();  // start-up's call: the first one applies the defaults
   SetOptionDefaults();
   options.debug = run->debug;
+  growthsearch = run->search;
   ApplyBatchSettings(run);
 
   FILEMESSAGE msg;
