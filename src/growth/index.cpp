@@ -37,7 +37,8 @@ static uint64_t Key(int level, int ix, int iy, int iz) {
 static size_t Slot(uint64_t key) {
   SEARCHINDEX &s = searchindex;
   size_t mask = s.keys.size() - 1;
-  size_t i = (size_t)((key * 0x9E3779B97F4A7C15ULL) >> 20) & mask;
+  // The top bits of the product depend on every bit of the key.
+  size_t i = (size_t)((key * 0x9E3779B97F4A7C15ULL) >> s.shift);
   while (s.keys[i] != key && s.keys[i] != EMPTYKEY) i = (i + 1) & mask;
   return i;
 }
@@ -73,6 +74,7 @@ static void Grow(void) {
   size_t size = keys.empty() ? 4096 : 2 * keys.size();
   s.keys.assign(size, EMPTYKEY);
   s.values.assign(size, -1);
+  s.shift = 64 - __builtin_ctzll(size);
   for (size_t i = 0; i < keys.size(); i++)
     if (keys[i] != EMPTYKEY) {
       size_t j = Slot(keys[i]);
@@ -115,9 +117,10 @@ static void Rebuild(void) {
   s.h = 2 * s.reach * (1 + 1e-6);
   s.invh = 1 / s.h;
   s.overflow = 0;
-  s.keys.assign(4096, EMPTYKEY);
-  s.values.assign(4096, -1);
+  s.keys.clear();
+  s.values.clear();
   s.used = 0;
+  Grow();
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
@@ -163,6 +166,12 @@ static int Span(double x, int i, double hk, double *room) {
   return (int)lo;
 }
 
+// Distance along one axis from x to bucket b of size hk (0 inside it).
+static double Gap(double x, int b, double hk) {
+  double lo = b * hk, hi = (b + 1) * hk;
+  return x < lo ? lo - x : x > hi ? x - hi : 0;
+}
+
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
   SEARCHINDEX &s = searchindex;
   *ok = 0;
@@ -193,8 +202,12 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     any |= head[k] >= 0;
   }
   *ok = 1;
+  double free = room;  // no cell is closer than this
   if (any) {
-    // The scan's loop over the block's cells, newest first.
+    // The scan's loop over the block's cells, newest first. All three
+    // differences are taken before the rejections, which then run in the
+    // scan's order: the same outcome, and the true nearest distance too.
+    double nearest = 1e300;
     double dmin = 1e32;
     double reach2 = growthstate.branchlength * growthstate.branchlength;
     int found = -1;
@@ -205,14 +218,13 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
       int i = head[j];
       if (i < 0) break;
       head[j] = s.next[i];
-      if (associate && i % nroots != rootclass) continue;
       double dx = cells[i].p.x - p.x;
-      if (dx > dmin) continue;
       double dy = cells[i].p.y - p.y;
-      if (dy > dmin) continue;
       double dz = cells[i].p.z - p.z;
-      if (dz > dmin) continue;
       double d2 = dx * dx + dy * dy + dz * dz;
+      if (d2 < nearest) nearest = d2;
+      if (associate && i % nroots != rootclass) continue;
+      if (dx > dmin || dy > dmin || dz > dmin) continue;
       if (d2 < dmin) found = i;
       if (d2 < dmin) dmin = d2;
       if (reach2 > dmin) {
@@ -220,22 +232,30 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
         return 1;
       }
     }
-    return 0;
+    nearest = sqrt(nearest) - slack;
+    if (nearest < free) free = nearest;
   }
 
-  // No cell in the block: find the coarsest level whose block is empty too.
-  double free = room;
-  for (int k = 1; k < INDEX_LEVELS; k++) {
+  // Coarser blocks: cells outside a block are at least its room away, and
+  // those inside at least as far as their occupied buckets' boxes. Climb
+  // while the blocks are empty; the first occupied one ends the climb.
+  for (int k = 1; k < INDEX_LEVELS && !any; k++) {
     double hk = s.h * (double)(1 << k);
     int kx = Span(p.x, ix >> k, hk, &rx), ky = Span(p.y, iy >> k, hk, &ry), kz = Span(p.z, iz >> k, hk, &rz);
+    double bound = rx < ry ? rx : ry;
+    if (rz < bound) bound = rz;
     int occupied = 0;
-    for (int m = 0; m < 8 && !occupied; m++)
-      occupied = Lookup(Key(k, kx + (m & 1), ky + ((m >> 1) & 1), kz + (m >> 2))) >= 0;
+    for (int m = 0; m < 8; m++) {
+      int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
+      if (Lookup(Key(k, bx, by, bz)) < 0) continue;
+      occupied = 1;
+      double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
+      double d = sqrt(gx * gx + gy * gy + gz * gz);
+      if (d < bound) bound = d;
+    }
+    bound -= slack;
+    if (bound > free) free = bound;
     if (occupied) break;
-    double r = rx < ry ? rx : ry;
-    if (rz < r) r = rz;
-    r -= slack;
-    if (r > free) free = r;
   }
   double safe = (free - s.reach) * (1 - MARGIN);
   if (safe > 0) {

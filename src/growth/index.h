@@ -24,6 +24,7 @@ struct SEARCHINDEX {
   std::vector<uint64_t> keys;  // open addressing, EMPTYKEY marks a free slot
   std::vector<int> values;     // level 0: newest cell of the bucket; others: 1
   int used;
+  int shift;                   // 64 - log2(table size)
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;

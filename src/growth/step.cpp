@@ -120,9 +120,10 @@ void IterateSystem(void) {
     if (g.associate) {
       target = cells[ncells % nroots].p;
     } else {
-      int kx = GrowthRand() % nroots;
-      int ky = GrowthRand() % nroots;
-      int kz = GrowthRand() % nroots;
+      // x % 1 is 0: one root needs the draws but not the divisions.
+      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
       target.x = cells[kx].p.x;
       target.y = cells[ky].p.y;
       target.z = cells[kz].p.z;
