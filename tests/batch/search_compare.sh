@@ -61,7 +61,7 @@ run --cells 1500 --seed 10 --roots 5 --root-distribution 8 --associate
 run --cells 1500 --seed 11 --roots 4 --root-distribution 2 --root-range 20 --associate --branch-length 0.7
 run --cells 1500 --seed 12 --rotation 2 --bias 0.5
 run --cells 1000 --seed 13 --stickiness 20 --branch-length 0.3
-run --cells 400 --steps 300000 --seed 14 --intersect-range 30
+run --cells 600 --steps 2000000 --seed 14 --intersect-range 5
 run --cells 1000 --seed 15 --stl "$dir/plane.stl" --source 8
 run --cells 1200 --seed 16 --seed-file "$dir/seeds.txt" --associate --rotation -1.5
 run --cells 1200 --seed 17 --roots 3 --root-distribution 3 --source 11

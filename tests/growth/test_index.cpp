@@ -98,7 +98,7 @@ TEST(SearchIndex, GivesTheScansAggregateForManySettings) {
          growthstate.seed = 9;
          InitialiseGrowth();
        }, 500},
-      {"intersection range", [] { growthstate.intersectrange = 40; growthstate.seed = 10; InitialiseGrowth(); }, 500},
+      {"intersection range", [] { growthstate.intersectrange = 5; growthstate.seed = 10; InitialiseGrowth(); }, 500},
       {"sample sphere", [] {
          MakeSampleSurface(SAMPLE_SPHERE);
          growthstate.seed = 11;
