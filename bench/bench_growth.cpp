@@ -35,7 +35,7 @@ void BM_Step(benchmark::State &state) {
   state.SetItemsProcessed(state.iterations());
   state.counters["cells"] = ncells;
 }
-BENCHMARK(BM_Step)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(BM_Step)->Arg(10000)->Arg(100000)->Arg(1000000)->Iterations(1000000);
 
 // What a default step cannot do without: three uniform numbers and the
 // normalisation of the random step, the escape distance, three root
