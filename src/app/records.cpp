@@ -10,6 +10,7 @@ STATS stats;
 
 std::vector<CELL> cells;
 int ncells = 0;
+unsigned cellsrevision = 0;
 
 XYZ seeds[NSEEDS];
 int nseeds = 0;
@@ -27,6 +28,7 @@ void ReserveCells(int n) {
   }
   CELL fresh = {{0, 0, 0}, 0, -1, 0};
   cells.resize(n, fresh);
+  cellsrevision++;
 }
 
 void AppendCell(XYZ p, double weight, int parent) {
@@ -37,6 +39,7 @@ void AppendCell(XYZ p, double weight, int parent) {
   c.parent = parent;
   c.traced = 0;
   ncells++;
+  cellsrevision++;
 }
 
 void SetOptionDefaults(void) {

@@ -124,6 +124,9 @@ extern STATS stats;
 // aggregate's cells, which a restart with more roots brings back by design.
 extern std::vector<CELL> cells;
 extern int ncells;
+// Counts changes of the aggregate's storage (AppendCell, ReserveCells that
+// grows): the growth's search index rebuilds when it moves unexpectedly.
+extern unsigned cellsrevision;
 
 // The last NSEEDS release points; nseeds counts every release.
 extern XYZ seeds[NSEEDS];

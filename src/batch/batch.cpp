@@ -13,6 +13,7 @@
 #include "export/statistics.h"
 #include "forms/readback.h"
 #include "growth/growth.h"
+#include "growth/index.h"
 #include "surface/samples.h"
 #include "surface/slice.h"
 #include "surface/stl.h"
@@ -24,9 +25,9 @@
 
 // BOPT_SAMPLE: an int that must be a sample surface code; BOPT_TRIPLE: one
 // "X,Y,Z" value into an XYZ; BOPT_TRANSFORM: three triples appended to
-// run->transforms.
+// run->transforms; BOPT_SEARCH: "index" or "scan".
 enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SAMPLE, BOPT_TRIPLE,
-       BOPT_TRANSFORM };
+       BOPT_TRANSFORM, BOPT_SEARCH };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -110,6 +111,8 @@ static const BATCHOPTION batchoptions[] = {
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
+  {"--search", NULL, "HOW", BOPT_SEARCH, R(search), 0, 0, 0, 0, "index or scan",
+   "how a step finds the cell it touches: index, or scan every cell (index)"},
   {"-d", NULL, "", BOPT_FLAG, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
   {"--help", "-h", "", BOPT_HELP, R(help), 0, 0, 0, 1, "", "this text"},
 };
@@ -273,6 +276,18 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
         CopyName((char *)Field(run, o, o->offset), path, 256);
         break;
       }
+      case BOPT_SEARCH: {
+        const char *how = argv[++i];
+        if (strcmp(how, "index") == 0)
+          run->search = SEARCH_INDEX;
+        else if (strcmp(how, "scan") == 0)
+          run->search = SEARCH_SCAN;
+        else {
+          fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
+          return BATCH_USAGE;
+        }
+        break;
+      }
       case BOPT_PAIR:
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         if (!StoreValue(run, o, o->offset2, argv[++i], err)) return BATCH_USAGE;
@@ -413,6 +428,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   InitialiseGrowth();  // start-up's call: the first one applies the defaults
   SetOptionDefaults();
   options.debug = run->debug;
+  growthsearch = run->search;
   ApplyBatchSettings(run);
 
   FILEMESSAGE msg;

@@ -24,6 +24,7 @@ struct BATCHRUN {
   int progress;                    // -1: only when standard error is a terminal
   int debug;
   int help;
+  int search;                      // SEARCH_INDEX or SEARCH_SCAN
   char seedfile[256];              // empty: roots from the root distribution
   char stlfile[256];               // empty: no constraint surface
   char csvfile[256];               // empty: nothing written

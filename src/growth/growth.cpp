@@ -1,11 +1,11 @@
 #include "growth/growth.h"
 
 #include <stdio.h>   // fopen(), fscanf()
-#include <stdlib.h>  // srand(), srand48(), drand48()
+
+#include "growth/random.h"
 
 static void SeedGenerators(void) {
-  srand(growthstate.seed);
-  srand48(growthstate.seed);
+  SeedGrowthRandom(growthstate.seed);  // srand then srand48
 }
 
 // InitialiseGrowth reads the first nroots entries of roots and keeps the
@@ -69,7 +69,7 @@ void InitialiseGrowth(void) {
   ncells = n;
 }
 
-static double Spread(void) { return (drand48() - 0.5) * growthstate.rootrange; }
+static double Spread(void) { return (GrowthDrand48() - 0.5) * growthstate.rootrange; }
 
 void ResetSeeds(void) {
   GROWTHSTATE &g = growthstate;

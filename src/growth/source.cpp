@@ -1,14 +1,13 @@
-#include <stdlib.h>  // drand48(), rand()
-
 #include "growth/growth.h"
+#include "growth/random.h"
 #include "surface/stl.h"
 
 // Every call below is its own statement so the draws come in the order
 // dx, dy, dz whatever the compiler does with an expression.
-static double Centred(void) { return drand48() - 0.5; }
-static double Sideways(double s) { return (drand48() - 0.5) * s; }
-static double Wide(void) { return 2 * (drand48() - 0.5); }
-static double PlusMinus(void) { return drand48() < 0.5 ? -1 : 1; }
+static double Centred(void) { return GrowthDrand48() - 0.5; }
+static double Sideways(double s) { return (GrowthDrand48() - 0.5) * s; }
+static double Wide(void) { return 2 * (GrowthDrand48() - 0.5); }
+static double PlusMinus(void) { return GrowthDrand48() < 0.5 ? -1 : 1; }
 
 XYZ GetNewParticle(int sourcetype, double r) {
   double s = 0.1 * growthstate.branchlength;  // absolute spread of the axis sources
@@ -51,24 +50,24 @@ XYZ GetNewParticle(int sourcetype, double r) {
       d.z = 1;
       break;
     case SOURCE_HEMIX:
-      d.x = 0.5 * drand48();
+      d.x = 0.5 * GrowthDrand48();
       d.y = Centred();
       d.z = Centred();
       break;
     case SOURCE_HEMIY:
       d.x = Centred();
-      d.y = 0.5 * drand48();
+      d.y = 0.5 * GrowthDrand48();
       d.z = Centred();
       break;
     case SOURCE_HEMIZ:
       d.x = Centred();
       d.y = Centred();
-      d.z = 0.5 * drand48();
+      d.z = 0.5 * GrowthDrand48();
       break;
     case SOURCE_STL:
       if (nstltri > 0) {
         // Aim at a random facet's centroid, each facet equally likely.
-        d = stltri[rand() % nstltri].mid;
+        d = stltri[GrowthRand() % nstltri].mid;
         break;
       }
       // no surface: behave like the sphere

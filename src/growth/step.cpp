@@ -1,8 +1,10 @@
+#include <math.h>    // fabs()
 #include <stdio.h>   // fwrite()
-#include <stdlib.h>  // drand48(), rand()
 #include <string.h>  // strlen()
 
 #include "growth/growth.h"
+#include "growth/index.h"
+#include "growth/random.h"
 #include "surface/constraint.h"
 #include "surface/stl.h"
 
@@ -15,6 +17,29 @@ static void Veto(const char *why) {
 // 1 when the branch from the particle to cell best would pass within the
 // intersection range of another branch. Roots have no branch and are
 // skipped.
+// The plain search: every cell, newest first, until one is within a branch
+// length. Returns 1 on a touch, the cell in *best.
+static int ScanCells(XYZ p, int associate, int nroots, int rootclass, int *best) {
+  double dmin = 1e32;
+  double reach = growthstate.branchlength * growthstate.branchlength;
+  for (int i = ncells - 1; i >= 0; i--) {
+    if (associate && i % nroots != rootclass) continue;
+    // Signed differences against the squared distance: a coarse early
+    // rejection, kept as it always was.
+    double dx = cells[i].p.x - p.x;
+    if (dx > dmin) continue;
+    double dy = cells[i].p.y - p.y;
+    if (dy > dmin) continue;
+    double dz = cells[i].p.z - p.z;
+    if (dz > dmin) continue;
+    double d2 = dx * dx + dy * dy + dz * dz;
+    if (d2 < dmin) *best = i;
+    if (d2 < dmin) dmin = d2;
+    if (reach > dmin) return 1;
+  }
+  return 0;
+}
+
 static int CrossesBranch(int best) {
   GROWTHSTATE &g = growthstate;
   double range = g.intersectrange * 0.01 * g.branchlength;
@@ -27,6 +52,39 @@ static int CrossesBranch(int best) {
                           cells[cells[i].parent].p) &&
         VectorLength(pa, pb) < range)
       return 1;
+  }
+  return 0;
+}
+
+// CrossesBranch with the work that does not depend on cell i taken out of
+// the loop: the same operations in the same order as LineLineIntersect, so
+// the same answers. A particle on top of cell best makes every test fail.
+static int CrossesBranchHoisted(int best) {
+  const double EPS = 1e-5;
+  GROWTHSTATE &g = growthstate;
+  double range = g.intersectrange * 0.01 * g.branchlength;
+  XYZ p1 = g.particle, p2 = cells[best].p;
+  XYZ p21 = {p2.x - p1.x, p2.y - p1.y, p2.z - p1.z};
+  if (fabs(p21.x) < EPS && fabs(p21.y) < EPS && fabs(p21.z) < EPS) return 0;
+  double d2121 = DotProduct(p21, p21);
+  const CELL *c = cells.data();
+  for (int i = 0; i < ncells; i++) {
+    if (i == best || c[i].parent < 0) continue;
+    XYZ p3 = c[i].p, p4 = c[c[i].parent].p;
+    XYZ p43 = {p4.x - p3.x, p4.y - p3.y, p4.z - p3.z};
+    if (fabs(p43.x) < EPS && fabs(p43.y) < EPS && fabs(p43.z) < EPS) continue;
+    XYZ p13 = {p1.x - p3.x, p1.y - p3.y, p1.z - p3.z};
+    double d1343 = DotProduct(p13, p43);
+    double d4321 = DotProduct(p43, p21);
+    double d1321 = DotProduct(p13, p21);
+    double d4343 = DotProduct(p43, p43);
+    double denom = d2121 * d4343 - d4321 * d4321;
+    if (fabs(denom) < EPS) continue;
+    double mua = (d1343 * d4321 - d1321 * d4343) / denom;
+    double mub = (d1343 + d4321 * mua) / d4343;
+    XYZ pa = {p1.x + mua * p21.x, p1.y + mua * p21.y, p1.z + mua * p21.z};
+    XYZ pb = {p3.x + mub * p43.x, p3.y + mub * p43.y, p3.z + mub * p43.z};
+    if (VectorLength(pa, pb) < range) return 1;
   }
   return 0;
 }
@@ -73,9 +131,9 @@ void IterateSystem(void) {
 
   // 3. One random step of one branch length.
   XYZ u;
-  u.x = drand48() - 0.5;
-  u.y = drand48() - 0.5;
-  u.z = drand48() - 0.5;
+  u.x = GrowthDrand48() - 0.5;
+  u.y = GrowthDrand48() - 0.5;
+  u.z = GrowthDrand48() - 0.5;
   Normalise(&u);
   g.particle.x += g.branchlength * u.x;
   g.particle.y += g.branchlength * u.y;
@@ -96,9 +154,10 @@ void IterateSystem(void) {
     if (g.associate) {
       target = cells[ncells % nroots].p;
     } else {
-      int kx = rand() % nroots;
-      int ky = rand() % nroots;
-      int kz = rand() % nroots;
+      // x % 1 is 0: one root needs the draws but not the divisions.
+      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
       target.x = cells[kx].p.x;
       target.y = cells[ky].p.y;
       target.z = cells[kz].p.z;
@@ -121,33 +180,22 @@ void IterateSystem(void) {
   int rootclass = associate ? ncells % nroots : 0;
   int best = -1;
   int touching = 0;
-  double dmin = 1e32;
-  double reach = g.branchlength * g.branchlength;
-  for (int i = ncells - 1; i >= 0; i--) {
-    if (associate && i % nroots != rootclass) continue;
-    // Signed differences against the squared distance: a coarse early
-    // rejection, kept as it always was.
-    double dx = cells[i].p.x - g.particle.x;
-    if (dx > dmin) continue;
-    double dy = cells[i].p.y - g.particle.y;
-    if (dy > dmin) continue;
-    double dz = cells[i].p.z - g.particle.z;
-    if (dz > dmin) continue;
-    double d2 = dx * dx + dy * dy + dz * dz;
-    if (d2 < dmin) best = i;
-    if (d2 < dmin) dmin = d2;
-    if (reach > dmin) {
-      touching = 1;
-      break;
-    }
+  int indexed = growthsearch == SEARCH_INDEX;
+  if (indexed) {
+    SyncSearchIndex();  // the aggregate or the branch length may have changed
+    int ok;
+    touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
+    if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+  } else {
+    touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
   }
 
   // 8. Stickiness: the number is drawn whether or not a cell was touched.
-  double r = drand48();
+  double r = GrowthDrand48();
   if (r > g.stickiness * 0.01 || !touching) return;
 
   // 9-11. The vetoes put the particle back where it was before this step.
-  if (g.intersectrange > 0 && CrossesBranch(best)) {
+  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best))) {
     Veto("*** Self intersection\n");
     g.particle = q;
     return;
@@ -164,7 +212,9 @@ void IterateSystem(void) {
   }
 
   // 12. Stick.
+  unsigned revision = cellsrevision;
   AppendCell(g.particle, 0, best);
+  if (indexed) IndexAppendedCell(revision);
 
   // 13. The count stops at index 0 as well as at -1, so cells under root 0
   // get a larger share than the same shape under another root (kept).
@@ -175,6 +225,25 @@ void IterateSystem(void) {
     d++;
   } while (j > 0);
   for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+
+  // 14. Weights only grow and cells only come, so the index keeps both
+  // maxima over all cells (retained ones included) and updates them here.
+  SEARCHINDEX &s = searchindex;
+  if (indexed && s.valid) {
+    if (s.maxweightknown) {
+      for (j = best; j >= 0; j = cells[j].parent)
+        if (cells[j].weight > s.maxweight) s.maxweight = cells[j].weight;
+    } else {
+      s.maxweight = 0;
+      for (int i = 0; i < ncells; i++)
+        if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+      s.maxweightknown = 1;
+    }
+    g.maxweight = s.maxweight;
+    if (s.maxdist > g.radius) g.radius = s.maxdist;
+    g.lifespan = 0;
+    return;
+  }
 
   // 14. Bookkeeping over every cell: a restart may have kept cells that lie
   // beyond the starting radius.

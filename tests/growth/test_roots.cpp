@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "growth/random.h"
 #include "growth_test_util.h"
 
 namespace {
@@ -11,12 +12,12 @@ namespace {
 // generator as the layout rules describe: (r - 0.5) * range per random axis.
 std::vector<XYZ> ReplayRandomRoots(int n, double range, int xaxis, int yaxis, int zaxis) {
   std::vector<XYZ> out;
-  srand48(growthstate.seed);
+  GrowthSrand48(growthstate.seed);
   for (int i = 0; i < n; i++) {
     XYZ p = {0, 0, 0};
-    if (xaxis) p.x = (drand48() - 0.5) * range;
-    if (yaxis) p.y = (drand48() - 0.5) * range;
-    if (zaxis) p.z = (drand48() - 0.5) * range;
+    if (xaxis) p.x = (GrowthDrand48() - 0.5) * range;
+    if (yaxis) p.y = (GrowthDrand48() - 0.5) * range;
+    if (zaxis) p.z = (GrowthDrand48() - 0.5) * range;
     out.push_back(p);
   }
   return out;
@@ -78,10 +79,10 @@ TEST(Roots, RandomDistributionsDrawInOrder) {
     }
     EXPECT_STREQ(growthstate.rootname, c.name);
     // Reseeded after the roots: the next number is the seed's first.
-    srand48(growthstate.seed);
-    double first = drand48();
+    GrowthSrand48(growthstate.seed);
+    double first = GrowthDrand48();
     ResetSeeds();
-    EXPECT_EQ(drand48(), first);
+    EXPECT_EQ(GrowthDrand48(), first);
   }
 }
 

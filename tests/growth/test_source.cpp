@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <math.h>
 
+#include "growth/random.h"
 #include "growth_test_util.h"
 #include "surface/stl.h"
 
@@ -53,22 +54,22 @@ TEST(Source, EveryCodeFollowsItsDirectionRule) {
   for (int code = -1; code <= 18; code++) {
     for (unsigned seed = 1; seed <= 40; seed++) {
       SCOPED_TRACE(testing::Message() << "code " << code << " seed " << seed);
-      srand48(seed);
+      GrowthSrand48(seed);
       double r[4];
-      for (int k = 0; k < 4; k++) r[k] = drand48();
-      srand48(seed);
+      for (int k = 0; k < 4; k++) r[k] = GrowthDrand48();
+      GrowthSrand48(seed);
       XYZ got = GetNewParticle(code, 7.5);
       ExpectSame(got, Scaled(Expected(code, r, 0.2), 7.5));
       EXPECT_NEAR(sqrt(got.x * got.x + got.y * got.y + got.z * got.z), 7.5, 1e-12);
       // Exactly the draws the rule needs were taken.
-      EXPECT_EQ(drand48(), r[DrawsOf(code)]);
+      EXPECT_EQ(GrowthDrand48(), r[DrawsOf(code)]);
     }
   }
 }
 
 TEST(Source, AxisSourcesStayInTheirCone) {
   ResetGrowthForTest();
-  srand48(3);
+  GrowthSrand48(3);
   for (int i = 0; i < 2000; i++) {
     double r = 12;
     XYZ p = GetNewParticle(2, r);
@@ -86,7 +87,7 @@ TEST(Source, AxisSourcesStayInTheirCone) {
 
 TEST(Source, DoubleAxisUsesBothEnds) {
   ResetGrowthForTest();
-  srand48(11);
+  GrowthSrand48(11);
   int plus = 0, minus = 0;
   for (int i = 0; i < 400; i++) {
     XYZ p = GetNewParticle(10, 5);
@@ -100,9 +101,9 @@ TEST(Source, DoubleAxisUsesBothEnds) {
 TEST(Source, SurfaceSourceAimsAtAFacetCentroid) {
   ResetGrowthForTest();
   // No facets: the sphere rule.
-  srand48(5);
+  GrowthSrand48(5);
   XYZ sphere = GetNewParticle(1, 9);
-  srand48(5);
+  GrowthSrand48(5);
   ExpectSame(GetNewParticle(17, 9), sphere);
 
   XYZ a = {3, 0, 0}, b = {3, 3, 0}, c = {3, 0, 3};
@@ -112,17 +113,17 @@ TEST(Source, SurfaceSourceAimsAtAFacetCentroid) {
   UpdateSTL();
   const XYZ mids[2] = {{3, 1, 1}, {1, -6, 1}};
   for (unsigned seed = 1; seed <= 20; seed++) {
-    srand(seed);
-    int k = rand() % 2;
-    int next = rand();
-    srand(seed);
-    srand48(seed);
-    double firstdraw = drand48();
-    srand48(seed);
+    GrowthSrand(seed);
+    int k = GrowthRand() % 2;
+    int next = GrowthRand();
+    GrowthSrand(seed);
+    GrowthSrand48(seed);
+    double firstdraw = GrowthDrand48();
+    GrowthSrand48(seed);
     XYZ got = GetNewParticle(17, 9);
     ExpectSame(got, Scaled(mids[k], 9));
-    EXPECT_EQ(rand(), next);          // one rand() per release
-    EXPECT_EQ(drand48(), firstdraw);  // and no uniform number
+    EXPECT_EQ(GrowthRand(), next);          // one GrowthRand() per release
+    EXPECT_EQ(GrowthDrand48(), firstdraw);  // and no uniform number
   }
   nstltri = 0;
   UpdateSTL();

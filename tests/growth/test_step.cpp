@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "growth/random.h"
 #include "growth_test_util.h"
 #include "surface/stl.h"
 
@@ -11,8 +12,8 @@ namespace {
 
 // The unit random step the generator seeded with seed will give.
 XYZ ReplayStep(unsigned seed) {
-  srand48(seed);
-  XYZ u = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+  GrowthSrand48(seed);
+  XYZ u = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
   double l = sqrt(u.x * u.x + u.y * u.y + u.z * u.z);
   u.x /= l;
   u.y /= l;
@@ -28,8 +29,8 @@ void LandAt(XYZ target, unsigned seed = 1) {
   growthstate.particle.y = target.y - bl * u.y;
   growthstate.particle.z = target.z - bl * u.z;
   growthstate.lifespan = 1;  // no release
-  srand48(seed);
-  srand(seed);
+  GrowthSrand48(seed);
+  GrowthSrand(seed);
   IterateSystem();
 }
 
@@ -48,16 +49,16 @@ void Quiet(void) {
 
 TEST(Step, BiasZeroDrawsNoRandAndRotationZeroTurnsNothing) {
   Quiet();
-  srand(99);
-  int firstrand = rand();
+  GrowthSrand(99);
+  int firstrand = GrowthRand();
   XYZ start = {5, 1, -2};
   XYZ u = ReplayStep(7);
   growthstate.particle = start;
   growthstate.lifespan = 3;
-  srand48(7);
-  srand(99);
+  GrowthSrand48(7);
+  GrowthSrand(99);
   IterateSystem();
-  EXPECT_EQ(rand(), firstrand);
+  EXPECT_EQ(GrowthRand(), firstrand);
   // Moved by exactly one step, no turn, and not released again.
   EXPECT_DOUBLE_EQ(growthstate.particle.x, 5 + u.x);
   EXPECT_DOUBLE_EQ(growthstate.particle.y, 1 + u.y);
@@ -65,13 +66,13 @@ TEST(Step, BiasZeroDrawsNoRandAndRotationZeroTurnsNothing) {
   EXPECT_EQ(growthstate.lifespan, 4);
   EXPECT_EQ(nseeds, 0);
   // Four uniform numbers per step: three for the step, one for stickiness.
-  srand48(7);
-  for (int k = 0; k < 4; k++) drand48();
-  double fifth = drand48();
-  srand48(7);
+  GrowthSrand48(7);
+  for (int k = 0; k < 4; k++) GrowthDrand48();
+  double fifth = GrowthDrand48();
+  GrowthSrand48(7);
   growthstate.particle = start;
   IterateSystem();
-  EXPECT_EQ(drand48(), fifth);
+  EXPECT_EQ(GrowthDrand48(), fifth);
 }
 
 TEST(Step, DriftDrawsThreeRootsAndPushesAway) {
@@ -80,19 +81,19 @@ TEST(Step, DriftDrawsThreeRootsAndPushesAway) {
   growthstate.bias = 1;  // b = 0.01
   XYZ start = {5, 1, -2};
   XYZ u = ReplayStep(4);
-  srand(31);
-  int kx = rand() % 3, ky = rand() % 3, kz = rand() % 3;
-  int fourth = rand();
+  GrowthSrand(31);
+  int kx = GrowthRand() % 3, ky = GrowthRand() % 3, kz = GrowthRand() % 3;
+  int fourth = GrowthRand();
   const XYZ r[3] = {{0, 0, 0}, {2, -1, 0}, {0, 3, 1}};
   XYZ p = {start.x + u.x, start.y + u.y, start.z + u.z};
   XYZ v = {r[kx].x - p.x, r[ky].y - p.y, r[kz].z - p.z};
   double l = sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
   growthstate.particle = start;
   growthstate.lifespan = 1;
-  srand48(4);
-  srand(31);
+  GrowthSrand48(4);
+  GrowthSrand(31);
   IterateSystem();
-  EXPECT_EQ(rand(), fourth);
+  EXPECT_EQ(GrowthRand(), fourth);
   EXPECT_DOUBLE_EQ(growthstate.particle.x, p.x - 0.01 * v.x / l);
   EXPECT_DOUBLE_EQ(growthstate.particle.y, p.y - 0.01 * v.y / l);
   EXPECT_DOUBLE_EQ(growthstate.particle.z, p.z - 0.01 * v.z / l);
@@ -107,7 +108,7 @@ TEST(Step, SwirlTurnsAboutZ) {
   double a = 3 * 0.0174532925;
   growthstate.particle = start;
   growthstate.lifespan = 1;
-  srand48(8);
+  GrowthSrand48(8);
   IterateSystem();
   EXPECT_NEAR(growthstate.particle.x, p.x * cos(a) - p.y * sin(a), 1e-12);
   EXPECT_NEAR(growthstate.particle.y, p.x * sin(a) + p.y * cos(a), 1e-12);
@@ -127,9 +128,9 @@ TEST(Step, StickinessHundredAlwaysSticksOneRarely) {
   growthstate.stickiness = 1;
   int stuck = 0, refused = 0;
   for (unsigned seed = 1; seed <= 3000 && (stuck == 0 || refused == 0); seed++) {
-    srand48(seed);
-    for (int k = 0; k < 3; k++) drand48();
-    double r = drand48();
+    GrowthSrand48(seed);
+    for (int k = 0; k < 3; k++) GrowthDrand48();
+    double r = GrowthDrand48();
     int before = ncells;
     LandAt({0.5, 0, 0}, seed);
     if (r > 0.01) {
@@ -234,14 +235,14 @@ TEST(Step, AssociatedDriftAimsAtTheRootOfTheClassWithoutRand) {
   XYZ p = {start.x + u.x, start.y + u.y, start.z + u.z};
   XYZ v = {6 - p.x, -p.y, -p.z};  // towards root 1
   double l = sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-  srand(5);
-  int firstrand = rand();
+  GrowthSrand(5);
+  int firstrand = GrowthRand();
   growthstate.particle = start;
   growthstate.lifespan = 1;
-  srand48(12);
-  srand(5);
+  GrowthSrand48(12);
+  GrowthSrand(5);
   IterateSystem();
-  EXPECT_EQ(rand(), firstrand);
+  EXPECT_EQ(GrowthRand(), firstrand);
   EXPECT_DOUBLE_EQ(growthstate.particle.x, p.x - 0.01 * v.x / l);
   EXPECT_DOUBLE_EQ(growthstate.particle.y, p.y - 0.01 * v.y / l);
   EXPECT_DOUBLE_EQ(growthstate.particle.z, p.z - 0.01 * v.z / l);
@@ -353,13 +354,13 @@ TEST(Step, OutwardFirstStepStaysAtTheReleasePoint) {
   Quiet();
   int outward = 0, inward = 0;
   for (unsigned seed = 1; seed <= 40; seed++) {
-    srand48(seed);
-    XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
-    XYZ u = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+    GrowthSrand48(seed);
+    XYZ d = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
+    XYZ u = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
     double l = sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
     XYZ release = {d.x / l * 12, d.y / l * 12, d.z / l * 12};
     growthstate.lifespan = 0;
-    srand48(seed);
+    GrowthSrand48(seed);
     IterateSystem();
     EXPECT_EQ(growthstate.lifespan, 1);
     EXPECT_DOUBLE_EQ(seeds[(nseeds - 1) % NSEEDS].x, release.x);
@@ -401,27 +402,27 @@ Model ReplayDefaultRun(int cellsWanted) {
   Model m;
   m.p.push_back({0, 0, 0});
   m.parent.push_back(-1);
-  srand48(12345);
-  srand(12345);
+  GrowthSrand48(12345);
+  GrowthSrand(12345);
   double radius = 10;
   XYZ particle = {0, 0, 0};
   int life = 0;
   while ((int)m.p.size() < cellsWanted) {
     if (life % 10000 == 0) {
-      XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+      XYZ d = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
       double l = sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
       particle = {d.x / l * (radius + 2), d.y / l * (radius + 2), d.z / l * (radius + 2)};
     }
     XYZ q = particle;
     life++;
-    XYZ u = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+    XYZ u = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
     double l = sqrt(u.x * u.x + u.y * u.y + u.z * u.z);
     particle = {particle.x + u.x / l, particle.y + u.y / l, particle.z + u.z / l};
     if (sqrt(particle.x * particle.x + particle.y * particle.y + particle.z * particle.z) > radius + 2) {
       particle = q;
       continue;
     }
-    rand(), rand(), rand();  // one root: every index is 0
+    GrowthRand(), GrowthRand(), GrowthRand();  // one root: every index is 0
     XYZ v = {-particle.x, -particle.y, -particle.z};
     double lv = sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
     double b = 0.1 * 0.01 * 1.0;  // bias percent of the branch length
@@ -436,7 +437,7 @@ Model ReplayDefaultRun(int cellsWanted) {
         break;
       }
     }
-    drand48();  // stickiness 100: always sticks
+    GrowthDrand48();  // stickiness 100: always sticks
     if (best < 0) continue;
     m.p.push_back(particle);
     m.parent.push_back(best);

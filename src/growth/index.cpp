@@ -1,0 +1,267 @@
+#include "growth/index.h"
+
+#include <math.h>  // floor(), isfinite(), HUGE_VAL
+
+#include "app/records.h"
+
+// Which cells can change the scan's outcome. The scan updates (best, D)
+// only for a cell with d2 < D, and reports a touch once branchlength^2 > D.
+// Let R = max(1, branchlength) and call a cell near when d2 < R^2.
+// - A far cell never makes the touch: its d2 >= R^2 >= branchlength^2.
+// - A far cell can lower D, but only to a value >= R^2 >= 1. While D >= 1
+//   the early rejection (dx > D) drops only cells with d >= dx > D >= 1, so
+//   d2 > D: cells the update would have ignored anyway. And a near cell has
+//   d2 < R^2 <= any far D, so it updates exactly when it would without the
+//   far cells.
+// So the scan over any superset of the near cells, in the same descending
+// order, ends with the same touch and the same best; without a touch the
+// step ignores best. The index hands out the cells of a 2x2x2 block of
+// buckets of size h > 2R around the particle, which holds every near cell,
+// merged newest first. Coarser levels record which buckets hold any cell,
+// to prove a ball around the particle empty of near points.
+
+SEARCHINDEX searchindex;
+int growthsearch = SEARCH_INDEX;
+
+#define EMPTYKEY (~(uint64_t)0)
+#define KEYBITS 19
+#define KEYRANGE (1 << (KEYBITS - 1))  // bucket numbers in -KEYRANGE .. KEYRANGE - 1
+#define MARGIN 1e-12                   // relative slack for rounding in the bounds
+
+static uint64_t Key(int level, int ix, int iy, int iz) {
+  const uint64_t m = (1u << KEYBITS) - 1;
+  return ((uint64_t)level << (3 * KEYBITS)) | (((uint64_t)(ix + KEYRANGE) & m) << (2 * KEYBITS)) |
+         (((uint64_t)(iy + KEYRANGE) & m) << KEYBITS) | ((uint64_t)(iz + KEYRANGE) & m);
+}
+
+static size_t Slot(uint64_t key) {
+  SEARCHINDEX &s = searchindex;
+  size_t mask = s.keys.size() - 1;
+  // The top bits of the product depend on every bit of the key.
+  size_t i = (size_t)((key * 0x9E3779B97F4A7C15ULL) >> s.shift);
+  while (s.keys[i] != key && s.keys[i] != EMPTYKEY) i = (i + 1) & mask;
+  return i;
+}
+
+static int Lookup(uint64_t key) {
+  size_t i = Slot(key);
+  return searchindex.keys[i] == key ? searchindex.values[i] : -1;
+}
+
+static void Grow(void);
+
+// Stores value under key; returns the value held before, or -1.
+static int Store(uint64_t key, int value) {
+  SEARCHINDEX &s = searchindex;
+  if (2 * (s.used + 1) > (int)s.keys.size()) Grow();
+  size_t i = Slot(key);
+  int old = -1;
+  if (s.keys[i] == key)
+    old = s.values[i];
+  else
+    s.used++;
+  s.keys[i] = key;
+  s.values[i] = value;
+  return old;
+}
+
+static void Grow(void) {
+  SEARCHINDEX &s = searchindex;
+  std::vector<uint64_t> keys;
+  std::vector<int> values;
+  keys.swap(s.keys);
+  values.swap(s.values);
+  size_t size = keys.empty() ? 4096 : 2 * keys.size();
+  s.keys.assign(size, EMPTYKEY);
+  s.values.assign(size, -1);
+  s.shift = 64 - __builtin_ctzll(size);
+  for (size_t i = 0; i < keys.size(); i++)
+    if (keys[i] != EMPTYKEY) {
+      size_t j = Slot(keys[i]);
+      s.keys[j] = keys[i];
+      s.values[j] = values[i];
+    }
+}
+
+// Bucket numbers of a point at level 0; 0 when out of the key range.
+static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
+  double fx = floor(p.x * searchindex.invh), fy = floor(p.y * searchindex.invh),
+         fz = floor(p.z * searchindex.invh);
+  double big = (double)KEYRANGE - 4;
+  if (!(fabs(fx) < big && fabs(fy) < big && fabs(fz) < big)) return 0;
+  *ix = (int)fx;
+  *iy = (int)fy;
+  *iz = (int)fz;
+  return 1;
+}
+
+static void Insert(int c) {
+  SEARCHINDEX &s = searchindex;
+  if ((int)s.next.size() <= c) s.next.resize(c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size());
+  int ix, iy, iz;
+  if (!Bucket(cells[c].p, &ix, &iy, &iz)) {
+    s.overflow = 1;
+    return;
+  }
+  s.next[c] = Store(Key(0, ix, iy, iz), c);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(Key(k, ix >> k, iy >> k, iz >> k), 1);
+}
+
+static void Rebuild(void) {
+  SEARCHINDEX &s = searchindex;
+  s.valid = 1;
+  s.revision = cellsrevision;
+  s.n = ncells;
+  s.branchlength = growthstate.branchlength;
+  s.reach = s.branchlength > 1 ? s.branchlength : 1;
+  s.h = 2 * s.reach * (1 + 1e-6);
+  s.invh = 1 / s.h;
+  s.overflow = 0;
+  s.keys.clear();
+  s.values.clear();
+  s.used = 0;
+  Grow();
+  s.next.assign(ncells > 1024 ? ncells : 1024, -1);
+  s.ball = 0;
+  s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
+  s.maxweight = 0;
+  s.maxweightknown = 0;
+  for (int i = 0; i < ncells; i++) {
+    Insert(i);
+    double d = Modulus(cells[i].p);
+    if (d > s.maxdist) s.maxdist = d;
+  }
+  // Not-a-number bounds would turn the bucket arithmetic meaningless.
+  if (!isfinite(s.reach) || !isfinite(s.h)) s.overflow = 1;
+}
+
+void SyncSearchIndex(void) {
+  SEARCHINDEX &s = searchindex;
+  if (!s.valid || s.revision != cellsrevision || s.n != ncells ||
+      s.branchlength != growthstate.branchlength)
+    Rebuild();
+}
+
+void IndexAppendedCell(unsigned revision) {
+  SEARCHINDEX &s = searchindex;
+  if (!s.valid || s.revision != revision || s.n != ncells - 1 ||
+      s.branchlength != growthstate.branchlength) {
+    s.valid = 0;
+    return;
+  }
+  s.revision = cellsrevision;
+  s.n = ncells;
+  s.ball = 0;
+  Insert(ncells - 1);
+  double d = Modulus(cells[ncells - 1].p);
+  if (d > s.maxdist) s.maxdist = d;
+}
+
+// The 2-bucket range along one axis at bucket size hk that keeps p at least
+// hk / 2 from its ends; *room = distance from p to the nearer end.
+static int Span(double x, int i, double hk, double *room) {
+  double lo = (x - i * hk < 0.5 * hk) ? i - 1 : i;
+  double a = x - lo * hk, b = (lo + 2) * hk - x;
+  *room = a < b ? a : b;
+  return (int)lo;
+}
+
+// Distance along one axis from x to bucket b of size hk (0 inside it).
+static double Gap(double x, int b, double hk) {
+  double lo = b * hk, hi = (b + 1) * hk;
+  return x < lo ? lo - x : x > hi ? x - hi : 0;
+}
+
+int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
+  SEARCHINDEX &s = searchindex;
+  *ok = 0;
+  if (s.overflow) return 0;
+  if (s.ball) {
+    double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
+    if (dx * dx + dy * dy + dz * dz < s.safe2) {
+      *ok = 1;
+      return 0;
+    }
+    s.ball = 0;
+  }
+  int ix, iy, iz;
+  if (!isfinite(p.x) || !isfinite(p.y) || !isfinite(p.z) || !Bucket(p, &ix, &iy, &iz)) return 0;
+  double slack = MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + s.h * (1 << INDEX_LEVELS));
+
+  double rx, ry, rz;
+  int lx = Span(p.x, ix, s.h, &rx), ly = Span(p.y, iy, s.h, &ry), lz = Span(p.z, iz, s.h, &rz);
+  double room = rx < ry ? rx : ry;
+  if (rz < room) room = rz;
+  room -= slack;
+  if (!(room >= s.reach)) return 0;  // rounding left a near cell outside the block
+
+  int head[8];
+  int any = 0;
+  for (int k = 0; k < 8; k++) {
+    head[k] = Lookup(Key(0, lx + (k & 1), ly + ((k >> 1) & 1), lz + (k >> 2)));
+    any |= head[k] >= 0;
+  }
+  *ok = 1;
+  double free = room;  // no cell is closer than this
+  if (any) {
+    // The scan's loop over the block's cells, newest first. All three
+    // differences are taken before the rejections, which then run in the
+    // scan's order: the same outcome, and the true nearest distance too.
+    double nearest = 1e300;
+    double dmin = 1e32;
+    double reach2 = growthstate.branchlength * growthstate.branchlength;
+    int found = -1;
+    for (;;) {
+      int j = 0;
+      for (int k = 1; k < 8; k++)
+        if (head[k] > head[j]) j = k;
+      int i = head[j];
+      if (i < 0) break;
+      head[j] = s.next[i];
+      double dx = cells[i].p.x - p.x;
+      double dy = cells[i].p.y - p.y;
+      double dz = cells[i].p.z - p.z;
+      double d2 = dx * dx + dy * dy + dz * dz;
+      if (d2 < nearest) nearest = d2;
+      if (associate && i % nroots != rootclass) continue;
+      if (dx > dmin || dy > dmin || dz > dmin) continue;
+      if (d2 < dmin) found = i;
+      if (d2 < dmin) dmin = d2;
+      if (reach2 > dmin) {
+        *best = found;
+        return 1;
+      }
+    }
+    nearest = sqrt(nearest) - slack;
+    if (nearest < free) free = nearest;
+  }
+
+  // Coarser blocks: cells outside a block are at least its room away, and
+  // those inside at least as far as their occupied buckets' boxes. Climb
+  // while the blocks are empty; the first occupied one ends the climb.
+  for (int k = 1; k < INDEX_LEVELS && !any; k++) {
+    double hk = s.h * (double)(1 << k);
+    int kx = Span(p.x, ix >> k, hk, &rx), ky = Span(p.y, iy >> k, hk, &ry), kz = Span(p.z, iz >> k, hk, &rz);
+    double bound = rx < ry ? rx : ry;
+    if (rz < bound) bound = rz;
+    int occupied = 0;
+    for (int m = 0; m < 8; m++) {
+      int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
+      if (Lookup(Key(k, bx, by, bz)) < 0) continue;
+      occupied = 1;
+      double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
+      double d = sqrt(gx * gx + gy * gy + gz * gz);
+      if (d < bound) bound = d;
+    }
+    bound -= slack;
+    if (bound > free) free = bound;
+    if (occupied) break;
+  }
+  double safe = (free - s.reach) * (1 - MARGIN);
+  if (safe > 0) {
+    s.ball = 1;
+    s.centre = p;
+    s.safe2 = safe * safe;
+  }
+  return 0;
+}

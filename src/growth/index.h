@@ -1,0 +1,57 @@
+// A spatial index of the aggregate for the growth step's search. It finds
+// exactly the cell the newest-first scan finds, and proves when the particle
+// is too far from every cell for the scan to find any.
+#ifndef DLA_GROWTH_INDEX_H
+#define DLA_GROWTH_INDEX_H
+
+#include <stdint.h>
+
+#include <vector>
+
+#include "lib/vector.h"
+
+#define INDEX_LEVELS 12  // occupancy levels, bucket sizes h, 2h, ... 2^11 h
+
+struct SEARCHINDEX {
+  int valid;
+  unsigned revision;        // cellsrevision the index matches
+  int n;                    // cells indexed: 0 .. n - 1
+  double branchlength;      // the branch length it was built for
+  double reach;             // max(1, branchlength)
+  double h, invh;           // level-0 bucket size, a little over 2 reach
+  int overflow;             // a cell outside the key range: scan instead
+  std::vector<int> next;    // per cell: the next older cell of its bucket
+  std::vector<uint64_t> keys;  // open addressing, EMPTYKEY marks a free slot
+  std::vector<int> values;     // level 0: newest cell of the bucket; others: 1
+  int used;
+  int shift;                   // 64 - log2(table size)
+  // A ball around centre that holds no point within reach of a cell.
+  int ball;
+  XYZ centre;
+  double safe2;
+  // Largest distance from the origin and largest weight over all cells.
+  double maxdist;
+  double maxweight;
+  int maxweightknown;
+};
+
+extern SEARCHINDEX searchindex;
+
+// Search strategies of the growth step (growthsearch).
+enum { SEARCH_INDEX = 0, SEARCH_SCAN = 1 };
+extern int growthsearch;
+
+// Brings the index up to date with cells/ncells and the branch length,
+// rebuilding it when the aggregate changed outside the step.
+void SyncSearchIndex(void);
+
+// After the step appended cell ncells - 1 (revision: cellsrevision before
+// the append): indexes it, or marks the index stale.
+void IndexAppendedCell(unsigned revision);
+
+// The newest-first search over the cells that can matter. Returns 1 when a
+// touching cell was found (its index in *best). *ok is 0 when the index
+// cannot answer (overflow, not-a-number particle): use the plain scan.
+int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok);
+
+#endif

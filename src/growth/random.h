@@ -1,0 +1,41 @@
+// The growth's random numbers: glibc's drand48 and rand computed in process,
+// the same numbers for the same seeds, without the library's call and lock
+// overhead. Every draw of the growth comes from here; nothing else may draw
+// from these streams, or a seed would no longer reproduce a run.
+#ifndef DLA_GROWTH_RANDOM_H
+#define DLA_GROWTH_RANDOM_H
+
+#include <stdint.h>
+
+#define RANDOM_DEGREE 31  // words of the additive feedback generator
+#define RANDOM_SEP 3
+
+extern uint64_t drand48state;               // 48-bit linear congruential state
+extern int32_t randstate[RANDOM_DEGREE];
+extern int randfront, randrear;             // glibc's fptr and rptr, as indices
+
+// As srand48(seed): only the low 32 bits of the seed count.
+void GrowthSrand48(long seed);
+
+// As srand(seed); 0 is taken as 1.
+void GrowthSrand(unsigned int seed);
+
+// Both generators with one seed, as the growth initialisation does.
+void SeedGrowthRandom(int seed);
+
+// As drand48(): uniform in [0, 1), the new 48-bit state over 2^48.
+inline double GrowthDrand48(void) {
+  drand48state = (drand48state * 0x5DEECE66DULL + 0xB) & 0xFFFFFFFFFFFFULL;
+  return (double)drand48state * (1.0 / 281474976710656.0);
+}
+
+// As rand(): 0 to 2147483647.
+inline int GrowthRand(void) {
+  uint32_t val = (uint32_t)randstate[randfront] + (uint32_t)randstate[randrear];
+  randstate[randfront] = (int32_t)val;
+  if (++randfront >= RANDOM_DEGREE) randfront = 0;
+  if (++randrear >= RANDOM_DEGREE) randrear = 0;
+  return (int)(val >> 1);
+}
+
+#endif

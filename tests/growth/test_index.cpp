@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "growth/index.h"
+#include "growth_test_util.h"
+#include "surface/samples.h"
+
+namespace {
+
+struct GROWN {
+  std::vector<CELL> cells;
+  std::vector<double> maxweight;  // after every stick
+  std::vector<double> radius;
+};
+
+// Grows with the given search until the aggregate holds n cells (or the
+// step limit), recording maxweight and radius after every stick.
+GROWN Grow(int search, const std::function<void()> &setup, int n, long maxsteps = 3000000) {
+  growthsearch = search;
+  ResetGrowthForTest();
+  setup();
+  GROWN out;
+  int seen = ncells;
+  for (long k = 0; k < maxsteps && ncells < n; k++) {
+    IterateSystem();
+    if (ncells != seen) {
+      seen = ncells;
+      out.maxweight.push_back(growthstate.maxweight);
+      out.radius.push_back(growthstate.radius);
+    }
+  }
+  out.cells.assign(cells.begin(), cells.begin() + ncells);
+  growthsearch = SEARCH_INDEX;
+  return out;
+}
+
+// Same cells bit for bit: positions, weights and parents.
+void ExpectSameAggregate(const GROWN &a, const GROWN &b, const char *what) {
+  ASSERT_EQ(a.cells.size(), b.cells.size()) << what;
+  for (size_t i = 0; i < a.cells.size(); i++) {
+    ASSERT_EQ(memcmp(&a.cells[i].p, &b.cells[i].p, sizeof(XYZ)), 0) << what << ": cell " << i;
+    ASSERT_EQ(memcmp(&a.cells[i].weight, &b.cells[i].weight, sizeof(double)), 0) << what << ": cell " << i;
+    ASSERT_EQ(a.cells[i].parent, b.cells[i].parent) << what << ": cell " << i;
+  }
+  ASSERT_EQ(a.maxweight, b.maxweight) << what;
+  ASSERT_EQ(a.radius, b.radius) << what;
+}
+
+void Compare(const char *what, const std::function<void()> &setup, int n) {
+  GROWN scan = Grow(SEARCH_SCAN, setup, n);
+  GROWN index = Grow(SEARCH_INDEX, setup, n);
+  EXPECT_GT((int)scan.cells.size(), growthstate.nroots) << what << ": nothing grew";
+  ExpectSameAggregate(scan, index, what);
+}
+
+TEST(SearchIndex, GivesTheScansAggregateForManySettings) {
+  struct { const char *what; std::function<void()> setup; int n; } cases[] = {
+      {"defaults", [] {}, 900},
+      {"branch length 0.3", [] { growthstate.branchlength = 0.3; growthstate.seed = 3; InitialiseGrowth(); }, 700},
+      {"branch length 0.7, bias 1", [] {
+         growthstate.branchlength = 0.7;
+         growthstate.bias = 1;
+         growthstate.seed = 4;
+         InitialiseGrowth();
+       }, 700},
+      {"branch length 2.5", [] { growthstate.branchlength = 2.5; growthstate.seed = 5; InitialiseGrowth(); }, 600},
+      {"ring of 5, association", [] {
+         growthstate.nroots = 5;
+         growthstate.rootdistribution = ROOT_RINGZ;
+         growthstate.associate = 1;
+         growthstate.seed = 6;
+         InitialiseGrowth();
+         ResetSeeds();
+       }, 700},
+      {"random roots, association, branch length 0.7", [] {
+         growthstate.nroots = 4;
+         growthstate.rootdistribution = ROOT_SPHERICAL;
+         growthstate.rootrange = 20;
+         growthstate.associate = 1;
+         growthstate.branchlength = 0.7;
+         growthstate.seed = 7;
+         InitialiseGrowth();
+         ResetSeeds();
+       }, 700},
+      {"rotation and bias", [] {
+         growthstate.rotation = 3;
+         growthstate.bias = 0.8;
+         growthstate.seed = 8;
+         InitialiseGrowth();
+       }, 700},
+      {"stickiness 20, branch length 0.3", [] {
+         growthstate.stickiness = 20;
+         growthstate.branchlength = 0.3;
+         growthstate.seed = 9;
+         InitialiseGrowth();
+       }, 500},
+      {"intersection range", [] { growthstate.intersectrange = 5; growthstate.seed = 10; InitialiseGrowth(); }, 500},
+      {"sample sphere", [] {
+         MakeSampleSurface(SAMPLE_SPHERE);
+         growthstate.seed = 11;
+         InitialiseGrowth();
+       }, 400},
+      {"sample plane, source on z", [] {
+         MakeSampleSurface(SAMPLE_PLANE);
+         growthstate.sourcetype = SOURCE_PLUSZ;
+         growthstate.seed = 12;
+         InitialiseGrowth();
+       }, 500},
+  };
+  for (auto &c : cases) Compare(c.what, c.setup, c.n);
+}
+
+// Changes made between steps, as the settings form and the menus make them.
+TEST(SearchIndex, FollowsChangesOutsideTheStep) {
+  auto run = [](int search) {
+    growthsearch = search;
+    ResetGrowthForTest();
+    growthstate.seed = 21;
+    InitialiseGrowth();
+    GROWN out;
+    auto growto = [&](int n) {
+      for (long k = 0; k < 2000000 && ncells < n; k++) IterateSystem();
+      out.maxweight.push_back(growthstate.maxweight);
+      out.radius.push_back(growthstate.radius);
+    };
+    growto(300);
+    growthstate.branchlength = 0.6;  // mid-run, no restart
+    growto(450);
+    growthstate.branchlength = 1.7;
+    growto(550);
+    // Restart with five roots: cells 1 to 4 of this aggregate come back as
+    // roots' places, with their weights; maxweight starts from 0 again.
+    growthstate.nroots = 5;
+    InitialiseGrowth();
+    growto(700);
+    growthstate.nroots = 1;
+    InitialiseGrowth();
+    ResetSeeds();
+    growto(800);
+    out.cells.assign(cells.begin(), cells.begin() + ncells);
+    growthsearch = SEARCH_INDEX;
+    return out;
+  };
+  GROWN scan = run(SEARCH_SCAN);
+  GROWN index = run(SEARCH_INDEX);
+  ExpectSameAggregate(scan, index, "changes between steps");
+}
+
+// Roots at chosen places (relative to p) read from a seed file.
+void Roots(XYZ p, const std::vector<XYZ> &offsets) {
+  std::string text;
+  char line[128];
+  for (const XYZ &o : offsets) {
+    snprintf(line, sizeof(line), "%.17g %.17g %.17g\n", p.x + o.x, p.y + o.y, p.z + o.z);
+    text += line;
+  }
+  std::string path = WriteTempFile("indexroots.txt", text);
+  FILEMESSAGE msg = {};
+  ASSERT_EQ(ReadRootsFile(path.c_str(), &msg), 1);
+  remove(path.c_str());
+  SyncSearchIndex();
+}
+
+TEST(SearchIndex, KeepsTheEarlyRejectionBelowBranchLengthOne) {
+  ResetGrowthForTest();
+  growthstate.branchlength = 0.3;  // touching: squared distance below 0.09
+  XYZ p = {1, 2, 3};
+  XYZ far = {50, 50, 50};
+  XYZ a = {0.2, 0.1, 0.1};  // older: squared distance 0.06, touching, dx 0.2
+  XYZ b = {0.1, -0.2, -0.3};  // newer: squared distance 0.14, not touching
+  int best = -7, ok = 0;
+
+  // b sets the running squared distance to 0.14 and a's dx of 0.2 exceeds
+  // it: the scan passes the touching cell a by, and so must the index.
+  Roots(p, {far, a, b});
+  ASSERT_EQ(ncells, 3);
+  EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 0);
+  EXPECT_EQ(ok, 1);
+
+  // Without b, a touches.
+  Roots(p, {far, a});
+  EXPECT_EQ(IndexSearch(p, 0, 2, 0, &best, &ok), 1);
+  EXPECT_EQ(ok, 1);
+  EXPECT_EQ(best, 1);
+
+  // b at squared distance 0.81 (0.9 away): a's dx 0.2 passes, a touches.
+  XYZ b2 = {0, 0, -0.9};
+  Roots(p, {far, a, b2});
+  EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 1);
+  EXPECT_EQ(best, 1);
+
+  // With association the search sees one index class of three: class 1
+  // holds a alone, which touches; class 2 holds b alone, which does not.
+  Roots(p, {far, a, b});
+  EXPECT_EQ(IndexSearch(p, 1, 3, 1, &best, &ok), 1);
+  EXPECT_EQ(best, 1);
+  EXPECT_EQ(IndexSearch(p, 1, 3, 2, &best, &ok), 0);
+}
+
+TEST(SearchIndex, ProvesFarParticlesAwayAndStillSeesNewCells) {
+  ResetGrowthForTest();  // one root at the origin, branch length 1
+  SyncSearchIndex();
+  int best = -1, ok = 0;
+  XYZ p = {30, 0, 0};
+  EXPECT_EQ(IndexSearch(p, 0, 1, 0, &best, &ok), 0);
+  EXPECT_EQ(ok, 1);
+  ASSERT_EQ(searchindex.ball, 1);
+  // The empty ball must keep at least one branch length to the root.
+  EXPECT_LE(sqrt(searchindex.safe2), 30 - 1);
+  // A cell appended next to the particle is found at once.
+  XYZ q = {29.5, 0.2, 0};
+  unsigned revision = cellsrevision;
+  AppendCell(q, 0, 0);
+  IndexAppendedCell(revision);
+  EXPECT_EQ(IndexSearch(p, 0, 1, 0, &best, &ok), 1);
+  EXPECT_EQ(best, 1);
+}
+
+}  // namespace
