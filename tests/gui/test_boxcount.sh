@@ -10,9 +10,9 @@ gui_init "$1"
 gui_start_xvfb
 gui_start
 gui_find_window || gui_fail "no window"
-sleep 1.5
+sleep 0.5
 # Extras off, so that the box colour is the circles' no more; text off.
-gui_key F1 F2 F3
+gui_key F3 F1 F2
 sleep 0.5
 gui_dump 0000.tga
 stats_region=(400 0 800 60)

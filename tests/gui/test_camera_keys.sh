@@ -29,7 +29,7 @@ circle_width() { view_extent "$1.tga" 128 255 128 | awk '{print $3 - $1}'; }
 gui_start_xvfb
 gui_start
 gui_find_window || gui_fail "no window"
-sleep 1.5
+sleep 0.5
 gui_key F3
 
 case $case in

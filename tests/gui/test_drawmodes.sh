@@ -31,7 +31,7 @@ gui_find_window || gui_fail "no window"
 case $case in
 dla)
   # Grow a little, then hold the aggregate still for every dump.
-  sleep 2
+  sleep 0.6
   gui_key F3 F2
   shot lines_extras
   c=$(count lines_extras.tga 128 255 128)
@@ -194,7 +194,7 @@ roots)
   grep -qx 'Seed association: On' "$out/r.txt" || gui_fail "association not on"
   [ "$(report_value "$out/r.txt" "Number of roots")" = 3 ] || gui_fail "roots not 3"
   gui_key F1 F2
-  sleep 2
+  sleep 0.6
   gui_key F3
   rgb="255,0,0 0,255,0 0,0,255"
   for mode in points lines; do

@@ -19,7 +19,7 @@ args=()
 [ "$case" = dump_failure ] && args=(-d)
 gui_start "${args[@]}"
 gui_find_window || gui_fail "no window"
-sleep 1.5
+sleep 0.5
 
 case $case in
 overlay)
