@@ -3,6 +3,7 @@
 # Usage: test_scene.sh DLA3D overlay|extras|growth|dual_stereo|dump_failure
 source "$(dirname "$0")/harness.sh"
 source "$(dirname "$0")/harness_dump.sh"
+source "$(dirname "$0")/harness_menu.sh"
 gui_init "$1"
 case=$2
 shift 2
@@ -12,6 +13,21 @@ info_pixels() { gui_tga count "$1" "$2" 0 $(($2 + 250)) 200 255 255 255; }
 # Pixels of the green circles (0.5, 1, 0.5) and the release points (1, 0.5, 0.5).
 circle_pixels() { gui_tga count "$1" 0 0 4000 4000 128 255 128; }
 seed_pixels() { gui_tga count "$1" 0 0 4000 4000 255 128 128; }
+
+# Growth is fast: pause it, read the radius the aggregate reached from the
+# report, and move the eye back until the extras (axes to 1.2 times the
+# radius) fit in the window: d tan(30 degrees) >= 1.5 R.
+pause_and_fit() {
+  gui_key F3
+  sleep 0.3
+  report_write "$GUI_TMP/fit.txt" || gui_fail "no report"
+  local r k
+  r=$(report_value "$GUI_TMP/fit.txt" "Current radius")
+  k=$(awk -v r="$r" 'BEGIN { d = 60; k = 0; while (d * 0.57735 < 1.5 * r) { d /= 0.95; k++ } print k }')
+  local i
+  for i in $(seq 1 "$k"); do gui_key comma; done
+  sleep 0.5
+}
 
 gui_start_xvfb
 args=()
@@ -38,6 +54,7 @@ overlay)
   [ "$n" -ge 500 ] || gui_fail "second F2 did not bring the text back: $n"
   ;;
 extras)
+  pause_and_fit
   gui_dump 0000.tga
   c=$(circle_pixels 0000.tga)
   s=$(seed_pixels 0000.tga)
@@ -84,6 +101,7 @@ growth)
   [ "$d" -gt "$c" ] || gui_fail "growth did not continue after F3: $c then $d"
   ;;
 dual_stereo)
+  pause_and_fit
   gui_dump 0000.tga
   [ "$(gui_tga size 0000.tga)" = 1600x600 ] || gui_fail "dump size $(gui_tga size 0000.tga)"
   # Each eye fills its half: circles, axes and text in both.
