@@ -89,28 +89,26 @@ gui_init() {
   trap 'exit 130' INT TERM
 }
 
-# Starts a private Xvfb and waits until it answers. The display number is
-# ours only when the server's lock file names our server's process: a server
-# of another test that is still starting or already shutting down on the
-# same number must never be mistaken for ours.
+# Starts a private Xvfb and waits until it answers. The server picks its own
+# free display number (-displayfd) and writes it only once its sockets are
+# listening, so a server of another test that is still starting or shutting
+# down on some number can never be mistaken for ours.
 gui_start_xvfb() {
-  local i n tries owner
-  n=$((100 + ($$ + RANDOM) % 800))
-  for tries in $(seq 1 40); do
-    n=$((100 + (n - 100 + 1 + RANDOM % 7) % 800))
-    [ -e "/tmp/.X$n-lock" ] && continue
-    Xvfb ":$n" -screen 0 "$GUI_SCREEN" -nolisten tcp >"$GUI_TMP/xvfb.log" 2>&1 &
+  local i tries n
+  for tries in 1 2 3; do
+    : >"$GUI_TMP/display"
+    Xvfb -displayfd 3 -screen 0 "$GUI_SCREEN" -nolisten tcp \
+      3>"$GUI_TMP/display" >"$GUI_TMP/xvfb.log" 2>&1 &
     GUI_XVFB_PID=$!
     for i in $(seq 1 150); do
       kill -0 "$GUI_XVFB_PID" 2>/dev/null || break
-      owner=$(tr -dc '0-9' <"/tmp/.X$n-lock" 2>/dev/null)
-      if [ "$owner" = "$GUI_XVFB_PID" ] && xdpyinfo -display ":$n" >/dev/null 2>&1; then
+      n=$(tr -dc '0-9' <"$GUI_TMP/display")
+      if [ -n "$n" ] && xdpyinfo -display ":$n" >/dev/null 2>&1 && kill -0 "$GUI_XVFB_PID" 2>/dev/null; then
         export DISPLAY=":$n"
         return 0
       fi
       sleep 0.1
     done
-    # Lost the number to another server (or it would not start): next one.
     kill "$GUI_XVFB_PID" 2>/dev/null
     wait "$GUI_XVFB_PID" 2>/dev/null
     GUI_XVFB_PID=""
