@@ -2,7 +2,7 @@
 //
 // [SECTION] Display: projection per eye, draw order, overlays, dumps
 // [SECTION] Environment: the fixed GL state of a drawing mode
-// [SECTION] Aggregate: points, lines, tubes
+// [SECTION] Aggregate: points and lines from vertex arrays, tubes
 // [SECTION] Constraint surface: the display list
 // [SECTION] Extras: circles, axes, release points, spheres
 #include "view/render.h"
@@ -10,6 +10,9 @@
 #include <GL/glu.h>
 #include <GL/glut.h>
 #include <math.h>
+#include <string.h>  // memcmp()
+
+#include <vector>
 
 #include "app/records.h"
 #include "lib/primitives_gl.h"
@@ -202,9 +205,122 @@ static void CellColour(int i, int drawmode) {
 
 static void Vertex(XYZ p) { glVertex3f(p.x, p.y, p.z); }
 
+int drawimmediate = 0;
+
+// Points and lines as vertex arrays: for every non-root cell in cell order,
+// the cell then its parent (the lines); the points are every other vertex of
+// the same arrays. Floats are converted from the doubles as glVertex3f and
+// glColor3f convert them, so the pictures match the immediate mode exactly.
+struct DLAARRAYS {
+  std::vector<GLfloat> xyz;  // 6 per drawn cell: cell, then parent
+  std::vector<GLfloat> rgb;  // 6 per drawn cell: the cell's colour twice
+  int ndrawn;                // non-root cells converted
+  int n;                     // cells converted, roots included
+  int size;                  // cells.size() when converted
+  unsigned revision;         // cellsrevision when converted
+  CELL last;                 // cell n - 1 when converted
+};
+static DLAARRAYS dlaarrays = {{}, {}, 0, 0, 0, 0, {}};
+
+static int SameCell(const CELL &a, const CELL &b) {
+  return a.parent == b.parent && memcmp(&a.p, &b.p, sizeof(XYZ)) == 0;
+}
+
+// Only appends happened since the arrays were last brought up to date: each
+// moves the revision by one, and by one more when it lengthened the storage
+// by that cell. Anything else (a restart, new roots, the storage grown ahead)
+// adds up differently. The last converted cell is compared too, a cheap guard
+// against a restart whose changes happen to add up to the same count.
+static int OnlyAppended(const DLAARRAYS &a) {
+  int size = (int)cells.size();
+  if (ncells < a.n || size < a.size) return 0;
+  unsigned appends = (unsigned)(ncells - a.n) + (unsigned)(size - a.size);
+  if (cellsrevision - a.revision != appends) return 0;
+  return a.n == 0 || SameCell(cells[a.n - 1], a.last);
+}
+
+static void SyncDLAArrays(void) {
+  DLAARRAYS &a = dlaarrays;
+  if (!OnlyAppended(a)) {
+    a.ndrawn = 0;
+    a.n = 0;
+  }
+  int count = a.ndrawn;
+  for (int i = a.n; i < ncells; i++)
+    if (cells[i].parent >= 0) count++;
+  a.xyz.resize(6 * (size_t)count);
+  a.rgb.resize(6 * (size_t)count);
+
+  GLfloat *v = a.xyz.data() + 6 * (size_t)a.ndrawn;
+  for (int i = a.n; i < ncells; i++) {
+    if (cells[i].parent < 0) continue;  // roots are not drawn
+    const XYZ &p = cells[i].p;
+    const XYZ &q = cells[cells[i].parent].p;
+    v[0] = p.x;
+    v[1] = p.y;
+    v[2] = p.z;
+    v[3] = q.x;
+    v[4] = q.y;
+    v[5] = q.z;
+    v += 6;
+  }
+  a.ndrawn = count;
+  a.n = ncells;
+  a.size = (int)cells.size();
+  a.revision = cellsrevision;
+  if (ncells > 0) a.last = cells[ncells - 1];
+}
+
+// Weights and maxweight change with every stuck particle: the colours are
+// worked out again for each frame.
+static void UpdateDLAColours(int drawmode) {
+  DLAARRAYS &a = dlaarrays;
+  GLfloat *c = a.rgb.data();
+  for (int i = 0; i < a.n; i++) {
+    if (cells[i].parent < 0) continue;
+    COLOUR k = ChooseColour(i, drawmode);
+    c[0] = c[3] = k.r;
+    c[1] = c[4] = k.g;
+    c[2] = c[5] = k.b;
+    c += 6;
+  }
+}
+
+static void DrawDLAArrays(int drawmode) {
+  SyncDLAArrays();
+  UpdateDLAColours(drawmode);
+  DLAARRAYS &a = dlaarrays;
+  if (a.ndrawn == 0) return;
+
+  glEnableClientState(GL_VERTEX_ARRAY);
+  glEnableClientState(GL_COLOR_ARRAY);
+  if (drawmode == 2) {
+    GLsizei stride = 6 * sizeof(GLfloat);  // the cell end of each line
+    glVertexPointer(3, GL_FLOAT, stride, a.xyz.data());
+    glColorPointer(3, GL_FLOAT, stride, a.rgb.data());
+    glDrawArrays(GL_POINTS, 0, a.ndrawn);
+  } else {
+    glVertexPointer(3, GL_FLOAT, 0, a.xyz.data());
+    glColorPointer(3, GL_FLOAT, 0, a.rgb.data());
+    glDrawArrays(GL_LINES, 0, 2 * a.ndrawn);
+  }
+  glDisableClientState(GL_COLOR_ARRAY);
+  glDisableClientState(GL_VERTEX_ARRAY);
+
+  // Drawing from a colour array leaves the current colour undefined; the
+  // immediate mode leaves the last cell's, which later drawing may rely on.
+  const GLfloat *last = a.rgb.data() + 6 * (size_t)(a.ndrawn - 1);
+  glColor3f(last[0], last[1], last[2]);
+}
+
 void DrawDLA(int drawmode) {
   if (drawmode < 2 || drawmode > 5) return;
   CreateEnvironment(drawmode);
+
+  if ((drawmode == 2 || drawmode == 3) && !drawimmediate) {
+    DrawDLAArrays(drawmode);
+    return;
+  }
 
   switch (drawmode) {
     case 2:

@@ -9,7 +9,12 @@ void HandleDisplay(void);
 void CreateEnvironment(int drawmode);
 
 // The aggregate in the given mode (1 off, 2 points, 3 lines, 5 tubes).
+// Points and lines come from vertex arrays kept in step with the cells.
 void DrawDLA(int drawmode);
+
+// Non-zero draws points and lines vertex by vertex instead (glBegin/glEnd):
+// the reference the arrays must match pixel for pixel. Default 0.
+extern int drawimmediate;
 
 // The constraint surface from its display list; rebuild non-zero recompiles
 // the list for the given mode without drawing.

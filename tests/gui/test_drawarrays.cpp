@@ -1,0 +1,220 @@
+// Points and lines drawn from the vertex arrays give the same pixels as the
+// vertex-by-vertex reference (drawimmediate), for colours by weight and by
+// root, after cells were appended between frames and after restarts. Needs
+// an X display: run through test_drawarrays.sh, which starts a private Xvfb.
+#include <GL/freeglut.h>
+#include <GL/glu.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>  // drand48()
+
+#include <set>
+#include <vector>
+
+#include "app/records.h"
+#include "growth/growth.h"
+#include "lib/vector.h"
+#include "view/render.h"
+
+static const int kWidth = 320;
+static const int kHeight = 240;
+
+// n random unit branches hung off random earlier cells (roots included),
+// with weights counting descendants and maxweight set as growth keeps it.
+static void GrowBranches(int n, long seed) {
+  srand48(seed);
+  int start = ncells;
+  for (int k = 0; k < n; k++) {
+    int parent = (int)(drand48() * ncells);
+    XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+    Normalise(&d);
+    XYZ p = cells[parent].p;
+    p.x += d.x;
+    p.y += d.y;
+    p.z += d.z;
+    AppendCell(p, 0, parent);
+  }
+  for (int i = ncells - 1; i >= start; i--)
+    for (int j = cells[i].parent; j >= 0; j = cells[j].parent) cells[j].weight += 1;
+  double maxweight = 0;
+  for (int i = 0; i < ncells; i++)
+    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
+  growthstate.maxweight = maxweight;
+}
+
+// A fresh aggregate with the program's own start: defaults, then the roots.
+static void StartAggregate(int nroots, int distribution, int associate) {
+  SetOptionDefaults();
+  SetGrowthDefaults();
+  growthstate.nroots = nroots;
+  growthstate.rootdistribution = distribution;
+  growthstate.rootrange = 4;
+  growthstate.associate = associate;
+  InitialiseGrowth();
+  ResetSeeds();
+}
+
+struct FRAME {
+  std::vector<unsigned char> rgba;
+  GLfloat colour[4];  // current colour left behind
+  GLboolean vertexarray, colourarray;
+};
+
+// One frame of the aggregate alone, seen from outside its extent.
+static FRAME Draw(int drawmode, int immediate) {
+  double radius = 1;
+  for (int i = 0; i < ncells; i++)
+    if (Modulus(cells[i].p) > radius) radius = Modulus(cells[i].p);
+
+  glViewport(0, 0, kWidth, kHeight);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  gluPerspective(60, kWidth / (double)kHeight, radius * 0.1, radius * 10);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  gluLookAt(1.3 * radius, 0.4 * radius, 0.7 * radius, 0, 0, 0, 0, 0, 1);
+  glDrawBuffer(GL_BACK);
+  glClearColor(0, 0, 0, 0);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  glColor3f(0.25f, 0.5f, 0.75f);  // a colour the aggregate never has
+
+  drawimmediate = immediate;
+  DrawDLA(drawmode);
+  drawimmediate = 0;
+  glFinish();
+
+  FRAME f;
+  f.rgba.resize(4 * kWidth * kHeight);
+  glReadBuffer(GL_BACK);
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_UNSIGNED_BYTE, f.rgba.data());
+  glGetFloatv(GL_CURRENT_COLOR, f.colour);
+  f.vertexarray = glIsEnabled(GL_VERTEX_ARRAY);
+  f.colourarray = glIsEnabled(GL_COLOR_ARRAY);
+  EXPECT_EQ(glGetError(), (GLenum)GL_NO_ERROR);
+  return f;
+}
+
+// Draws both ways and compares byte for byte. At least minlit pixels must be
+// lit and at least mincolours colours seen, so that an empty or one-colour
+// picture cannot pass.
+static void ExpectSamePicture(int drawmode, int minlit, int mincolours, const char *what) {
+  SCOPED_TRACE(what);
+  FRAME ref = Draw(drawmode, 1);
+  FRAME arr = Draw(drawmode, 0);
+
+  int lit = 0, differ = 0, first = -1;
+  std::set<unsigned> colours;
+  for (int k = 0; k < kWidth * kHeight; k++) {
+    const unsigned char *a = &ref.rgba[4 * k];
+    const unsigned char *b = &arr.rgba[4 * k];
+    if (a[0] | a[1] | a[2]) {
+      lit++;
+      colours.insert(a[0] << 16 | a[1] << 8 | a[2]);
+    }
+    if (memcmp(a, b, 4) != 0) {
+      differ++;
+      if (first < 0) first = k;
+    }
+  }
+  EXPECT_GE(lit, minlit) << "too little drawn to compare (mode " << drawmode << ")";
+  EXPECT_GE((int)colours.size(), mincolours) << "too few colours to compare (mode " << drawmode << ")";
+  if (differ > 0) {
+    const unsigned char *a = &ref.rgba[4 * first];
+    const unsigned char *b = &arr.rgba[4 * first];
+    ADD_FAILURE() << differ << " of " << kWidth * kHeight << " pixels differ in mode " << drawmode
+                  << "; first at x " << first % kWidth << " y " << first / kWidth << ": immediate "
+                  << (int)a[0] << "," << (int)a[1] << "," << (int)a[2] << " arrays " << (int)b[0]
+                  << "," << (int)b[1] << "," << (int)b[2];
+  }
+  for (int c = 0; c < 4; c++)
+    EXPECT_EQ(ref.colour[c], arr.colour[c]) << "current colour component " << c << " (mode " << drawmode << ")";
+  EXPECT_FALSE(arr.vertexarray) << "vertex array left enabled";
+  EXPECT_FALSE(arr.colourarray) << "colour array left enabled";
+}
+
+static void ExpectBothModes(int minlit, int mincolours, const char *what) {
+  ExpectSamePicture(DLADRAW_POINTS, minlit, mincolours, what);
+  ExpectSamePicture(DLADRAW_LINES, minlit, mincolours, what);
+}
+
+TEST(DrawArrays, ColoursByWeightMatchImmediateMode) {
+  StartAggregate(1, ROOT_ORIGIN, 0);
+  GrowBranches(3000, 1);
+  ExpectBothModes(500, 3, "one root, 3000 cells");
+}
+
+TEST(DrawArrays, ColoursByRootMatchImmediateMode) {
+  // Several roots with association on: one colour per root index.
+  StartAggregate(5, ROOT_RINGZ, 1);
+  GrowBranches(3000, 2);
+  ExpectBothModes(500, 5, "five roots by root colour");
+  // The same aggregate with association off is coloured by weight again.
+  growthstate.associate = 0;
+  ExpectBothModes(500, 3, "five roots by weight");
+}
+
+TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
+  StartAggregate(1, ROOT_ORIGIN, 0);
+  GrowBranches(1000, 3);
+  ExpectBothModes(200, 3, "first frame");
+
+  // Cells arrive between frames, the weights and maxweight rise with them.
+  GrowBranches(1, 4);
+  ExpectBothModes(200, 3, "one cell appended");
+  GrowBranches(2500, 5);
+  ExpectBothModes(500, 3, "2500 cells appended");
+
+  // The restart of F4: back to the roots, the storage kept; a different
+  // aggregate then grows over the old cells, first smaller, then past the
+  // old count between two frames.
+  int before = ncells;
+  growthstate.nroots = 3;
+  growthstate.rootdistribution = ROOT_SPHERICAL;
+  growthstate.associate = 1;
+  InitialiseGrowth();
+  ResetSeeds();
+  ExpectBothModes(0, 0, "roots only");
+  GrowBranches(400, 6);
+  ExpectBothModes(100, 3, "smaller aggregate after the restart");
+  InitialiseGrowth();
+  GrowBranches(before + 200, 7);
+  ExpectBothModes(500, 3, "restarted and grown past the old count");
+
+  // New roots read in the middle of growth: same count, other cells.
+  int n = ncells;
+  growthstate.nroots = 1;
+  growthstate.rootdistribution = ROOT_ORIGIN;
+  growthstate.associate = 0;
+  InitialiseGrowth();
+  ResetSeeds();
+  GrowBranches(n - ncells, 8);
+  ASSERT_EQ(ncells, n);
+  ExpectBothModes(500, 3, "same count, different cells");
+}
+
+TEST(DrawArrays, RootsAloneDrawNothing) {
+  StartAggregate(4, ROOT_RINGX, 0);
+  FRAME ref = Draw(DLADRAW_LINES, 1);
+  FRAME arr = Draw(DLADRAW_LINES, 0);
+  int lit = 0;
+  for (size_t k = 0; k < arr.rgba.size(); k += 4) lit += (arr.rgba[k] | arr.rgba[k + 1] | arr.rgba[k + 2]) != 0;
+  EXPECT_EQ(lit, 0);
+  EXPECT_TRUE(ref.rgba == arr.rgba);
+  // Nothing drawn: the colour set before stays current either way.
+  EXPECT_EQ(arr.colour[0], 0.25f);
+  EXPECT_EQ(ref.colour[0], 0.25f);
+}
+
+static void NoDisplay(void) {}
+
+int main(int argc, char **argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  glutInit(&argc, argv);
+  glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
+  glutInitWindowSize(kWidth, kHeight);
+  glutCreateWindow("test_drawarrays");
+  glutDisplayFunc(NoDisplay);  // the tests draw and read back themselves
+  // Let the window map before anything is drawn into it.
+  for (int i = 0; i < 10; i++) glutMainLoopEvent();
+  return RUN_ALL_TESTS();
+}
