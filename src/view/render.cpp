@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/records.h"
+#include "lib/colour.h"
 #include "lib/primitives_gl.h"
 #include "lib/vector.h"
 #include "surface/stl.h"
@@ -271,24 +272,58 @@ static void SyncDLAArrays(void) {
   if (ncells > 0) a.last = cells[ncells - 1];
 }
 
+static void PutColour(GLfloat *c, COLOUR k) {
+  c[0] = c[3] = k.r;
+  c[1] = c[4] = k.g;
+  c[2] = c[5] = k.b;
+}
+
 // Weights and maxweight change with every stuck particle: the colours are
-// worked out again for each frame.
+// worked out again for each frame. ChooseColour's choice is made once for the
+// frame here; by weight, the colour is a function of the weight alone, so a
+// weight seen just before (weight 0 above all: the tips) is not worked out
+// again. The same expressions as ChooseColour's give the same colours.
 static void UpdateDLAColours(int drawmode) {
   DLAARRAYS &a = dlaarrays;
+  const GROWTHSTATE &g = growthstate;
   GLfloat *c = a.rgb.data();
+
+  if (g.nroots != 1 && g.nroots != 0 && g.associate && drawmode >= 1 && drawmode <= 3) {
+    for (int i = 0; i < a.n; i++) {
+      if (cells[i].parent < 0) continue;
+      PutColour(c, ChooseColour(i, drawmode));
+      c += 6;
+    }
+    return;
+  }
+
+  double top = log(g.maxweight / 3 + 1);
+  COLOUR tip = GetColour(log(0.0 + 1), 0, top, 1);
+  double lastweight = 0;
+  COLOUR last = tip;
   for (int i = 0; i < a.n; i++) {
     if (cells[i].parent < 0) continue;
-    COLOUR k = ChooseColour(i, drawmode);
-    c[0] = c[3] = k.r;
-    c[1] = c[4] = k.g;
-    c[2] = c[5] = k.b;
+    double w = cells[i].weight;
+    if (w == 0) {
+      PutColour(c, tip);
+    } else {
+      if (w != lastweight) {
+        lastweight = w;
+        last = GetColour(log(w + 1), 0, top, 1);
+      }
+      PutColour(c, last);
+    }
     c += 6;
   }
 }
 
-static void DrawDLAArrays(int drawmode) {
+void UpdateDLAArrays(int drawmode) {
   SyncDLAArrays();
   UpdateDLAColours(drawmode);
+}
+
+static void DrawDLAArrays(int drawmode) {
+  UpdateDLAArrays(drawmode);
   DLAARRAYS &a = dlaarrays;
   if (a.ndrawn == 0) return;
 

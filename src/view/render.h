@@ -16,6 +16,11 @@ void DrawDLA(int drawmode);
 // the reference the arrays must match pixel for pixel. Default 0.
 extern int drawimmediate;
 
+// Brings the vertex arrays up to date with the cells (appending new ones,
+// rebuilding after any other change) and works out their colours for mode 2
+// or 3. DrawDLA does this every frame; declared for the benchmark.
+void UpdateDLAArrays(int drawmode);
+
 // The constraint surface from its display list; rebuild non-zero recompiles
 // the list for the given mode without drawing.
 void DrawSTL(int drawmode, int rebuild);

@@ -151,6 +151,12 @@ TEST(DrawArrays, ColoursByRootMatchImmediateMode) {
   // The same aggregate with association off is coloured by weight again.
   growthstate.associate = 0;
   ExpectBothModes(500, 3, "five roots by weight");
+  // No roots asked for (the origin is placed all the same): by weight even
+  // with association on.
+  StartAggregate(0, ROOT_ORIGIN, 1);
+  ASSERT_EQ(ncells, 1);
+  GrowBranches(3000, 9);
+  ExpectBothModes(500, 3, "no roots asked for");
 }
 
 TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
