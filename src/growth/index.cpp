@@ -19,6 +19,11 @@
 // buckets of size h > 2R around the particle, which holds every near cell,
 // merged newest first. Coarser levels record which buckets hold any cell,
 // to prove a ball around the particle empty of near points.
+//
+// Most steps never get that far. Two distance fields, lowered as cells come,
+// hold for every voxel a lower bound on the distance to the nearest cell:
+// one byte read proves a ball empty, and the particle walks inside it with
+// no search at all until it leaves.
 
 SEARCHINDEX searchindex;
 int growthsearch = SEARCH_INDEX;
@@ -95,9 +100,130 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
   return 1;
 }
 
+#define FIELD_VOXELS 512  // per brick
+#define FIELD_CAP 128     // 8 voxels: farther cells are not recorded
+
+static void FieldReset(FIELD *f, int tag, double v) {
+  f->tag = tag;
+  f->v = v;
+  f->invv = 1 / v;
+  f->unit = v / 16;
+  f->data.clear();
+  f->lastkey = EMPTYKEY;
+  f->lastbrick = -1;
+}
+
+// The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
+static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
+  uint64_t key = Key(f->tag, ix >> 3, iy >> 3, iz >> 3);
+  if (key == f->lastkey) return f->lastbrick;
+  int b = Lookup(key);
+  if (b < 0 && make) {
+    b = (int)(f->data.size() / FIELD_VOXELS);
+    f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    Store(key, b);
+  }
+  if (b >= 0) {
+    f->lastkey = key;
+    f->lastbrick = b;
+  }
+  return b;
+}
+
+static int Voxel(int ix, int iy, int iz) { return ((ix & 7) << 6) | ((iy & 7) << 3) | (iz & 7); }
+
+// Lowers the field around a new cell at p: every voxel whose box comes
+// within the cap of p. Rounded down, so each value stays a lower bound; a
+// value is only worked out where the new cell could lower it.
+static void FieldAdd(FIELD *f, XYZ p) {
+  double cap = FIELD_CAP * f->unit, cap2 = cap * cap;
+  double c[3] = {p.x, p.y, p.z};
+  int lo[3], n[3];
+  double g2[3][20];
+  for (int a = 0; a < 3; a++) {
+    lo[a] = (int)floor((c[a] - cap) * f->invv);
+    int hi = (int)floor((c[a] + cap) * f->invv);
+    n[a] = hi - lo[a] + 1;
+    if (n[a] > 20) n[a] = 20;
+    for (int i = 0; i < n[a]; i++) {
+      double a0 = (lo[a] + i) * f->v, a1 = (lo[a] + i + 1) * f->v;
+      double g = c[a] < a0 ? a0 - c[a] : c[a] > a1 ? c[a] - a1 : 0;
+      g2[a][i] = g * g;
+    }
+  }
+  // Squares of the values: a voxel is left alone when the new cell is no
+  // nearer than what it holds.
+  double below[FIELD_CAP + 1];
+  for (int q = 0; q <= FIELD_CAP; q++) below[q] = (q * f->unit) * (q * f->unit);
+  double scale = (1 - 1e-9) / f->unit;
+  // Brick by brick, so that each brick is looked up once.
+  for (int bx = lo[0] >> 3; bx <= (lo[0] + n[0] - 1) >> 3; bx++)
+    for (int by = lo[1] >> 3; by <= (lo[1] + n[1] - 1) >> 3; by++)
+      for (int bz = lo[2] >> 3; bz <= (lo[2] + n[2] - 1) >> 3; bz++) {
+        int i0 = bx * 8 - lo[0], j0 = by * 8 - lo[1], k0 = bz * 8 - lo[2];
+        int i1 = i0 + 8, j1 = j0 + 8, k1 = k0 + 8;
+        if (i0 < 0) i0 = 0;
+        if (j0 < 0) j0 = 0;
+        if (k0 < 0) k0 = 0;
+        if (i1 > n[0]) i1 = n[0];
+        if (j1 > n[1]) j1 = n[1];
+        if (k1 > n[2]) k1 = n[2];
+        // The brick's nearest voxel to p: nothing to do when even it is out of reach.
+        double m0 = g2[0][i0], m1 = g2[1][j0], m2 = g2[2][k0];
+        for (int i = i0; i < i1; i++) if (g2[0][i] < m0) m0 = g2[0][i];
+        for (int j = j0; j < j1; j++) if (g2[1][j] < m1) m1 = g2[1][j];
+        for (int k = k0; k < k1; k++) if (g2[2][k] < m2) m2 = g2[2][k];
+        if (m0 + m1 + m2 >= cap2) continue;
+        int b = Brick(f, lo[0] + i0, lo[1] + j0, lo[2] + k0, 1);
+        uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+        for (int i = i0; i < i1; i++) {
+          if (g2[0][i] >= cap2) continue;
+          for (int j = j0; j < j1; j++) {
+            double dxy = g2[0][i] + g2[1][j];
+            if (dxy >= cap2) continue;
+            uint8_t *row = data + Voxel(lo[0] + i, lo[1] + j, 0);
+            for (int k = k0; k < k1; k++) {
+              double d2 = dxy + g2[2][k];
+              uint8_t &v = row[(lo[2] + k) & 7];
+              if (d2 >= below[v]) continue;
+              int q = (int)(sqrt(d2) * scale);
+              if (q < v) v = (uint8_t)q;
+            }
+          }
+        }
+      }
+}
+
+// The field's bound at p, less the slack for rounding; *saturated when no
+// cell is within the cap.
+static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
+  int vx = (int)floor(p.x * f->invv), vy = (int)floor(p.y * f->invv), vz = (int)floor(p.z * f->invv);
+  int b = Brick(f, vx, vy, vz, 0);
+  int q = b < 0 ? FIELD_CAP : f->data[(size_t)b * FIELD_VOXELS + Voxel(vx, vy, vz)];
+  *saturated = q == FIELD_CAP;
+  return q * f->unit - slack;
+}
+
 static void Insert(int c) {
   SEARCHINDEX &s = searchindex;
-  if ((int)s.next.size() <= c) s.next.resize(c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size());
+  if ((int)s.next.size() <= c) {
+    size_t size = c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size();
+    s.next.resize(size);
+    s.hops.resize(size);
+    s.parent.resize(size);
+  }
+  int parent = cells[c].parent;
+  s.parent[c] = parent;
+  if (parent < c) {
+    s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
+  } else {  // not in growth order: walk
+    int h = 0, j = c;
+    do {
+      j = cells[j].parent;
+      h++;
+    } while (j > 0);
+    s.hops[c] = h;
+  }
   int ix, iy, iz;
   if (!Bucket(cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
@@ -105,6 +231,8 @@ static void Insert(int c) {
   }
   s.next[c] = Store(Key(0, ix, iy, iz), c);
   for (int k = 1; k < INDEX_LEVELS; k++) Store(Key(k, ix >> k, iy >> k, iz >> k), 1);
+  FieldAdd(&s.fine, cells[c].p);
+  FieldAdd(&s.coarse, cells[c].p);
 }
 
 static void Rebuild(void) {
@@ -116,12 +244,17 @@ static void Rebuild(void) {
   s.reach = s.branchlength > 1 ? s.branchlength : 1;
   s.h = 2 * s.reach * (1 + 1e-6);
   s.invh = 1 / s.h;
+  // Voxels of half a reach near the cells, of four reaches farther out.
+  FieldReset(&s.fine, 15, s.h / 4);
+  FieldReset(&s.coarse, 14, s.h * 2);
   s.overflow = 0;
   s.keys.clear();
   s.values.clear();
   s.used = 0;
   Grow();
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
+  s.hops.assign(s.next.size(), 0);
+  s.parent.assign(s.next.size(), -1);
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
   s.maxweight = 0;
@@ -174,6 +307,7 @@ static double Gap(double x, int b, double hk) {
 
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
   SEARCHINDEX &s = searchindex;
+ 
   *ok = 0;
   if (s.overflow) return 0;
   if (s.ball) {
@@ -187,6 +321,22 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   int ix, iy, iz;
   if (!isfinite(p.x) || !isfinite(p.y) || !isfinite(p.z) || !Bucket(p, &ix, &iy, &iz)) return 0;
   double slack = MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + s.h * (1 << INDEX_LEVELS));
+
+  // The fields first: a byte tells most particles how far they may go
+  // before a cell could be within reach.
+  int saturated;
+  double fieldfree = FieldFree(&s.fine, p, slack, &saturated);
+  if (saturated) fieldfree = FieldFree(&s.coarse, p, slack, &saturated);
+  if (!saturated && fieldfree >= s.reach) {
+    *ok = 1;
+    double safe = (fieldfree - s.reach) * (1 - MARGIN);
+    if (safe > 0) {
+      s.ball = 1;
+      s.centre = p;
+      s.safe2 = safe * safe;
+    }
+    return 0;
+  }
 
   double rx, ry, rz;
   int lx = Span(p.x, ix, s.h, &rx), ly = Span(p.y, iy, s.h, &ry), lz = Span(p.z, iz, s.h, &rz);
@@ -202,7 +352,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     any |= head[k] >= 0;
   }
   *ok = 1;
-  double free = room;  // no cell is closer than this
+  double free = room > fieldfree ? room : fieldfree;  // no cell is closer than this
   if (any) {
     // The scan's loop over the block's cells, newest first. All three
     // differences are taken before the rejections, which then run in the
@@ -234,6 +384,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     }
     nearest = sqrt(nearest) - slack;
     if (nearest < free) free = nearest;
+    if (fieldfree > free) free = fieldfree;
   }
 
   // Coarser blocks: cells outside a block are at least its room away, and

@@ -116,6 +116,92 @@ static int PokesThroughGap(void) {
   return 0;
 }
 
+// Steps 9 to 14, once a particle touched and stuck: rare next to the walk,
+// and kept out of line so that the walk's own code stays small.
+__attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
+  GROWTHSTATE &g = growthstate;
+  // 9-11. The vetoes put the particle back where it was before this step.
+  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best))) {
+    Veto("*** Self intersection\n");
+    g.particle = q;
+    return;
+  }
+  if (CutsSurface(best)) {
+    Veto("*** Cuts constraint surface\n");
+    g.particle = q;
+    return;
+  }
+  if (PokesThroughGap()) {
+    Veto("*** Gap poke through\n");
+    g.particle = q;
+    return;
+  }
+
+  // 12. Stick.
+  unsigned revision = cellsrevision;
+  AppendCell(g.particle, 0, best);
+  if (indexed) IndexAppendedCell(revision);
+
+  // 13. The count stops at index 0 as well as at -1, so cells under root 0
+  // get a larger share than the same shape under another root (kept).
+  SEARCHINDEX &s = searchindex;
+  int fast = indexed && s.valid;
+  int d = 1;
+  int j = best;
+  if (fast) {
+    d += s.hops[best];  // the index keeps each cell's count of parent steps
+  } else {
+    do {
+      j = cells[j].parent;
+      d++;
+    } while (j > 0);
+  }
+
+  // 14. Weights only grow and cells only come, so the index keeps both
+  // maxima over all cells (retained ones included) and updates them as the
+  // weights change.
+  if (fast && s.maxweightknown) {
+    double share = 1.0 / d, maxweight = s.maxweight;
+    // The packed parents keep the walk out of the cells' cache misses,
+    // which then overlap.
+    CELL *c = cells.data();
+    const int *parent = s.parent.data();
+    for (j = best; j >= 0; j = parent[j]) {
+      double w = c[j].weight + share;
+      c[j].weight = w;
+      if (w > maxweight) maxweight = w;
+    }
+    s.maxweight = maxweight;
+  } else {
+    for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+  }
+  if (fast) {
+    if (!s.maxweightknown) {
+      s.maxweight = 0;
+      for (int i = 0; i < ncells; i++)
+        if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+      s.maxweightknown = 1;
+    }
+    g.maxweight = s.maxweight;
+    if (s.maxdist > g.radius) g.radius = s.maxdist;
+    g.lifespan = 0;
+    return;
+  }
+
+  // 14. Bookkeeping over every cell: a restart may have kept cells that lie
+  // beyond the starting radius.
+  double maxweight = 0;
+  double radius = g.radius;
+  for (int i = 0; i < ncells; i++) {
+    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
+    double dist = Modulus(cells[i].p);
+    if (dist > radius) radius = dist;
+  }
+  g.maxweight = maxweight;
+  g.radius = radius;
+  g.lifespan = 0;
+}
+
 void IterateSystem(void) {
   GROWTHSTATE &g = growthstate;
   int nroots = g.nroots;
@@ -139,8 +225,13 @@ void IterateSystem(void) {
   g.particle.y += g.branchlength * u.y;
   g.particle.z += g.branchlength * u.z;
 
-  // 4. A step out of the release sphere is refused.
-  if (Modulus(g.particle) > g.radius + 2 * g.branchlength) {
+  // 4. A step out of the release sphere is refused. Well inside it the
+  // squared distance decides without the square root; near the sphere (or
+  // with a limit that is not positive) the root is taken as always.
+  double limit = g.radius + 2 * g.branchlength;
+  XYZ &p = g.particle;
+  double m2 = p.x * p.x + p.y * p.y + p.z * p.z;
+  if ((!(limit > 0) || m2 > limit * limit * (1 - 1e-12)) && sqrt(m2) > limit) {
     g.particle = q;
     return;
   }
@@ -149,7 +240,8 @@ void IterateSystem(void) {
   // index arithmetic would divide by zero).
   if (g.bias > 0 && nroots > 0) {
     double b = g.bias * 0.01 * g.branchlength;
-    ReserveCells(nroots);  // roots may have been asked for but not placed
+    // Roots may have been asked for but not placed.
+    if ((int)cells.size() < nroots) ReserveCells(nroots);
     XYZ target;
     if (g.associate) {
       target = cells[ncells % nroots].p;
@@ -182,10 +274,13 @@ void IterateSystem(void) {
   int touching = 0;
   int indexed = growthsearch == SEARCH_INDEX;
   if (indexed) {
-    SyncSearchIndex();  // the aggregate or the branch length may have changed
-    int ok;
-    touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
-    if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+    // The aggregate or the branch length may have changed outside the step.
+    if (!SearchIndexCurrent()) SyncSearchIndex();
+    if (!InsideEmptyBall(g.particle)) {
+      int ok;
+      touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
+      if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+    }
   } else {
     touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
   }
@@ -194,67 +289,5 @@ void IterateSystem(void) {
   double r = GrowthDrand48();
   if (r > g.stickiness * 0.01 || !touching) return;
 
-  // 9-11. The vetoes put the particle back where it was before this step.
-  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best))) {
-    Veto("*** Self intersection\n");
-    g.particle = q;
-    return;
-  }
-  if (CutsSurface(best)) {
-    Veto("*** Cuts constraint surface\n");
-    g.particle = q;
-    return;
-  }
-  if (PokesThroughGap()) {
-    Veto("*** Gap poke through\n");
-    g.particle = q;
-    return;
-  }
-
-  // 12. Stick.
-  unsigned revision = cellsrevision;
-  AppendCell(g.particle, 0, best);
-  if (indexed) IndexAppendedCell(revision);
-
-  // 13. The count stops at index 0 as well as at -1, so cells under root 0
-  // get a larger share than the same shape under another root (kept).
-  int d = 1;
-  int j = best;
-  do {
-    j = cells[j].parent;
-    d++;
-  } while (j > 0);
-  for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
-
-  // 14. Weights only grow and cells only come, so the index keeps both
-  // maxima over all cells (retained ones included) and updates them here.
-  SEARCHINDEX &s = searchindex;
-  if (indexed && s.valid) {
-    if (s.maxweightknown) {
-      for (j = best; j >= 0; j = cells[j].parent)
-        if (cells[j].weight > s.maxweight) s.maxweight = cells[j].weight;
-    } else {
-      s.maxweight = 0;
-      for (int i = 0; i < ncells; i++)
-        if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
-      s.maxweightknown = 1;
-    }
-    g.maxweight = s.maxweight;
-    if (s.maxdist > g.radius) g.radius = s.maxdist;
-    g.lifespan = 0;
-    return;
-  }
-
-  // 14. Bookkeeping over every cell: a restart may have kept cells that lie
-  // beyond the starting radius.
-  double maxweight = 0;
-  double radius = g.radius;
-  for (int i = 0; i < ncells; i++) {
-    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
-    double dist = Modulus(cells[i].p);
-    if (dist > radius) radius = dist;
-  }
-  g.maxweight = maxweight;
-  g.radius = radius;
-  g.lifespan = 0;
+  Stick(best, q, indexed);
 }

@@ -220,4 +220,48 @@ TEST(SearchIndex, ProvesFarParticlesAwayAndStillSeesNewCells) {
   EXPECT_EQ(best, 1);
 }
 
+// The empty balls are what lets most steps skip the search: a ball that
+// held a point within reach of a cell would let a particle pass through the
+// aggregate. Cells on random branches; particles from touching distance out
+// to far beyond every field's reach.
+TEST(SearchIndex, EmptyBallsKeepOutOfReachOfEveryCell) {
+  for (double branchlength : {0.3, 1.0, 2.5}) {
+    ResetGrowthForTest();
+    growthstate.branchlength = branchlength;
+    srand48(31);
+    XYZ p = {0, 0, 0};
+    for (int i = 0; i < 3000; i++) {
+      if (i % 300 == 0) p = XYZ{drand48() * 40 - 20, drand48() * 40 - 20, drand48() * 40 - 20};
+      p.x += drand48() - 0.5;
+      p.y += drand48() - 0.5;
+      p.z += drand48() - 0.5;
+      AppendCell(p, 0, ncells - 1);
+    }
+    SyncSearchIndex();
+    double reach = branchlength > 1 ? branchlength : 1;
+    int balls = 0, wide = 0;
+    for (int k = 0; k < 4000; k++) {
+      const CELL &c = cells[lrand48() % ncells];
+      double away = 0.2 + (k % 8) * (k % 8) * 2.0;  // up to 98
+      XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+      Normalise(&d);
+      XYZ q = {c.p.x + away * d.x, c.p.y + away * d.y, c.p.z + away * d.z};
+      searchindex.ball = 0;
+      int best = -1, ok = 0;
+      if (IndexSearch(q, 0, 1, 0, &best, &ok) || !ok || !searchindex.ball) continue;
+      balls++;
+      double safe = sqrt(searchindex.safe2);
+      if (safe > 10) wide++;
+      double nearest = 1e300;
+      for (int i = 0; i < ncells; i++) {
+        double dist = VectorLength(q, cells[i].p);
+        if (dist < nearest) nearest = dist;
+      }
+      ASSERT_GE(nearest, reach + safe) << "branch length " << branchlength << ", query " << k;
+    }
+    EXPECT_GT(balls, 2000) << branchlength;
+    EXPECT_GT(wide, 200) << branchlength;
+  }
+}
+
 }  // namespace
