@@ -13,13 +13,26 @@
 
 #define INDEX_LEVELS 12  // occupancy levels, bucket sizes h, 2h, ... 2^11 h
 
+// Open addressing from 64-bit keys to ints, key and value side by side so
+// that a lookup touches one cache line.
+struct HASHSLOT {
+  uint64_t key;  // EMPTYKEY marks a free slot
+  int value;
+};
+struct HASHTABLE {
+  std::vector<HASHSLOT> slots;
+  int used;
+  int shift;  // 64 - log2(table size)
+};
+
 // A distance field: bricks of 8x8x8 voxels of size v, one byte per voxel
 // holding a lower bound, in steps of v / 16, on the distance from any point
-// of the voxel to the nearest cell, up to 128 steps (8 voxels). A
+// of the voxel to the nearest cell, up to 96 steps (6 voxels). A
 // voxel with no brick has no cell within the cap.
 struct FIELD {
-  int tag;                   // hash level of its bricks
+  int tag;                   // key level of its bricks
   double v, invv, unit;
+  HASHTABLE bricks;          // brick coordinates to brick numbers
   std::vector<uint8_t> data;
   uint64_t lastkey;          // the brick used last
   int lastbrick;
@@ -36,10 +49,7 @@ struct SEARCHINDEX {
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
-  std::vector<uint64_t> keys;  // open addressing, EMPTYKEY marks a free slot
-  std::vector<int> values;     // level 0: newest cell of the bucket; others: 1
-  int used;
-  int shift;                   // 64 - log2(table size)
+  HASHTABLE buckets;  // level 0: newest cell of the bucket; others: 1
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
