@@ -26,7 +26,7 @@ void GrowTo(int n) {
     ResetSeeds();
   }
   growthsearch = SEARCH_INDEX;
-  while (ncells < n) IterateSystem();
+  while (ncells < n) IterateSystemSteps(1 << 20);
 }
 
 void BM_Step(benchmark::State &state) {
@@ -35,7 +35,26 @@ void BM_Step(benchmark::State &state) {
   state.SetItemsProcessed(state.iterations());
   state.counters["cells"] = ncells;
 }
-BENCHMARK(BM_Step)->Arg(10000)->Arg(100000)->Arg(1000000)->Iterations(1000000);
+
+// The same steps taken in runs, as the batch program and the idle loop
+// take them: per step.
+void BM_StepRuns(benchmark::State &state) {
+  GrowTo((int)state.range(0));
+  long steps = 0;
+  for (auto _ : state) steps += IterateSystemSteps(1000);
+  state.SetItemsProcessed(steps);
+  state.counters["ns_per_step"] =
+      benchmark::Counter((double)steps, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters["cells"] = ncells;
+}
+
+// Size by size, both ways, before the aggregate grows on.
+BENCHMARK(BM_Step)->Arg(10000)->Iterations(1000000);
+BENCHMARK(BM_StepRuns)->Arg(10000)->Iterations(20000);
+BENCHMARK(BM_Step)->Arg(100000)->Iterations(1000000);
+BENCHMARK(BM_StepRuns)->Arg(100000)->Iterations(20000);
+BENCHMARK(BM_Step)->Arg(1000000)->Iterations(1000000);
+BENCHMARK(BM_StepRuns)->Arg(1000000)->Iterations(20000);
 
 // What a default step cannot do without: its draws and square roots, in the
 // step's own order and with its own dependences. The drift's direction is

@@ -314,7 +314,6 @@ static double Gap(double x, int b, double hk) {
 
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
   SEARCHINDEX &s = searchindex;
- 
   *ok = 0;
   if (s.overflow) return 0;
   if (s.ball) {
