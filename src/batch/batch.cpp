@@ -467,9 +467,12 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   double shown = -1;
   long long step = 0;
   while (ncells < run->cells && (run->steps < 0 || step < run->steps)) {
-    IterateSystem();
-    step++;
-    if (progress && step % 1000 == 0) {
+    // A run of steps ends at the latest with a stuck particle, so the cell
+    // count is seen after each one; it never passes the step limit.
+    long long left = run->steps < 0 ? 1 << 20 : run->steps - step;
+    long long before = step;
+    step += IterateSystemSteps(left < (1 << 20) ? left : 1 << 20);
+    if (progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
       if (now - shown > 0.1) {
         ShowProgress(err, run, step, 0);

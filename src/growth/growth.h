@@ -42,4 +42,9 @@ XYZ GetNewParticle(int sourcetype, double r);
 // search, stickiness, the three vetoes, and on success a new cell.
 void IterateSystem(void);
 
+// n growth steps or fewer (at least one when n > 0), exactly as that many
+// calls of IterateSystem would take them; quicker while the particle walks
+// inside a ball the search index proved empty. Returns the steps taken.
+long IterateSystemSteps(long n);
+
 #endif

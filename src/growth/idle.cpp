@@ -13,7 +13,7 @@ void HandleIdle(void) {
   static double tstart = -1;
 
   if (growthstate.growing && !options.calcstats) {
-    for (int i = 0; i < 100; i++) IterateSystem();
+    for (long i = 0; i < 100;) i += IterateSystemSteps(100 - i);
   }
   if (options.calcstats) {
     CalcBoxCount(0, 0);  // one box per call; no growth meanwhile

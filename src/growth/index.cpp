@@ -19,6 +19,11 @@
 // buckets of size h > 2R around the particle, which holds every near cell,
 // merged newest first. Coarser levels record which buckets hold any cell,
 // to prove a ball around the particle empty of near points.
+//
+// Most steps never get that far. Two distance fields, lowered as cells come,
+// hold for every voxel a lower bound on the distance to the nearest cell:
+// one byte read proves a ball empty, and the particle walks inside it with
+// no search at all until it leaves.
 
 SEARCHINDEX searchindex;
 int growthsearch = SEARCH_INDEX;
@@ -34,53 +39,48 @@ static uint64_t Key(int level, int ix, int iy, int iz) {
          (((uint64_t)(iy + KEYRANGE) & m) << KEYBITS) | ((uint64_t)(iz + KEYRANGE) & m);
 }
 
-static size_t Slot(uint64_t key) {
-  SEARCHINDEX &s = searchindex;
-  size_t mask = s.keys.size() - 1;
+static size_t Slot(const HASHTABLE *t, uint64_t key) {
+  size_t mask = t->slots.size() - 1;
   // The top bits of the product depend on every bit of the key.
-  size_t i = (size_t)((key * 0x9E3779B97F4A7C15ULL) >> s.shift);
-  while (s.keys[i] != key && s.keys[i] != EMPTYKEY) i = (i + 1) & mask;
+  size_t i = (size_t)((key * 0x9E3779B97F4A7C15ULL) >> t->shift);
+  while (t->slots[i].key != key && t->slots[i].key != EMPTYKEY) i = (i + 1) & mask;
   return i;
 }
 
-static int Lookup(uint64_t key) {
-  size_t i = Slot(key);
-  return searchindex.keys[i] == key ? searchindex.values[i] : -1;
+static int Lookup(const HASHTABLE *t, uint64_t key) {
+  const HASHSLOT &slot = t->slots[Slot(t, key)];
+  return slot.key == key ? slot.value : -1;
 }
 
-static void Grow(void);
+static void Grow(HASHTABLE *t) {
+  std::vector<HASHSLOT> old;
+  old.swap(t->slots);
+  size_t size = old.empty() ? 4096 : 2 * old.size();
+  HASHSLOT empty = {EMPTYKEY, -1};
+  t->slots.assign(size, empty);
+  t->shift = 64 - __builtin_ctzll(size);
+  for (const HASHSLOT &slot : old)
+    if (slot.key != EMPTYKEY) t->slots[Slot(t, slot.key)] = slot;
+}
+
+static void Clear(HASHTABLE *t) {
+  t->slots.clear();
+  t->used = 0;
+  Grow(t);
+}
 
 // Stores value under key; returns the value held before, or -1.
-static int Store(uint64_t key, int value) {
-  SEARCHINDEX &s = searchindex;
-  if (2 * (s.used + 1) > (int)s.keys.size()) Grow();
-  size_t i = Slot(key);
+static int Store(HASHTABLE *t, uint64_t key, int value) {
+  if (2 * (t->used + 1) > (int)t->slots.size()) Grow(t);
+  HASHSLOT &slot = t->slots[Slot(t, key)];
   int old = -1;
-  if (s.keys[i] == key)
-    old = s.values[i];
+  if (slot.key == key)
+    old = slot.value;
   else
-    s.used++;
-  s.keys[i] = key;
-  s.values[i] = value;
+    t->used++;
+  slot.key = key;
+  slot.value = value;
   return old;
-}
-
-static void Grow(void) {
-  SEARCHINDEX &s = searchindex;
-  std::vector<uint64_t> keys;
-  std::vector<int> values;
-  keys.swap(s.keys);
-  values.swap(s.values);
-  size_t size = keys.empty() ? 4096 : 2 * keys.size();
-  s.keys.assign(size, EMPTYKEY);
-  s.values.assign(size, -1);
-  s.shift = 64 - __builtin_ctzll(size);
-  for (size_t i = 0; i < keys.size(); i++)
-    if (keys[i] != EMPTYKEY) {
-      size_t j = Slot(keys[i]);
-      s.keys[j] = keys[i];
-      s.values[j] = values[i];
-    }
 }
 
 // Bucket numbers of a point at level 0; 0 when out of the key range.
@@ -95,16 +95,152 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
   return 1;
 }
 
+#define FIELD_VOXELS 512  // per brick
+#define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+
+// The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
+static uint8_t fieldroot[FIELD_CAP * FIELD_CAP + 1];
+
+static void FieldReset(FIELD *f, int tag, double v) {
+  for (int m = 0; m <= FIELD_CAP * FIELD_CAP; m++) {
+    int q = (int)sqrt((double)m);
+    while (q * q > m) q--;
+    while ((q + 1) * (q + 1) <= m) q++;
+    fieldroot[m] = (uint8_t)(q < FIELD_CAP ? q : FIELD_CAP);
+  }
+  f->tag = tag;
+  f->v = v;
+  f->invv = 1 / v;
+  f->unit = v / 16;
+  Clear(&f->bricks);
+  f->data.clear();
+  f->lastkey = EMPTYKEY;
+  f->lastbrick = -1;
+}
+
+// The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
+static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
+  uint64_t key = Key(f->tag, ix >> 3, iy >> 3, iz >> 3);
+  if (key == f->lastkey) return f->lastbrick;
+  int b = Lookup(&f->bricks, key);
+  if (b < 0 && make) {
+    b = (int)(f->data.size() / FIELD_VOXELS);
+    f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    Store(&f->bricks, key, b);
+  }
+  if (b >= 0) {
+    f->lastkey = key;
+    f->lastbrick = b;
+  }
+  return b;
+}
+
+static int Voxel(int ix, int iy, int iz) { return ((ix & 7) << 6) | ((iy & 7) << 3) | (iz & 7); }
+
+// The voxels FieldAdd visits around c along one axis: lo to lo + n - 1, and
+// the squared gaps from c to each.
+static void FieldRange(const FIELD *f, double c, int *lo, int *n, double g2[20]) {
+  double cap = FIELD_CAP * f->unit;
+  *lo = (int)floor((c - cap) * f->invv);
+  int hi = (int)floor((c + cap) * f->invv);
+  *n = hi - *lo + 1;
+  if (*n > 20) *n = 20;
+  for (int i = 0; i < *n; i++) {
+    double a0 = (*lo + i) * f->v, a1 = (*lo + i + 1) * f->v;
+    double g = c < a0 ? a0 - c : c > a1 ? c - a1 : 0;
+    g2[i] = g * g;
+  }
+}
+
+// Lowers the field around a new cell at p: every voxel whose box comes
+// within the cap of p. Rounded down, so each value stays a lower bound.
+static void FieldAdd(FIELD *f, XYZ p) {
+  double cap = FIELD_CAP * f->unit, cap2 = cap * cap;
+  double c[3] = {p.x, p.y, p.z};
+  int lo[3], n[3];
+  double g2[3][20];
+  for (int a = 0; a < 3; a++) FieldRange(f, c[a], &lo[a], &n[a], g2[a]);
+  // Values from squared distances without a square root or a branch: the
+  // squared distance in squared units, rounded down, indexes the floor of
+  // its root (never above the true value).
+  double scale = (1 - 1e-9) / (f->unit * f->unit);
+  double top = FIELD_CAP * FIELD_CAP;
+  // Brick by brick, so that each brick is looked up once.
+  for (int bx = lo[0] >> 3; bx <= (lo[0] + n[0] - 1) >> 3; bx++)
+    for (int by = lo[1] >> 3; by <= (lo[1] + n[1] - 1) >> 3; by++)
+      for (int bz = lo[2] >> 3; bz <= (lo[2] + n[2] - 1) >> 3; bz++) {
+        int i0 = bx * 8 - lo[0], j0 = by * 8 - lo[1], k0 = bz * 8 - lo[2];
+        int i1 = i0 + 8, j1 = j0 + 8, k1 = k0 + 8;
+        if (i0 < 0) i0 = 0;
+        if (j0 < 0) j0 = 0;
+        if (k0 < 0) k0 = 0;
+        if (i1 > n[0]) i1 = n[0];
+        if (j1 > n[1]) j1 = n[1];
+        if (k1 > n[2]) k1 = n[2];
+        // The brick's nearest voxel to p: nothing to do when even it is out of reach.
+        double m0 = g2[0][i0], m1 = g2[1][j0], m2 = g2[2][k0];
+        for (int i = i0; i < i1; i++) if (g2[0][i] < m0) m0 = g2[0][i];
+        for (int j = j0; j < j1; j++) if (g2[1][j] < m1) m1 = g2[1][j];
+        for (int k = k0; k < k1; k++) if (g2[2][k] < m2) m2 = g2[2][k];
+        if (m0 + m1 + m2 >= cap2) continue;
+        int b = Brick(f, lo[0] + i0, lo[1] + j0, lo[2] + k0, 1);
+        uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+        for (int i = i0; i < i1; i++) {
+          if (g2[0][i] >= cap2) continue;
+          for (int j = j0; j < j1; j++) {
+            double dxy = g2[0][i] + g2[1][j];
+            if (dxy >= cap2) continue;
+            uint8_t *row = data + Voxel(lo[0] + i, lo[1] + j, 0);
+            for (int k = k0; k < k1; k++) {
+              double m = (dxy + g2[2][k]) * scale;
+              uint8_t q = fieldroot[(int)(m < top ? m : top)];
+              uint8_t &v = row[(lo[2] + k) & 7];
+              v = q < v ? q : v;
+            }
+          }
+        }
+      }
+}
+
+// The field's bound at p, less the slack for rounding; *saturated when no
+// cell is within the cap.
+static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
+  int vx = (int)floor(p.x * f->invv), vy = (int)floor(p.y * f->invv), vz = (int)floor(p.z * f->invv);
+  int b = Brick(f, vx, vy, vz, 0);
+  int q = b < 0 ? FIELD_CAP : f->data[(size_t)b * FIELD_VOXELS + Voxel(vx, vy, vz)];
+  *saturated = q == FIELD_CAP;
+  return q * f->unit - slack;
+}
+
 static void Insert(int c) {
   SEARCHINDEX &s = searchindex;
-  if ((int)s.next.size() <= c) s.next.resize(c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size());
+  if ((int)s.next.size() <= c) {
+    size_t size = c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size();
+    s.next.resize(size);
+    s.hops.resize(size);
+    s.parent.resize(size);
+  }
+  int parent = cells[c].parent;
+  s.parent[c] = parent;
+  if (parent < c) {
+    s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
+  } else {  // not in growth order: walk
+    int h = 0, j = c;
+    do {
+      j = cells[j].parent;
+      h++;
+    } while (j > 0);
+    s.hops[c] = h;
+  }
   int ix, iy, iz;
   if (!Bucket(cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
     return;
   }
-  s.next[c] = Store(Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(Key(k, ix >> k, iy >> k, iz >> k), 1);
+  s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.buckets, Key(k, ix >> k, iy >> k, iz >> k), 1);
+  FieldAdd(&s.fine, cells[c].p);
+  FieldAdd(&s.coarse, cells[c].p);
 }
 
 static void Rebuild(void) {
@@ -116,12 +252,16 @@ static void Rebuild(void) {
   s.reach = s.branchlength > 1 ? s.branchlength : 1;
   s.h = 2 * s.reach * (1 + 1e-6);
   s.invh = 1 / s.h;
+  // Voxels of a reach near the cells (bounds up to 6 reaches away), of
+  // eight reaches farther out (up to 48): the fastest of the sizes tried on
+  // aggregates of 150,000 to 1,000,000 cells.
+  FieldReset(&s.fine, 15, s.h / 2);
+  FieldReset(&s.coarse, 14, s.h * 4);
   s.overflow = 0;
-  s.keys.clear();
-  s.values.clear();
-  s.used = 0;
-  Grow();
+  Clear(&s.buckets);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
+  s.hops.assign(s.next.size(), 0);
+  s.parent.assign(s.next.size(), -1);
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
   s.maxweight = 0;
@@ -188,6 +328,22 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   if (!isfinite(p.x) || !isfinite(p.y) || !isfinite(p.z) || !Bucket(p, &ix, &iy, &iz)) return 0;
   double slack = MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + s.h * (1 << INDEX_LEVELS));
 
+  // The fields first: a byte tells most particles how far they may go
+  // before a cell could be within reach.
+  int saturated;
+  double fieldfree = FieldFree(&s.fine, p, slack, &saturated);
+  if (saturated) fieldfree = FieldFree(&s.coarse, p, slack, &saturated);
+  if (!saturated && fieldfree >= s.reach) {
+    *ok = 1;
+    double safe = (fieldfree - s.reach) * (1 - MARGIN);
+    if (safe > 0) {
+      s.ball = 1;
+      s.centre = p;
+      s.safe2 = safe * safe;
+    }
+    return 0;
+  }
+
   double rx, ry, rz;
   int lx = Span(p.x, ix, s.h, &rx), ly = Span(p.y, iy, s.h, &ry), lz = Span(p.z, iz, s.h, &rz);
   double room = rx < ry ? rx : ry;
@@ -198,11 +354,11 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   int head[8];
   int any = 0;
   for (int k = 0; k < 8; k++) {
-    head[k] = Lookup(Key(0, lx + (k & 1), ly + ((k >> 1) & 1), lz + (k >> 2)));
+    head[k] = Lookup(&s.buckets, Key(0, lx + (k & 1), ly + ((k >> 1) & 1), lz + (k >> 2)));
     any |= head[k] >= 0;
   }
   *ok = 1;
-  double free = room;  // no cell is closer than this
+  double free = room > fieldfree ? room : fieldfree;  // no cell is closer than this
   if (any) {
     // The scan's loop over the block's cells, newest first. All three
     // differences are taken before the rejections, which then run in the
@@ -234,6 +390,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     }
     nearest = sqrt(nearest) - slack;
     if (nearest < free) free = nearest;
+    if (fieldfree > free) free = fieldfree;
   }
 
   // Coarser blocks: cells outside a block are at least its room away, and
@@ -247,7 +404,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     int occupied = 0;
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(Key(k, bx, by, bz)) < 0) continue;
+      if (Lookup(&s.buckets, Key(k, bx, by, bz)) < 0) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);

@@ -8,9 +8,35 @@
 
 #include <vector>
 
+#include "app/records.h"
 #include "lib/vector.h"
 
 #define INDEX_LEVELS 12  // occupancy levels, bucket sizes h, 2h, ... 2^11 h
+
+// Open addressing from 64-bit keys to ints, key and value side by side so
+// that a lookup touches one cache line.
+struct HASHSLOT {
+  uint64_t key;  // EMPTYKEY marks a free slot
+  int value;
+};
+struct HASHTABLE {
+  std::vector<HASHSLOT> slots;
+  int used;
+  int shift;  // 64 - log2(table size)
+};
+
+// A distance field: bricks of 8x8x8 voxels of size v, one byte per voxel
+// holding a lower bound, in steps of v / 16, on the distance from any point
+// of the voxel to the nearest cell, up to 96 steps (6 voxels). A
+// voxel with no brick has no cell within the cap.
+struct FIELD {
+  int tag;                   // key level of its bricks
+  double v, invv, unit;
+  HASHTABLE bricks;          // brick coordinates to brick numbers
+  std::vector<uint8_t> data;
+  uint64_t lastkey;          // the brick used last
+  int lastbrick;
+};
 
 struct SEARCHINDEX {
   int valid;
@@ -21,10 +47,9 @@ struct SEARCHINDEX {
   double h, invh;           // level-0 bucket size, a little over 2 reach
   int overflow;             // a cell outside the key range: scan instead
   std::vector<int> next;    // per cell: the next older cell of its bucket
-  std::vector<uint64_t> keys;  // open addressing, EMPTYKEY marks a free slot
-  std::vector<int> values;     // level 0: newest cell of the bucket; others: 1
-  int used;
-  int shift;                   // 64 - log2(table size)
+  std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
+  std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
+  HASHTABLE buckets;  // level 0: newest cell of the bucket; others: 1
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
@@ -33,6 +58,7 @@ struct SEARCHINDEX {
   double maxdist;
   double maxweight;
   int maxweightknown;
+  FIELD fine, coarse;
 };
 
 extern SEARCHINDEX searchindex;
@@ -40,6 +66,22 @@ extern SEARCHINDEX searchindex;
 // Search strategies of the growth step (growthsearch).
 enum { SEARCH_INDEX = 0, SEARCH_SCAN = 1 };
 extern int growthsearch;
+
+// 1 while p stays inside the last ball the index proved empty: no cell can
+// be within reach, and the search can be skipped.
+inline int InsideEmptyBall(XYZ p) {
+  const SEARCHINDEX &s = searchindex;
+  if (!s.ball) return 0;
+  double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
+  return dx * dx + dy * dy + dz * dz < s.safe2;
+}
+
+// 1 when the index matches the aggregate and the branch length.
+inline int SearchIndexCurrent(void) {
+  const SEARCHINDEX &s = searchindex;
+  return s.valid && s.revision == cellsrevision && s.n == ncells &&
+         s.branchlength == growthstate.branchlength;
+}
 
 // Brings the index up to date with cells/ncells and the branch length,
 // rebuilding it when the aggregate changed outside the step.

@@ -116,84 +116,10 @@ static int PokesThroughGap(void) {
   return 0;
 }
 
-void IterateSystem(void) {
+// Steps 9 to 14, once a particle touched and stuck: rare next to the walk,
+// and kept out of line so that the walk's own code stays small.
+__attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
   GROWTHSTATE &g = growthstate;
-  int nroots = g.nroots;
-
-  // 1. Release a new particle at the start of every life span.
-  if (g.lifespan % LIFESPAN == 0) {
-    g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
-    seeds[nseeds % NSEEDS] = g.particle;
-    nseeds++;
-  }
-  XYZ q = g.particle;
-  g.lifespan++;
-
-  // 3. One random step of one branch length.
-  XYZ u;
-  u.x = GrowthDrand48() - 0.5;
-  u.y = GrowthDrand48() - 0.5;
-  u.z = GrowthDrand48() - 0.5;
-  Normalise(&u);
-  g.particle.x += g.branchlength * u.x;
-  g.particle.y += g.branchlength * u.y;
-  g.particle.z += g.branchlength * u.z;
-
-  // 4. A step out of the release sphere is refused.
-  if (Modulus(g.particle) > g.radius + 2 * g.branchlength) {
-    g.particle = q;
-    return;
-  }
-
-  // 5. Drift, away from the target by design. No roots: no drift (the
-  // index arithmetic would divide by zero).
-  if (g.bias > 0 && nroots > 0) {
-    double b = g.bias * 0.01 * g.branchlength;
-    ReserveCells(nroots);  // roots may have been asked for but not placed
-    XYZ target;
-    if (g.associate) {
-      target = cells[ncells % nroots].p;
-    } else {
-      // x % 1 is 0: one root needs the draws but not the divisions.
-      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      target.x = cells[kx].p.x;
-      target.y = cells[ky].p.y;
-      target.z = cells[kz].p.z;
-    }
-    XYZ v = {target.x - g.particle.x, target.y - g.particle.y, target.z - g.particle.z};
-    Normalise(&v);
-    g.particle.x -= b * v.x;
-    g.particle.y -= b * v.y;
-    g.particle.z -= b * v.z;
-  }
-
-  // 6. Swirl about the z axis.
-  if (g.rotation != 0) {
-    XYZ zaxis = {0, 0, 1};
-    g.particle = ArbitraryRotate(g.particle, g.rotation * DTOR, zaxis);
-  }
-
-  // 7. Newest cell first; stop at the first one within a branch length.
-  int associate = g.associate && nroots > 0;
-  int rootclass = associate ? ncells % nroots : 0;
-  int best = -1;
-  int touching = 0;
-  int indexed = growthsearch == SEARCH_INDEX;
-  if (indexed) {
-    SyncSearchIndex();  // the aggregate or the branch length may have changed
-    int ok;
-    touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
-    if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
-  } else {
-    touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
-  }
-
-  // 8. Stickiness: the number is drawn whether or not a cell was touched.
-  double r = GrowthDrand48();
-  if (r > g.stickiness * 0.01 || !touching) return;
-
   // 9-11. The vetoes put the particle back where it was before this step.
   if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best))) {
     Veto("*** Self intersection\n");
@@ -218,22 +144,39 @@ void IterateSystem(void) {
 
   // 13. The count stops at index 0 as well as at -1, so cells under root 0
   // get a larger share than the same shape under another root (kept).
+  SEARCHINDEX &s = searchindex;
+  int fast = indexed && s.valid;
   int d = 1;
   int j = best;
-  do {
-    j = cells[j].parent;
-    d++;
-  } while (j > 0);
-  for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+  if (fast) {
+    d += s.hops[best];  // the index keeps each cell's count of parent steps
+  } else {
+    do {
+      j = cells[j].parent;
+      d++;
+    } while (j > 0);
+  }
 
   // 14. Weights only grow and cells only come, so the index keeps both
-  // maxima over all cells (retained ones included) and updates them here.
-  SEARCHINDEX &s = searchindex;
-  if (indexed && s.valid) {
-    if (s.maxweightknown) {
-      for (j = best; j >= 0; j = cells[j].parent)
-        if (cells[j].weight > s.maxweight) s.maxweight = cells[j].weight;
-    } else {
+  // maxima over all cells (retained ones included) and updates them as the
+  // weights change.
+  if (fast && s.maxweightknown) {
+    double share = 1.0 / d, maxweight = s.maxweight;
+    // The packed parents keep the walk out of the cells' cache misses,
+    // which then overlap.
+    CELL *c = cells.data();
+    const int *parent = s.parent.data();
+    for (j = best; j >= 0; j = parent[j]) {
+      double w = c[j].weight + share;
+      c[j].weight = w;
+      if (w > maxweight) maxweight = w;
+    }
+    s.maxweight = maxweight;
+  } else {
+    for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+  }
+  if (fast) {
+    if (!s.maxweightknown) {
       s.maxweight = 0;
       for (int i = 0; i < ncells; i++)
         if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
@@ -257,4 +200,151 @@ void IterateSystem(void) {
   g.maxweight = maxweight;
   g.radius = radius;
   g.lifespan = 0;
+}
+
+// Steps 3 to 6: the move of the particle at *p. 0 when the step out of the
+// release sphere was refused (the particle is then back at q). The settings
+// come as arguments so that a run of steps can read them once.
+static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit, double bias,
+                               int nroots, int associate, double rotation) {
+  // 3. One random step of one branch length.
+  XYZ u;
+  u.x = GrowthDrand48() - 0.5;
+  u.y = GrowthDrand48() - 0.5;
+  u.z = GrowthDrand48() - 0.5;
+  Normalise(&u);
+  p->x += branchlength * u.x;
+  p->y += branchlength * u.y;
+  p->z += branchlength * u.z;
+
+  // 4. A step out of the release sphere is refused. Well inside it the
+  // squared distance decides without the square root; near the sphere (or
+  // with a limit that is not positive) the root is taken as always.
+  double m2 = p->x * p->x + p->y * p->y + p->z * p->z;
+  if ((!(limit > 0) || m2 > limit * limit * (1 - 1e-12)) && sqrt(m2) > limit) {
+    *p = q;
+    return 0;
+  }
+
+  // 5. Drift, away from the target by design. No roots: no drift (the
+  // index arithmetic would divide by zero).
+  if (bias > 0 && nroots > 0) {
+    double b = bias * 0.01 * branchlength;
+    // Roots may have been asked for but not placed.
+    if ((int)cells.size() < nroots) ReserveCells(nroots);
+    XYZ target;
+    if (associate) {
+      target = cells[ncells % nroots].p;
+    } else {
+      // x % 1 is 0: one root needs the draws but not the divisions.
+      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      target.x = cells[kx].p.x;
+      target.y = cells[ky].p.y;
+      target.z = cells[kz].p.z;
+    }
+    XYZ v = {target.x - p->x, target.y - p->y, target.z - p->z};
+    Normalise(&v);
+    p->x -= b * v.x;
+    p->y -= b * v.y;
+    p->z -= b * v.z;
+  }
+
+  // 6. Swirl about the z axis.
+  if (rotation != 0) {
+    XYZ zaxis = {0, 0, 1};
+    *p = ArbitraryRotate(*p, rotation * DTOR, zaxis);
+  }
+  return 1;
+}
+
+// Steps 7 to 14 for the particle where the move left it (q: where it was).
+static void FinishStep(XYZ q) {
+  GROWTHSTATE &g = growthstate;
+  int nroots = g.nroots;
+
+  // 7. Newest cell first; stop at the first one within a branch length.
+  int associate = g.associate && nroots > 0;
+  int rootclass = associate ? ncells % nroots : 0;
+  int best = -1;
+  int touching = 0;
+  int indexed = growthsearch == SEARCH_INDEX;
+  if (indexed) {
+    // The aggregate or the branch length may have changed outside the step.
+    if (!SearchIndexCurrent()) SyncSearchIndex();
+    if (!InsideEmptyBall(g.particle)) {
+      int ok;
+      touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
+      if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+    }
+  } else {
+    touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+  }
+
+  // 8. Stickiness: the number is drawn whether or not a cell was touched.
+  double r = GrowthDrand48();
+  if (r > g.stickiness * 0.01 || !touching) return;
+  Stick(best, q, indexed);
+}
+
+void IterateSystem(void) {
+  GROWTHSTATE &g = growthstate;
+
+  // 1. Release a new particle at the start of every life span.
+  if (g.lifespan % LIFESPAN == 0) {
+    g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
+    seeds[nseeds % NSEEDS] = g.particle;
+    nseeds++;
+  }
+  XYZ q = g.particle;
+  g.lifespan++;
+
+  if (!MoveParticle(&g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
+                    g.associate, g.rotation))
+    return;
+  FinishStep(q);
+}
+
+long IterateSystemSteps(long n) {
+  GROWTHSTATE &g = growthstate;
+  const SEARCHINDEX &s = searchindex;
+  if (n <= 0) return 0;
+  // The run needs a proven empty ball, and every cell the move may read.
+  if (growthsearch != SEARCH_INDEX || !SearchIndexCurrent() || !s.ball ||
+      (int)cells.size() < g.nroots) {
+    IterateSystem();
+    return 1;
+  }
+  double branchlength = g.branchlength, limit = g.radius + 2 * g.branchlength, bias = g.bias;
+  double rotation = g.rotation;
+  int nroots = g.nroots, associate = g.associate;
+  XYZ centre = s.centre;
+  double safe2 = s.safe2;
+  XYZ p = g.particle;
+  int lifespan = g.lifespan;
+  long k = 0;
+  while (k < n && lifespan % LIFESPAN != 0) {
+    XYZ q = p;
+    lifespan++;
+    k++;
+    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation)) continue;
+    double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
+    if (dx * dx + dy * dy + dz * dz < safe2) {
+      GrowthDrand48();  // 8: the stickiness number, with nothing touched
+      continue;
+    }
+    // Out of the ball: the rest of this step as IterateSystem takes it.
+    g.particle = p;
+    g.lifespan = lifespan;
+    FinishStep(q);
+    return k;
+  }
+  g.particle = p;
+  g.lifespan = lifespan;
+  if (k == 0) {  // a new particle is due
+    IterateSystem();
+    return 1;
+  }
+  return k;
 }

@@ -19,14 +19,29 @@ struct GROWN {
 
 // Grows with the given search until the aggregate holds n cells (or the
 // step limit), recording maxweight and radius after every stick.
-GROWN Grow(int search, const std::function<void()> &setup, int n, long maxsteps = 3000000) {
+// With runs, the steps are taken by IterateSystemSteps in runs of 1 to 5000.
+GROWN Grow(int search, const std::function<void()> &setup, int n, int runs = 0,
+           long maxsteps = 3000000) {
   growthsearch = search;
   ResetGrowthForTest();
   setup();
   GROWN out;
   int seen = ncells;
-  for (long k = 0; k < maxsteps && ncells < n; k++) {
-    IterateSystem();
+  long run = 1;
+  for (long k = 0; k < maxsteps && ncells < n;) {
+    if (runs) {
+      long want = maxsteps - k < run ? maxsteps - k : run;
+      long took = IterateSystemSteps(want);
+      if (took < 1 || took > want) {
+        ADD_FAILURE() << took << " steps taken of " << want;
+        break;
+      }
+      k += took;
+      run = run * 7 % 5001 + 1;
+    } else {
+      IterateSystem();
+      k++;
+    }
     if (ncells != seen) {
       seen = ncells;
       out.maxweight.push_back(growthstate.maxweight);
@@ -53,8 +68,10 @@ void ExpectSameAggregate(const GROWN &a, const GROWN &b, const char *what) {
 void Compare(const char *what, const std::function<void()> &setup, int n) {
   GROWN scan = Grow(SEARCH_SCAN, setup, n);
   GROWN index = Grow(SEARCH_INDEX, setup, n);
+  GROWN runs = Grow(SEARCH_INDEX, setup, n, 1);
   EXPECT_GT((int)scan.cells.size(), growthstate.nroots) << what << ": nothing grew";
   ExpectSameAggregate(scan, index, what);
+  ExpectSameAggregate(scan, runs, what);
 }
 
 TEST(SearchIndex, GivesTheScansAggregateForManySettings) {
@@ -116,14 +133,19 @@ TEST(SearchIndex, GivesTheScansAggregateForManySettings) {
 
 // Changes made between steps, as the settings form and the menus make them.
 TEST(SearchIndex, FollowsChangesOutsideTheStep) {
-  auto run = [](int search) {
+  auto run = [](int search, int runs) {
     growthsearch = search;
     ResetGrowthForTest();
     growthstate.seed = 21;
     InitialiseGrowth();
     GROWN out;
     auto growto = [&](int n) {
-      for (long k = 0; k < 2000000 && ncells < n; k++) IterateSystem();
+      for (long k = 0; k < 2000000 && ncells < n;) {
+        if (runs)
+          k += IterateSystemSteps(n % 900 + 1);
+        else
+          k += (IterateSystem(), 1);
+      }
       out.maxweight.push_back(growthstate.maxweight);
       out.radius.push_back(growthstate.radius);
     };
@@ -145,9 +167,11 @@ TEST(SearchIndex, FollowsChangesOutsideTheStep) {
     growthsearch = SEARCH_INDEX;
     return out;
   };
-  GROWN scan = run(SEARCH_SCAN);
-  GROWN index = run(SEARCH_INDEX);
+  GROWN scan = run(SEARCH_SCAN, 0);
+  GROWN index = run(SEARCH_INDEX, 0);
+  GROWN runs = run(SEARCH_INDEX, 1);
   ExpectSameAggregate(scan, index, "changes between steps");
+  ExpectSameAggregate(scan, runs, "changes between runs of steps");
 }
 
 // Roots at chosen places (relative to p) read from a seed file.
@@ -218,6 +242,50 @@ TEST(SearchIndex, ProvesFarParticlesAwayAndStillSeesNewCells) {
   IndexAppendedCell(revision);
   EXPECT_EQ(IndexSearch(p, 0, 1, 0, &best, &ok), 1);
   EXPECT_EQ(best, 1);
+}
+
+// The empty balls are what lets most steps skip the search: a ball that
+// held a point within reach of a cell would let a particle pass through the
+// aggregate. Cells on random branches; particles from touching distance out
+// to far beyond every field's reach.
+TEST(SearchIndex, EmptyBallsKeepOutOfReachOfEveryCell) {
+  for (double branchlength : {0.3, 1.0, 2.5}) {
+    ResetGrowthForTest();
+    growthstate.branchlength = branchlength;
+    srand48(31);
+    XYZ p = {0, 0, 0};
+    for (int i = 0; i < 3000; i++) {
+      if (i % 300 == 0) p = XYZ{drand48() * 40 - 20, drand48() * 40 - 20, drand48() * 40 - 20};
+      p.x += drand48() - 0.5;
+      p.y += drand48() - 0.5;
+      p.z += drand48() - 0.5;
+      AppendCell(p, 0, ncells - 1);
+    }
+    SyncSearchIndex();
+    double reach = branchlength > 1 ? branchlength : 1;
+    int balls = 0, wide = 0;
+    for (int k = 0; k < 4000; k++) {
+      const CELL &c = cells[lrand48() % ncells];
+      double away = 0.2 + (k % 8) * (k % 8) * 2.0;  // up to 98
+      XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+      Normalise(&d);
+      XYZ q = {c.p.x + away * d.x, c.p.y + away * d.y, c.p.z + away * d.z};
+      searchindex.ball = 0;
+      int best = -1, ok = 0;
+      if (IndexSearch(q, 0, 1, 0, &best, &ok) || !ok || !searchindex.ball) continue;
+      balls++;
+      double safe = sqrt(searchindex.safe2);
+      if (safe > 10) wide++;
+      double nearest = 1e300;
+      for (int i = 0; i < ncells; i++) {
+        double dist = VectorLength(q, cells[i].p);
+        if (dist < nearest) nearest = dist;
+      }
+      ASSERT_GE(nearest, reach + safe) << "branch length " << branchlength << ", query " << k;
+    }
+    EXPECT_GT(balls, 2000) << branchlength;
+    EXPECT_GT(wide, 200) << branchlength;
+  }
 }
 
 }  // namespace
