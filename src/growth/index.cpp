@@ -312,6 +312,18 @@ static double Gap(double x, int b, double hk) {
   return x < lo ? lo - x : x > hi ? x - hi : 0;
 }
 
+// No cell is closer to p than free: the ball around p where no point is
+// within reach of a cell.
+static void SetEmptyBall(XYZ p, double free) {
+  SEARCHINDEX &s = searchindex;
+  double safe = (free - s.reach) * (1 - MARGIN);
+  if (safe > 0) {
+    s.ball = 1;
+    s.centre = p;
+    s.safe2 = safe * safe;
+  }
+}
+
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
   SEARCHINDEX &s = searchindex;
   *ok = 0;
@@ -335,12 +347,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   if (saturated) fieldfree = FieldFree(&s.coarse, p, slack, &saturated);
   if (!saturated && fieldfree >= s.reach) {
     *ok = 1;
-    double safe = (fieldfree - s.reach) * (1 - MARGIN);
-    if (safe > 0) {
-      s.ball = 1;
-      s.centre = p;
-      s.safe2 = safe * safe;
-    }
+    SetEmptyBall(p, fieldfree);
     return 0;
   }
 
@@ -414,11 +421,6 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     if (bound > free) free = bound;
     if (occupied) break;
   }
-  double safe = (free - s.reach) * (1 - MARGIN);
-  if (safe > 0) {
-    s.ball = 1;
-    s.centre = p;
-    s.safe2 = safe * safe;
-  }
+  SetEmptyBall(p, free);
   return 0;
 }
