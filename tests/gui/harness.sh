@@ -116,8 +116,25 @@ gui_start_xvfb() {
   gui_fail "could not start Xvfb: $(cat "$GUI_TMP/xvfb.log" 2>/dev/null)"
 }
 
+# A server that answered may still be gone by the time the program
+# connects (seen rarely with many servers starting and stopping in
+# parallel). The program then says so and ends at once: start a new server
+# and try again, up to three times.
+GUI_RETRIES=0
+gui_lost_display() {
+  grep -q "Can't open display" "$GUI_STDERR" 2>/dev/null && [ "$GUI_RETRIES" -lt 3 ] || return 1
+  GUI_RETRIES=$((GUI_RETRIES + 1))
+  echo "display $DISPLAY lost; new server (retry $GUI_RETRIES)" >&2
+  if [ -n "$GUI_XVFB_PID" ]; then
+    kill "$GUI_XVFB_PID" 2>/dev/null
+    wait "$GUI_XVFB_PID" 2>/dev/null
+  fi
+  gui_start_xvfb
+}
+
 # gui_start ARGS...: starts the program in the background in $GUI_WORKDIR.
 gui_start() {
+  GUI_ARGS=("$@")
   (cd "$GUI_WORKDIR" && exec "$GUI_PROG" "$@") >"$GUI_STDOUT" 2>"$GUI_STDERR" &
   GUI_PID=$!
 }
@@ -127,6 +144,7 @@ gui_start() {
 gui_run() {
   (cd "$GUI_WORKDIR" && exec timeout 20 "$GUI_PROG" "$@") >"$GUI_STDOUT" 2>"$GUI_STDERR"
   GUI_STATUS=$?
+  if gui_lost_display; then gui_run "$@"; fi
 }
 
 # 1 while the program runs (a finished child not yet waited for is a zombie).
@@ -145,7 +163,10 @@ gui_find_window() {
   for i in $(seq 1 $((limit * 10))); do
     GUI_WID=$(xdotool search --onlyvisible --name "$GUI_TITLE" 2>/dev/null | head -n 1)
     [ -n "$GUI_WID" ] && return 0
-    gui_running || return 1
+    if ! gui_running; then
+      gui_lost_display || return 1
+      gui_start "${GUI_ARGS[@]}"
+    fi
     sleep 0.1
   done
   return 1
