@@ -10,13 +10,21 @@ const double rootcolours[21][3] = {
     {0.5, 0, 0},     {0, 0.5, 0},    {0, 0, 0.5},    {0.5, 0.5, 0},   {0, 0.5, 0.5},   {0.5, 0, 0.5},
     {0.25, 0.25, 0.25}, {0.5, 0.5, 0.5}, {0.75, 0.75, 0.75}};
 
-COLOUR ChooseColour(int cell, int drawmode) {
+int ColourByRoot(int drawmode) {
   // nroots 0 would divide by zero below; it has no roots to tell apart anyway.
-  if (growthstate.nroots != 1 && growthstate.nroots != 0 && growthstate.associate && drawmode >= 1 &&
-      drawmode <= 3) {
+  return growthstate.nroots != 1 && growthstate.nroots != 0 && growthstate.associate &&
+         drawmode >= 1 && drawmode <= 3;
+}
+
+COLOUR WeightColour(double weight) {
+  return GetColour(log(weight + 1), 0, log(growthstate.maxweight / 3 + 1), 1);
+}
+
+COLOUR ChooseColour(int cell, int drawmode) {
+  if (ColourByRoot(drawmode)) {
     int k = (cell % growthstate.nroots) % 21;
     COLOUR c = {rootcolours[k][0], rootcolours[k][1], rootcolours[k][2]};
     return c;
   }
-  return GetColour(log(cells[cell].weight + 1), 0, log(growthstate.maxweight / 3 + 1), 1);
+  return WeightColour(cells[cell].weight);
 }

@@ -13,4 +13,10 @@ extern const double rootcolours[21][3];
 // ramp, full red from a third of maxweight on. nroots 0 colours by weight.
 COLOUR ChooseColour(int cell, int drawmode);
 
+// 1 when ChooseColour colours by root for this drawing mode.
+int ColourByRoot(int drawmode);
+
+// The colour by weight: what ChooseColour gives a cell of this weight.
+COLOUR WeightColour(double weight);
+
 #endif

@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "app/records.h"
-#include "lib/colour.h"
 #include "lib/primitives_gl.h"
 #include "lib/vector.h"
 #include "surface/stl.h"
@@ -279,16 +278,12 @@ static void PutColour(GLfloat *c, COLOUR k) {
 }
 
 // Weights and maxweight change with every stuck particle: the colours are
-// worked out again for each frame. ChooseColour's choice is made once for the
-// frame here; by weight, the colour is a function of the weight alone, so a
-// weight seen just before (weight 0 above all: the tips) is not worked out
-// again. The same expressions as ChooseColour's give the same colours.
+// worked out again for each frame, by ChooseColour's own rules.
 static void UpdateDLAColours(int drawmode) {
   DLAARRAYS &a = dlaarrays;
-  const GROWTHSTATE &g = growthstate;
   GLfloat *c = a.rgb.data();
 
-  if (g.nroots != 1 && g.nroots != 0 && g.associate && drawmode >= 1 && drawmode <= 3) {
+  if (ColourByRoot(drawmode)) {
     for (int i = 0; i < a.n; i++) {
       if (cells[i].parent < 0) continue;
       PutColour(c, ChooseColour(i, drawmode));
@@ -297,8 +292,9 @@ static void UpdateDLAColours(int drawmode) {
     return;
   }
 
-  double top = log(g.maxweight / 3 + 1);
-  COLOUR tip = GetColour(log(0.0 + 1), 0, top, 1);
+  // By weight a colour depends on the weight alone: reuse the one before
+  // when the weight repeats (weight 0 above all: the tips).
+  COLOUR tip = WeightColour(0);
   double lastweight = 0;
   COLOUR last = tip;
   for (int i = 0; i < a.n; i++) {
@@ -309,7 +305,7 @@ static void UpdateDLAColours(int drawmode) {
     } else {
       if (w != lastweight) {
         lastweight = w;
-        last = GetColour(log(w + 1), 0, top, 1);
+        last = WeightColour(w);
       }
       PutColour(c, last);
     }
