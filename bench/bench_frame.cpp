@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "app/records.h"
+#include "gl/view/scene.h"
 #include "growth/growth.h"
 #include "lib/vector.h"
-#include "view/render.h"
 
 // A random tree of n cells with unit branches: each new cell hangs off a
 // random earlier one, and weights count descendants, as growth would have

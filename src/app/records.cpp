@@ -70,7 +70,7 @@ void SetOptionDefaults(void) {
 }
 
 void SetInterfaceDefaults(void) {
-  interfacestate.button = -1;
+  interfacestate.button = DRAG_NONE;
   interfacestate.shift = 0;
   interfacestate.mousex = 0;
   interfacestate.mousey = 0;

@@ -17,7 +17,7 @@ struct CAMERA {
   double eyesep;       // stereo eye separation
   double near;         // clipping distances
   double far;
-  int stereo;          // 0 mono, 1 active (quad buffer), 2 dual screen
+  int stereo;          // STEREO_*
   int screenwidth;     // window size in pixels
   int screenheight;
 };
@@ -65,7 +65,7 @@ struct GROWTHSTATE {
 };
 
 struct INTERFACESTATE {
-  int button;  // drag button: -1 none yet, 0 left, 1 middle
+  int button;  // DRAG_*: the last drag button pressed
   int shift;
   int mousex;
   int mousey;
@@ -110,6 +110,20 @@ enum { DLADRAW_OFF = 1, DLADRAW_POINTS = 2, DLADRAW_LINES = 3, DLADRAW_FOUR = 4,
 
 // Constraint surface drawing modes (options.stldrawmode).
 enum { STLDRAW_OFF = 1, STLDRAW_WIREFRAME = 2, STLDRAW_MIDPOINTS = 3, STLDRAW_VERTICES = 4, STLDRAW_SOLID = 5 };
+
+// Model formats of the writers, as the save menus pass them.
+enum { MODEL_VRML = 0, MODEL_GEOM = 1, MODEL_STL = 2, MODEL_POVRAY = 3, MODEL_DXFPOINTS = 4, MODEL_GEOMPOINTS = 5 };
+
+// Variants: 0 branches traced into sphere sweeps (POV-Ray only; the other
+// formats write no body), 1 one segment per cell, 2 segments with end caps
+// (VRML).
+enum { MODEL_SWEEP = 0, MODEL_SEGMENTS = 1, MODEL_CAPPED = 2 };
+
+// Drag buttons (interfacestate.button).
+enum { DRAG_NONE = -1, DRAG_LEFT = 0, DRAG_MIDDLE = 1 };
+
+// Stereo modes (camera.stereo).
+enum { STEREO_MONO = 0, STEREO_ACTIVE = 1, STEREO_DUAL = 2 };
 
 #define NSEEDS 1000
 

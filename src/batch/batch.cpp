@@ -8,6 +8,7 @@
 #include <string.h>  // strcmp(), memset()
 #include <unistd.h>  // isatty()
 
+#include "app/startup.h"
 #include "export/model.h"
 #include "export/report.h"
 #include "export/statistics.h"
@@ -424,9 +425,29 @@ static int RunWriters(const BATCHRUN *run, FILE *err) {
   return status;
 }
 
+// A run that can never reach its cell count would spin forever: refused
+// before growth when that can be known, unless a step limit ends it anyway.
+// Returns BATCH_OK or BATCH_USAGE after the message.
+static int CheckReachable(const BATCHRUN *run, FILE *err) {
+  const GROWTHSTATE &g = growthstate;
+  if (ncells >= run->cells || run->steps >= 0) return BATCH_OK;
+  if (ncells == 0) {
+    fprintf(err, "%s: no root is placed (--roots %d, --root-distribution %d): no cell can ever stick "
+            "(give --steps N to run anyway)\n", programname, g.nroots, g.rootdistribution);
+    return BATCH_USAGE;
+  }
+  // With association the next cell must join root class ncells mod nroots,
+  // and no cell of that class exists while ncells < nroots.
+  if (g.associate && ncells < g.nroots) {
+    fprintf(err, "%s: --associate with %d roots but %d placed: the next cell must join root class %d, "
+            "which has no cell (give --steps N to run anyway)\n", programname, g.nroots, ncells, ncells);
+    return BATCH_USAGE;
+  }
+  return BATCH_OK;
+}
+
 int RunBatch(BATCHRUN *run, FILE *err) {
-  InitialiseGrowth();  // start-up's call: the first one applies the defaults
-  SetOptionDefaults();
+  ResetProgram();  // the window's state after start-up, camera home included
   options.debug = run->debug;
   growthsearch = run->search;
   ApplyBatchSettings(run);
@@ -452,6 +473,9 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     InitialiseGrowth();
     ResetSeeds();
   }
+
+  int status = CheckReachable(run, err);
+  if (status != BATCH_OK) return status;
 
   // Created before growth so that a long run is not lost to a mistyped path.
   FILE *csv = NULL;

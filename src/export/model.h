@@ -6,13 +6,7 @@
 
 #include <stdio.h>
 
-// Formats of WriteModel; the values of the menu entries.
-enum { MODEL_VRML = 0, MODEL_GEOM = 1, MODEL_STL = 2, MODEL_POVRAY = 3, MODEL_DXFPOINTS = 4, MODEL_GEOMPOINTS = 5 };
-
-// Variants: 0 branches traced into sphere sweeps (POV-Ray only; the other
-// formats write no body), 1 one segment per cell, 2 segments with end caps
-// (VRML).
-enum { MODEL_SWEEP = 0, MODEL_SEGMENTS = 1, MODEL_CAPPED = 2 };
+#include "app/records.h"  // MODEL_*
 
 // The fixed head and tail of a POV-Ray scene.
 void POVHeader(FILE *fp);

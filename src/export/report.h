@@ -5,11 +5,6 @@
 
 #include <stdio.h>
 
-// The source type line ("Source type: ...") for a source code. The report
-// (report nonzero) names code 9 "Single axis (-x)"; the on-screen overlay
-// (report 0) says "Single axis (-z)". Unknown codes give "Source type: Unknown".
-const char *SourceTypeText(int code, int report);
-
 // Writes the whole report to fp.
 void WriteInformation(FILE *fp);
 

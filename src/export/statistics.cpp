@@ -40,7 +40,7 @@ void BoxCountStart(void) {
   b.nboxes = 0;
   b.save1 = options.stldrawmode;
   b.save2 = options.dladrawmode;
-  options.stldrawmode = 0;
+  options.stldrawmode = 0;  // not a menu mode: nothing drawn
   options.dladrawmode = DLADRAW_LINES;
 }
 

@@ -107,42 +107,35 @@ void WriteTGACompressedRow(FILE *fp, unsigned char *row, int width, int bytesper
 
 void Write_Bitmap(FILE *fp, unsigned char *pixels, int width, int height, int format) {
   int code = abs(format);
-  if (code != 1 && code != 2 && code != 11 && code != 12 && code != 13)
+  if (code != BITMAP_TGA24 && code != BITMAP_PPM && code != BITMAP_TGA32 && code != BITMAP_TGARLE24 &&
+      code != BITMAP_TGARLE32)
     return;  // the other formats of the table are not written by this library
-  if (code == 2)
+  int rle = code == BITMAP_TGARLE24 || code == BITMAP_TGARLE32;
+  int alpha = code == BITMAP_TGA32 || code == BITMAP_TGARLE32;
+  if (code == BITMAP_PPM)
     fprintf(fp, "P6\n%d %d\n255\n", width, height);
   else
-    WriteTGAHeader(fp, width, height, code == 12 || code == 13, code == 11 || code == 13);
+    WriteTGAHeader(fp, width, height, rle, alpha);
   for (int i = 0; i < height; i++) {
     unsigned char *row = pixels + (size_t)4 * width * (format > 0 ? i : height - 1 - i);
-    switch (code) {
-      case 12:
-        WriteTGACompressedRow(fp, row, width, 3);
-        break;
-      case 13:
-        WriteTGACompressedRow(fp, row, width, 4);
-        break;
-      case 1:
-      case 11:
-        for (int j = 0; j < width; j++)
-          PutPixel(fp, row + 4 * j, code == 11 ? 4 : 3);
-        break;
-      case 2:
-        for (int j = 0; j < width; j++)
-          fwrite(row + 4 * j, 1, 3, fp);
-        break;
+    if (code == BITMAP_PPM) {
+      for (int j = 0; j < width; j++) fwrite(row + 4 * j, 1, 3, fp);
+    } else if (rle) {
+      WriteTGACompressedRow(fp, row, width, alpha ? 4 : 3);
+    } else {
+      for (int j = 0; j < width; j++) PutPixel(fp, row + 4 * j, alpha ? 4 : 3);
     }
   }
 }
 
 const char *DumpExtension(int format) {
   switch (abs(format)) {
-    case 1:
-    case 11:
-    case 12:
-    case 13:
+    case BITMAP_TGA24:
+    case BITMAP_TGA32:
+    case BITMAP_TGARLE24:
+    case BITMAP_TGARLE32:
       return "tga";
-    case 2:
+    case BITMAP_PPM:
       return "ppm";
     case 3:
       return "rgb";

@@ -11,6 +11,16 @@
 // Size of the buffer a window dump formats its file name into.
 #define DUMPNAMESIZE 32
 
+// Image formats of Write_Bitmap (the support library's codes; the others of
+// its table, 3 to 9, only have a file extension here).
+enum {
+  BITMAP_TGA24 = 1,
+  BITMAP_PPM = 2,
+  BITMAP_TGA32 = 11,
+  BITMAP_TGARLE24 = 12,
+  BITMAP_TGARLE32 = 13
+};
+
 // width * height * 4 bytes, uninitialised; null on failure.
 unsigned char *Create_Bitmap(int width, int height);
 void Destroy_Bitmap(unsigned char *pixels);

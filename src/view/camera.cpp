@@ -1,11 +1,17 @@
 #include "view/camera.h"
 
+#include <math.h>  // tan()
+
 #include "app/records.h"
 
+// The first home also sets mono and the window size; later ones keep them.
+static int homed = 0;
+
+void ForgetCameraHome(void) { homed = 0; }
+
 void CameraHome(void) {
-  static bool first = false;
-  if (!first) {
-    camera.stereo = 0;
+  if (!homed) {
+    camera.stereo = STEREO_MONO;
     camera.screenwidth = 800;
     camera.screenheight = 600;
   }
@@ -28,7 +34,7 @@ void CameraHome(void) {
   camera.pr.z = 0;
   Normalise(&camera.vd);
   Normalise(&camera.vu);
-  first = true;
+  homed = 1;
 }
 
 void RotateCamera(double ix, double iy, double iz) {
@@ -71,4 +77,53 @@ void DollyCamera(int closer) {
   camera.vp.x *= s;
   camera.vp.y *= s;
   camera.vp.z *= s;
+}
+
+void FrameCamera(void) {
+  camera.focallength = Modulus(camera.vp);
+  camera.eyesep = camera.focallength / 30;
+  camera.near = camera.focallength / 10;
+  camera.far = camera.focallength * 10;
+}
+
+EYEVIEW EyeView(int eye) {
+  int w = camera.screenwidth;
+  int h = camera.screenheight;
+  int dual = camera.stereo == STEREO_DUAL;
+  double ratio = w / (double)h;
+  if (dual) ratio *= 0.5;
+  double halfheight = camera.near * tan(camera.aperture * DTOR * 0.5);
+  double shift = 0.5 * camera.eyesep * camera.near / camera.focallength;
+  XYZ right = CrossProduct(camera.vd, camera.vu);
+  Normalise(&right);
+  right.x *= camera.eyesep / 2;
+  right.y *= camera.eyesep / 2;
+  right.z *= camera.eyesep / 2;
+
+  EYEVIEW v;
+  v.bottom = -halfheight;
+  v.top = halfheight;
+  v.near = camera.near;
+  v.far = camera.far;
+  v.x = 0;
+  v.y = 0;
+  v.width = w;
+  v.height = h;
+  v.eye = camera.vp;
+  if (eye == EYE_MONO) {
+    v.left = -ratio * halfheight;
+    v.right = ratio * halfheight;
+    return v;
+  }
+  double sign = eye == EYE_RIGHT ? 1 : -1;
+  v.left = -ratio * halfheight - sign * shift;
+  v.right = ratio * halfheight - sign * shift;
+  if (dual) {
+    v.width = w / 2;
+    if (eye == EYE_RIGHT) v.x = w / 2;
+  }
+  v.eye.x = camera.vp.x + sign * right.x;
+  v.eye.y = camera.vp.y + sign * right.y;
+  v.eye.z = camera.vp.z + sign * right.z;
+  return v;
 }

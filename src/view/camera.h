@@ -3,22 +3,47 @@
 #ifndef DLA_VIEW_CAMERA_H
 #define DLA_VIEW_CAMERA_H
 
+#include "lib/vector.h"
+
 // Home view. The first call also sets mono and an 800 x 600 window; later
 // calls keep the stereo mode and the window size.
 void CameraHome(void);
+
+// Makes the next CameraHome a first one again (a program reset).
+void ForgetCameraHome(void);
 
 // Turns the view: ix about the up vector, iy about the right vector, iz about
 // the view direction (radians). A zero angle skips that turn.
 void RotateCamera(double ix, double iy, double iz);
 
-// Zoom by field of view: in != 0 narrows the aperture by 0.95 while it is
+// Zoom by field of view: ZOOM_IN narrows the aperture by 0.95 while it is
 // above 1 degree, else widens it by 1/0.95 while it is below 90. The limit
 // is tested before the step, so the ends are just below 1 and just at or
 // above 90.
+enum { ZOOM_OUT = 0, ZOOM_IN = 1 };
 void ZoomCamera(int in);
 
-// Moves the eye along its own direction: closer != 0 scales |vp| by 0.95,
+// Moves the eye along its own direction: DOLLY_CLOSER scales |vp| by 0.95,
 // else by 1/0.95. No bounds; vd is left alone.
+enum { DOLLY_AWAY = 0, DOLLY_CLOSER = 1 };
 void DollyCamera(int closer);
+
+// The projection of one eye for the frame being drawn: glFrustum bounds at
+// the near plane, the viewport, and the eye, which looks along vd with vu up.
+struct EYEVIEW {
+  double left, right, bottom, top, near, far;
+  int x, y, width, height;
+  XYZ eye;
+};
+enum { EYE_MONO = 0, EYE_RIGHT, EYE_LEFT };
+
+// Every frame: focallength = |vp|, and eyesep, near and far from it, so
+// dollying moves the clip planes and the eye separation with the eye.
+void FrameCamera(void);
+
+// One eye's view for the window size and stereo mode in camera. Side by
+// side stereo gives each eye half the window (integer halving), the right
+// eye the right half; the eyes sit half the separation either side of vp.
+EYEVIEW EyeView(int eye);
 
 #endif

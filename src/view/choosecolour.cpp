@@ -13,7 +13,7 @@ const double rootcolours[21][3] = {
 int ColourByRoot(int drawmode) {
   // nroots 0 would divide by zero below; it has no roots to tell apart anyway.
   return growthstate.nroots != 1 && growthstate.nroots != 0 && growthstate.associate &&
-         drawmode >= 1 && drawmode <= 3;
+         drawmode >= DLADRAW_OFF && drawmode <= DLADRAW_LINES;
 }
 
 COLOUR WeightColour(double weight) {

@@ -3,79 +3,79 @@
 #include "app/records.h"
 
 const MENUENTRY mainmenu[] = {
-    {"Settings", 2, -1},
+    {"Settings", MAINMENU_SETTINGS, -1},
     {"Save DLA as", 0, SUBMENU_SAVE},
-    {"Save constraint surface to STL file", 4, -1},
-    {"Compute/save slices", 7, -1},
-    {"Save simulation information", 6, -1},
-    {"Read constraint surface from STL file", 1, -1},
-    {"Read seeds", 5, -1},
-    {"-", 50, -1},
+    {"Save constraint surface to STL file", MAINMENU_SAVESTL, -1},
+    {"Compute/save slices", MAINMENU_SLICES, -1},
+    {"Save simulation information", MAINMENU_SAVEINFO, -1},
+    {"Read constraint surface from STL file", MAINMENU_READSTL, -1},
+    {"Read seeds", MAINMENU_READSEEDS, -1},
+    {"-", MAINMENU_SEPARATOR, -1},
     {"DLA drawing mode", 0, SUBMENU_DLA},
     {"Constraint surface drawing mode", 0, SUBMENU_STL},
-    {"-", 50, -1},
+    {"-", MAINMENU_SEPARATOR, -1},
     {"New particle distribution", 0, SUBMENU_SOURCE},
     {"Sample constraint surfaces", 0, SUBMENU_SAMPLE},
-    {"Transform constraint surface", 3, -1},
+    {"Transform constraint surface", MAINMENU_TRANSFORM, -1},
     {"Initial root distribution", 0, SUBMENU_ROOT},
-    {"-", 60, -1},
-    {"Toggle extras (f1)", 10, -1},
-    {"Toggle info (f2)", 11, -1},
-    {"Pause / Continue (f3)", 12, -1},
-    {"Restart simulation (f4)", 13, -1},
-    {"Calculate statistics (f5)", 14, -1},
-    {"-", 50, -1},
-    {"Quit (q)", 100, -1},
+    {"-", MAINMENU_SEPARATOR2, -1},
+    {"Toggle extras (f1)", MAINMENU_EXTRAS, -1},
+    {"Toggle info (f2)", MAINMENU_INFO, -1},
+    {"Pause / Continue (f3)", MAINMENU_PAUSE, -1},
+    {"Restart simulation (f4)", MAINMENU_RESTART, -1},
+    {"Calculate statistics (f5)", MAINMENU_STATISTICS, -1},
+    {"-", MAINMENU_SEPARATOR, -1},
+    {"Quit (q)", MAINMENU_QUIT, -1},
 };
 const int nmainmenu = sizeof(mainmenu) / sizeof(mainmenu[0]);
 
 const MENUENTRY savemenu[] = {
-    {"PovRay (Sphere sweep)", 1, -1},
-    {"PovRay (Cylinders + Spheres)", 2, -1},
-    {"GEOM (Cylinders + Spheres)", 3, -1},
-    {"VRML (Cylinders + Spheres)", 4, -1},
-    {"VRML (Cylinders + Endcaps + Spheres)", 5, -1},
-    {"Point cloud as DXF", 6, -1},
-    {"Point cloud as GEOM", 7, -1},
+    {"PovRay (Sphere sweep)", SAVEMENU_POVSWEEP, -1},
+    {"PovRay (Cylinders + Spheres)", SAVEMENU_POVSEGMENTS, -1},
+    {"GEOM (Cylinders + Spheres)", SAVEMENU_GEOM, -1},
+    {"VRML (Cylinders + Spheres)", SAVEMENU_VRML, -1},
+    {"VRML (Cylinders + Endcaps + Spheres)", SAVEMENU_VRMLCAPS, -1},
+    {"Point cloud as DXF", SAVEMENU_DXFPOINTS, -1},
+    {"Point cloud as GEOM", SAVEMENU_GEOMPOINTS, -1},
 };
 const int nsavemenu = sizeof(savemenu) / sizeof(savemenu[0]);
 
 // 4 is not offered: the drawing code gives the values their meaning.
 const MENUENTRY dlamenu[] = {
-    {"Off", 1, -1},
-    {"Points", 2, -1},
-    {"Lines", 3, -1},
-    {"Tubes (Slow)", 5, -1},
+    {"Off", DLADRAW_OFF, -1},
+    {"Points", DLADRAW_POINTS, -1},
+    {"Lines", DLADRAW_LINES, -1},
+    {"Tubes (Slow)", DLADRAW_TUBES, -1},
 };
 const int ndlamenu = sizeof(dlamenu) / sizeof(dlamenu[0]);
 
 const MENUENTRY stlmenu[] = {
-    {"Off", 1, -1},
-    {"Faces, wireframe", 2, -1},
-    {"Mid points of faces", 3, -1},
-    {"Face vertices", 4, -1},
-    {"Faces, solid", 5, -1},
+    {"Off", STLDRAW_OFF, -1},
+    {"Faces, wireframe", STLDRAW_WIREFRAME, -1},
+    {"Mid points of faces", STLDRAW_MIDPOINTS, -1},
+    {"Face vertices", STLDRAW_VERTICES, -1},
+    {"Faces, solid", STLDRAW_SOLID, -1},
 };
 const int nstlmenu = sizeof(stlmenu) / sizeof(stlmenu[0]);
 
 const MENUENTRY sourcemenu[] = {
-    {"Sphere", 1, -1},
-    {"Single axis (+x)", 2, -1},
-    {"Single axis (-x)", 3, -1},
-    {"Double axis (x)", 4, -1},
-    {"Single axis (+y)", 5, -1},
-    {"Single axis (-y)", 6, -1},
-    {"Double axis (y)", 7, -1},
-    {"Single axis (+z)", 8, -1},
-    {"Single axis (-z)", 9, -1},
-    {"Double axis (z)", 10, -1},
-    {"Plane (x)", 11, -1},
-    {"Plane (y)", 12, -1},
-    {"Plane (z)", 13, -1},
-    {"Hemisphere (x)", 14, -1},
-    {"Hemisphere (y)", 15, -1},
-    {"Hemisphere (z)", 16, -1},
-    {"STL surface", 17, -1},
+    {"Sphere", SOURCE_SPHERE, -1},
+    {"Single axis (+x)", SOURCE_PLUSX, -1},
+    {"Single axis (-x)", SOURCE_MINUSX, -1},
+    {"Double axis (x)", SOURCE_DOUBLEX, -1},
+    {"Single axis (+y)", SOURCE_PLUSY, -1},
+    {"Single axis (-y)", SOURCE_MINUSY, -1},
+    {"Double axis (y)", SOURCE_DOUBLEY, -1},
+    {"Single axis (+z)", SOURCE_PLUSZ, -1},
+    {"Single axis (-z)", SOURCE_MINUSZ, -1},
+    {"Double axis (z)", SOURCE_DOUBLEZ, -1},
+    {"Plane (x)", SOURCE_PLANEX, -1},
+    {"Plane (y)", SOURCE_PLANEY, -1},
+    {"Plane (z)", SOURCE_PLANEZ, -1},
+    {"Hemisphere (x)", SOURCE_HEMIX, -1},
+    {"Hemisphere (y)", SOURCE_HEMIY, -1},
+    {"Hemisphere (z)", SOURCE_HEMIZ, -1},
+    {"STL surface", SOURCE_STL, -1},
 };
 const int nsourcemenu = sizeof(sourcemenu) / sizeof(sourcemenu[0]);
 
@@ -93,8 +93,11 @@ const MENUENTRY rootmenu[] = {
 const int nrootmenu = sizeof(rootmenu) / sizeof(rootmenu[0]);
 
 int SaveMenuFormat(int value, int *format, int *variant) {
-  static const int table[7][2] = {{3, 0}, {3, 1}, {1, 1}, {0, 1}, {0, 2}, {4, 1}, {5, 1}};
-  if (value < 1 || value > 7) return 0;
+  static const int table[7][2] = {{MODEL_POVRAY, MODEL_SWEEP},    {MODEL_POVRAY, MODEL_SEGMENTS},
+                                  {MODEL_GEOM, MODEL_SEGMENTS},    {MODEL_VRML, MODEL_SEGMENTS},
+                                  {MODEL_VRML, MODEL_CAPPED},      {MODEL_DXFPOINTS, MODEL_SEGMENTS},
+                                  {MODEL_GEOMPOINTS, MODEL_SEGMENTS}};
+  if (value < SAVEMENU_POVSWEEP || value > SAVEMENU_GEOMPOINTS) return 0;
   *format = table[value - 1][0];
   *variant = table[value - 1][1];
   return 1;

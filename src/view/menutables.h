@@ -7,6 +7,36 @@
 // Sub-menus, in the order CreateMenus makes them.
 enum { SUBMENU_STL = 0, SUBMENU_SAVE, SUBMENU_DLA, SUBMENU_SAMPLE, SUBMENU_SOURCE, SUBMENU_ROOT, NSUBMENUS };
 
+// Values of the main menu's entries; the separators' values are ignored.
+enum {
+  MAINMENU_READSTL = 1,
+  MAINMENU_SETTINGS = 2,
+  MAINMENU_TRANSFORM = 3,
+  MAINMENU_SAVESTL = 4,
+  MAINMENU_READSEEDS = 5,
+  MAINMENU_SAVEINFO = 6,
+  MAINMENU_SLICES = 7,
+  MAINMENU_EXTRAS = 10,
+  MAINMENU_INFO = 11,
+  MAINMENU_PAUSE = 12,
+  MAINMENU_RESTART = 13,
+  MAINMENU_STATISTICS = 14,
+  MAINMENU_SEPARATOR = 50,
+  MAINMENU_SEPARATOR2 = 60,
+  MAINMENU_QUIT = 100
+};
+
+// Values of the save menu's entries, top to bottom.
+enum {
+  SAVEMENU_POVSWEEP = 1,
+  SAVEMENU_POVSEGMENTS,
+  SAVEMENU_GEOM,
+  SAVEMENU_VRML,
+  SAVEMENU_VRMLCAPS,
+  SAVEMENU_DXFPOINTS,
+  SAVEMENU_GEOMPOINTS
+};
+
 // One entry: a label with the value its callback receives, or (submenu not
 // below 0) a label that opens sub-menu SUBMENU_*.
 struct MENUENTRY {

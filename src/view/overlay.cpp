@@ -4,8 +4,35 @@
 #include <stdio.h>
 
 #include "app/records.h"
-#include "export/report.h"
 #include "surface/stl.h"
+
+static const char *sourcetypes[18] = {
+    "Source type: Unknown",
+    "Source type: Sphere",
+    "Source type: Single axis (+x)",
+    "Source type: Single axis (-x)",
+    "Source type: Double axis (x)",
+    "Source type: Single axis (+y)",
+    "Source type: Single axis (-y)",
+    "Source type: Double axis (y)",
+    "Source type: Single axis (+z)",
+    "Source type: Single axis (-z)",
+    "Source type: Double axis (z)",
+    "Source type: Plane (x)",
+    "Source type: Plane (y)",
+    "Source type: Plane (z)",
+    "Source type: Hemisphere (x)",
+    "Source type: Hemisphere (y)",
+    "Source type: Hemisphere (z)",
+    "Source type: STL surface",
+};
+
+const char *SourceTypeText(int code, int report) {
+  if (code < 1 || code > 17) return sourcetypes[0];
+  // The written report names this one "-x", unlike the overlay; kept as it is.
+  if (report && code == SOURCE_MINUSZ) return "Source type: Single axis (-x)";
+  return sourcetypes[code];
+}
 
 // Appends one formatted line cut to size - 1 characters; lines beyond max
 // are dropped.

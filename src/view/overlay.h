@@ -29,4 +29,9 @@ int InfoLines(OVERLAYLINE *lines, int max, int screenheight);
 // number of lines filled, at most max.
 int StatisticsLines(OVERLAYLINE *lines, int max, int screenwidth, int screenheight);
 
+// The source type line ("Source type: ...") for a source code. The report
+// (report nonzero) names code 9 "Single axis (-x)"; the on-screen overlay
+// (report 0) says "Single axis (-z)". Unknown codes give "Source type: Unknown".
+const char *SourceTypeText(int code, int report);
+
 #endif

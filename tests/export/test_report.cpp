@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "export/report.h"
+#include "view/overlay.h"
 #include "export_helpers.h"
 
 static const char *kSettingsOneRoot =

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "app/records.h"
+#include "gl/view/scene.h"
 #include "growth/growth.h"
 #include "lib/vector.h"
-#include "view/render.h"
 
 static const int kWidth = 320;
 static const int kHeight = 240;

@@ -1,4 +1,4 @@
-#include "view/overlay_gl.h"
+#include "desktop/view/overlay_gl.h"
 
 #include <GL/glut.h>
 

@@ -1,8 +1,8 @@
 // The four dialog forms: settings, constraint surface transform, slicing and
 // message. Created hidden at start-up, shown from the menus, polled by the
 // idle driver. Desktop only (XForms).
-#ifndef DLA_FORMS_FORMS_H
-#define DLA_FORMS_FORMS_H
+#ifndef DLA_DESKTOP_FORMS_FORMS_H
+#define DLA_DESKTOP_FORMS_FORMS_H
 
 #include <forms.h>
 

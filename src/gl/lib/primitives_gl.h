@@ -1,7 +1,7 @@
 // Primitive meshes drawn with OpenGL immediate mode in the current colour.
 // They change no other GL state. Geometry: see lib/primitives.h.
-#ifndef DLA_LIB_PRIMITIVES_GL_H
-#define DLA_LIB_PRIMITIVES_GL_H
+#ifndef DLA_GL_LIB_PRIMITIVES_GL_H
+#define DLA_GL_LIB_PRIMITIVES_GL_H
 
 #include "lib/vector.h"
 

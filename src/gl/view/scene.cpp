@@ -1,138 +1,46 @@
-// Drawing of the scene.
+// OpenGL drawing of the scene, with no window system: the desktop program
+// and offscreen rendering share it.
 //
-// [SECTION] Display: projection per eye, draw order, overlays, dumps
+// [SECTION] Eye: projection, viewport and viewpoint of one eye
 // [SECTION] Environment: the fixed GL state of a drawing mode
 // [SECTION] Aggregate: points and lines from vertex arrays, tubes
 // [SECTION] Constraint surface: the display list
 // [SECTION] Extras: circles, axes, release points, spheres
-#include "view/render.h"
+#include "gl/view/scene.h"
 
 #include <GL/glu.h>
-#include <GL/glut.h>
 #include <math.h>
 #include <string.h>  // memcmp()
 
 #include <vector>
 
 #include "app/records.h"
-#include "lib/primitives_gl.h"
+#include "gl/lib/primitives_gl.h"
 #include "lib/vector.h"
 #include "surface/stl.h"
-#include "view/boxcount_gl.h"
 #include "view/choosecolour.h"
-#include "view/overlay_gl.h"
-#include "view/windowdump.h"
 
 // ---------------------------------------------------------------------------
-// [SECTION] Display
+// [SECTION] Eye: projection, viewport and viewpoint of one eye
 
-static void LookFrom(XYZ eye) {
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  gluLookAt(eye.x, eye.y, eye.z, eye.x + camera.vd.x, eye.y + camera.vd.y, eye.z + camera.vd.z,
-            camera.vu.x, camera.vu.y, camera.vu.z);
-}
-
-static void Frustum(double left, double right, double halfheight) {
+void LookThrough(const EYEVIEW *v) {
+  glViewport(v->x, v->y, v->width, v->height);
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
-  glFrustum(left, right, -halfheight, halfheight, camera.near, camera.far);
-}
-
-void HandleDisplay(void) {
-  // Recomputed every frame, so dollying moves the clip planes and the eye
-  // separation with the eye.
-  camera.focallength = Modulus(camera.vp);
-  camera.eyesep = camera.focallength / 30;
-  camera.near = camera.focallength / 10;
-  camera.far = camera.focallength * 10;
-
-  int w = camera.screenwidth;
-  int h = camera.screenheight;
-  double ratio = w / (double)h;
-  if (camera.stereo == 2) ratio *= 0.5;  // each eye gets half the window
-  double halfheight = camera.near * tan(camera.aperture * 0.0174532925 * 0.5);
-
-  XYZ right = CrossProduct(camera.vd, camera.vu);
-  Normalise(&right);
-  right.x *= camera.eyesep / 2;
-  right.y *= camera.eyesep / 2;
-  right.z *= camera.eyesep / 2;
-
-  if (camera.stereo == 0) {
-    glDrawBuffer(GL_BACK);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glViewport(0, 0, w, h);
-    glFrustum(-ratio * halfheight, ratio * halfheight, -halfheight, halfheight, camera.near,
-              camera.far);
-    LookFrom(camera.vp);
-    DrawSTL(options.stldrawmode, 0);
-    DrawDLA(options.dladrawmode);
-  } else {
-    double shift = 0.5 * camera.eyesep * camera.near / camera.focallength;
-    XYZ eye;
-
-    if (camera.stereo == 2) {
-      glDrawBuffer(GL_BACK);
-    } else {
-      glDrawBuffer(GL_BACK_RIGHT);
-    }
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-
-    // Right eye; its overlays are drawn here, the left eye's below.
-    Frustum(-ratio * halfheight - shift, ratio * halfheight - shift, halfheight);
-    if (camera.stereo == 2)
-      glViewport(w / 2, 0, w / 2, h);
-    else
-      glViewport(0, 0, w, h);
-    eye.x = camera.vp.x + right.x;
-    eye.y = camera.vp.y + right.y;
-    eye.z = camera.vp.z + right.z;
-    LookFrom(eye);
-    // In stereo the aggregate goes before the surface, unlike mono.
-    DrawDLA(options.dladrawmode);
-    DrawSTL(options.stldrawmode, 0);
-    DrawExtras();
-    DrawInfo();
-    CalcBoxCount(0, 1);
-    DrawStatistics(0);
-
-    if (camera.stereo == 1) {
-      glDrawBuffer(GL_BACK_LEFT);
-      glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    }
-
-    // Left eye.
-    Frustum(-ratio * halfheight + shift, ratio * halfheight + shift, halfheight);
-    if (camera.stereo == 2)
-      glViewport(0, 0, w / 2, h);
-    else
-      glViewport(0, 0, w, h);
-    eye.x = camera.vp.x - right.x;
-    eye.y = camera.vp.y - right.y;
-    eye.z = camera.vp.z - right.z;
-    LookFrom(eye);
-    DrawDLA(options.dladrawmode);
-    DrawSTL(options.stldrawmode, 0);
-  }
-
-  DrawExtras();
-  DrawInfo();
-  CalcBoxCount(0, 1);
-  DrawStatistics(0);
-
-  if (options.record || options.windowdump) {
-    WindowDump("", w, h, camera.stereo == 1, 12);
-    options.windowdump = 0;  // record stays on until r is pressed again
-  }
-
-  glutSwapBuffers();
+  glFrustum(v->left, v->right, v->bottom, v->top, v->near, v->far);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  gluLookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y,
+            v->eye.z + camera.vd.z, camera.vu.x, camera.vu.y, camera.vu.z);
 }
 
 // ---------------------------------------------------------------------------
 // [SECTION] Environment
+
+// The filled, lit mode: "Tubes (Slow)" of the aggregate and "Faces, solid"
+// of the surface share the code.
+static_assert((int)DLADRAW_TUBES == (int)STLDRAW_SOLID, "one filled mode for both drawings");
+enum { FILLED = STLDRAW_SOLID };
 
 void CreateEnvironment(int drawmode) {
   static const GLfloat white[4] = {1, 1, 1, 1};
@@ -156,7 +64,7 @@ void CreateEnvironment(int drawmode) {
   glDisable(GL_CULL_FACE);
 
   // Only the solid mode fills; surface mode 2 shows its triangles as lines.
-  if (drawmode == 5) {
+  if (drawmode == FILLED) {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     glShadeModel(GL_SMOOTH);
   } else {
@@ -174,7 +82,7 @@ void CreateEnvironment(int drawmode) {
   glLightModeli(GL_LIGHT_MODEL_LOCAL_VIEWER, 1);
   glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 0);
 
-  if (drawmode == 5) {
+  if (drawmode == FILLED) {
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
     // Given in the current eye's model-view, so the lights stay fixed in
     // model space.
@@ -325,7 +233,7 @@ static void DrawDLAArrays(int drawmode) {
 
   glEnableClientState(GL_VERTEX_ARRAY);
   glEnableClientState(GL_COLOR_ARRAY);
-  if (drawmode == 2) {
+  if (drawmode == DLADRAW_POINTS) {
     GLsizei stride = 6 * sizeof(GLfloat);  // the cell end of each line
     glVertexPointer(3, GL_FLOAT, stride, a.xyz.data());
     glColorPointer(3, GL_FLOAT, stride, a.rgb.data());
@@ -345,35 +253,35 @@ static void DrawDLAArrays(int drawmode) {
 }
 
 void DrawDLA(int drawmode) {
-  if (drawmode < 2 || drawmode > 5) return;
+  if (drawmode < DLADRAW_POINTS || drawmode > DLADRAW_TUBES) return;
   CreateEnvironment(drawmode);
 
-  if ((drawmode == 2 || drawmode == 3) && !drawimmediate) {
+  if ((drawmode == DLADRAW_POINTS || drawmode == DLADRAW_LINES) && !drawimmediate) {
     DrawDLAArrays(drawmode);
     return;
   }
 
   switch (drawmode) {
-    case 2:
+    case DLADRAW_POINTS:
       glBegin(GL_POINTS);
       for (int i = 0; i < ncells; i++) {
         if (cells[i].parent < 0) continue;  // roots are not drawn
-        CellColour(i, 2);
+        CellColour(i, DLADRAW_POINTS);
         Vertex(cells[i].p);
       }
       glEnd();
       break;
-    case 3:
+    case DLADRAW_LINES:
       glBegin(GL_LINES);
       for (int i = 0; i < ncells; i++) {
         if (cells[i].parent < 0) continue;
-        CellColour(i, 3);
+        CellColour(i, DLADRAW_LINES);
         Vertex(cells[i].p);
         Vertex(cells[cells[i].parent].p);
       }
       glEnd();
       break;
-    case 5: {
+    case DLADRAW_TUBES: {
       // Radius grows with the logarithm of the weight, from thickend at
       // weight 0 to thickstart at maxweight. maxweight 0 is not guarded:
       // there is then no non-root cell to draw.
@@ -382,13 +290,13 @@ void DrawDLA(int drawmode) {
       for (int i = 0; i < ncells; i++) {
         int j = cells[i].parent;
         if (j < 0) continue;
-        CellColour(i, 5);
+        CellColour(i, DLADRAW_TUBES);
         CreateCone(cells[j].p, cells[i].p, log(cells[j].weight + 1) * scale + g.thickend,
                    log(cells[i].weight + 1) * scale + g.thickend, 10, 0, TWOPI);
       }
       break;
     }
-    default:  // 4: the environment only
+    default:  // DLADRAW_FOUR: the environment only
       break;
   }
 }
@@ -399,7 +307,7 @@ void DrawDLA(int drawmode) {
 void DrawSTL(int drawmode, int rebuild) {
   static int listindex = -1;
 
-  if (drawmode < 2 || drawmode > 5) return;  // the list is kept
+  if (drawmode < STLDRAW_WIREFRAME || drawmode > STLDRAW_SOLID) return;  // the list is kept
   CreateEnvironment(drawmode);
   if (!rebuild && listindex >= 0) {
     glCallList(listindex);
@@ -411,24 +319,24 @@ void DrawSTL(int drawmode, int rebuild) {
   // Compiled only: the surface shows from the next frame on.
   glNewList(listindex, GL_COMPILE);
   switch (drawmode) {
-    case 2:
+    case STLDRAW_WIREFRAME:
       glColor3f(0.5, 0.5, 0.5);
       glBegin(GL_TRIANGLES);
       for (int i = 0; i < nstltri; i++)
         for (int k = 0; k < 3; k++) Vertex(stltri[i].p[k]);
       break;
-    case 3:
+    case STLDRAW_MIDPOINTS:
       glColor3f(1, 1, 1);
       glBegin(GL_POINTS);
       for (int i = 0; i < nstltri; i++) Vertex(stltri[i].mid);
       break;
-    case 4:
+    case STLDRAW_VERTICES:
       glColor3f(1, 1, 1);
       glBegin(GL_POINTS);
       for (int i = 0; i < nstltri; i++)
         for (int k = 0; k < 3; k++) Vertex(stltri[i].p[k]);
       break;
-    case 5:
+    case STLDRAW_SOLID:
       glColor3f(0.5, 0.5, 0.5);
       glBegin(GL_TRIANGLES);
       for (int i = 0; i < nstltri; i++) {

@@ -1,7 +1,7 @@
 // The idle driver: growth, statistics, form polling and redisplay pacing all
 // run in the GLUT idle callback.
-#ifndef DLA_GROWTH_IDLE_H
-#define DLA_GROWTH_IDLE_H
+#ifndef DLA_DESKTOP_GROWTH_IDLE_H
+#define DLA_DESKTOP_GROWTH_IDLE_H
 
 // GLUT idle callback.
 void HandleIdle(void);

@@ -1,14 +1,14 @@
 // The dialog forms: layout (in the form designer's style), refresh from the
 // records, and what their buttons do.
-#include "forms/forms.h"
+#include "desktop/forms/forms.h"
 
 #include <stdio.h>   // snprintf()
 #include <stdlib.h>  // exit()
 
 #include "app/records.h"
 #include "forms/readback.h"
+#include "gl/view/scene.h"
 #include "surface/slice.h"
-#include "view/render.h"
 
 FD_settingform *settingform = NULL;
 FD_stlform *stlform = NULL;
@@ -293,7 +293,7 @@ void CheckSTLForm(FL_OBJECT *obj) {
                            fl_get_input(stlform->rotatex), fl_get_input(stlform->rotatey),
                            fl_get_input(stlform->rotatez)};
     ApplyTransformText(text);
-    DrawSTL(options.stldrawmode, 1);
+    DrawSTL(options.stldrawmode, STL_REBUILD);
     UpdateForms();
   }
 }

@@ -1,7 +1,7 @@
 // The GLUT input callbacks of the drawing window. They only change records
 // or start actions; the idle driver redraws.
-#ifndef DLA_VIEW_INPUT_H
-#define DLA_VIEW_INPUT_H
+#ifndef DLA_DESKTOP_VIEW_INPUT_H
+#define DLA_DESKTOP_VIEW_INPUT_H
 
 void HandleKeyboard(unsigned char key, int x, int y);
 void HandleSpecialKeyboard(int key, int x, int y);

@@ -1,16 +1,17 @@
-#include "view/menus.h"
+#include "desktop/view/menus.h"
 
 #include <GL/glut.h>
 #include <stdlib.h>  // exit()
 
 #include "app/records.h"
+#include "desktop/forms/filedialogs.h"
+#include "desktop/forms/forms.h"
+#include "export/model.h"
 #include "export/statistics.h"
-#include "forms/filedialogs.h"
-#include "forms/forms.h"
+#include "gl/view/scene.h"
 #include "growth/growth.h"
 #include "surface/samples.h"
 #include "view/menutables.h"
-#include "view/render.h"
 
 static int CreateMenu(void (*callback)(int), const MENUENTRY *entries, int n) {
   int id = glutCreateMenu(callback);
@@ -48,46 +49,46 @@ static void ShowRefreshedForm(FL_FORM *form, int *visible) {
 
 void HandleMainMenu(int value) {
   switch (value) {
-    case 1:
+    case MAINMENU_READSTL:
       ReadSTL();
       // Make a newly read surface visible.
-      if (options.stldrawmode < 2) options.stldrawmode = 2;
-      DrawSTL(options.stldrawmode, 1);
+      if (options.stldrawmode < STLDRAW_WIREFRAME) options.stldrawmode = STLDRAW_WIREFRAME;
+      DrawSTL(options.stldrawmode, STL_REBUILD);
       break;
-    case 2:
+    case MAINMENU_SETTINGS:
       ShowRefreshedForm(settingform->settingform, &settingformvisible);
       break;
-    case 3:
+    case MAINMENU_TRANSFORM:
       ShowRefreshedForm(stlform->stlform, &stlformvisible);
       break;
-    case 4:
-      SaveModel(2, 0);
+    case MAINMENU_SAVESTL:
+      SaveModel(MODEL_STL, MODEL_SWEEP);
       break;
-    case 5:
+    case MAINMENU_READSEEDS:
       ReadRoots();
       break;
-    case 6:
+    case MAINMENU_SAVEINFO:
       SaveInformation();
       break;
-    case 7:
+    case MAINMENU_SLICES:
       ShowRefreshedForm(sliceform->sliceform, &sliceformvisible);
       break;
-    case 10:
+    case MAINMENU_EXTRAS:
       options.showextras = !options.showextras;
       break;
-    case 11:
+    case MAINMENU_INFO:
       options.showinfo = !options.showinfo;
       break;
-    case 12:
+    case MAINMENU_PAUSE:
       growthstate.growing = !growthstate.growing;
       break;
-    case 13:
+    case MAINMENU_RESTART:
       InitialiseGrowth();
       break;
-    case 14:
+    case MAINMENU_STATISTICS:
       Statistics();
       break;
-    case 100:
+    case MAINMENU_QUIT:
       exit(0);
   }
 }
@@ -101,7 +102,7 @@ void HandleDLAMenu(int value) { options.dladrawmode = value; }
 
 void HandleSTLMenu(int value) {
   options.stldrawmode = value;
-  DrawSTL(options.stldrawmode, 1);
+  DrawSTL(options.stldrawmode, STL_REBUILD);
 }
 
 void HandleSourceMenu(int value) { growthstate.sourcetype = value; }
@@ -110,5 +111,5 @@ void HandleRootMenu(int value) { SetRootDistribution(value); }
 
 void HandleSampleMenu(int value) {
   MakeSampleSurface(value);
-  DrawSTL(options.stldrawmode, 1);
+  DrawSTL(options.stldrawmode, STL_REBUILD);
 }

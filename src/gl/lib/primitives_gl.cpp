@@ -1,5 +1,5 @@
 // The primitive meshes sent straight to OpenGL.
-#include "lib/primitives_gl.h"
+#include "gl/lib/primitives_gl.h"
 
 #include <GL/gl.h>
 

@@ -1,6 +1,6 @@
 // The pop-up menus of the drawing window (right mouse button).
-#ifndef DLA_VIEW_MENUS_H
-#define DLA_VIEW_MENUS_H
+#ifndef DLA_DESKTOP_VIEW_MENUS_H
+#define DLA_DESKTOP_VIEW_MENUS_H
 
 // Builds the menu tree once, after the window exists, and attaches the main
 // menu to the right button.

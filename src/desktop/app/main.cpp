@@ -7,15 +7,16 @@
 
 #include "app/cmdline.h"
 #include "app/records.h"
+#include "app/startup.h"
+#include "desktop/forms/forms.h"
+#include "desktop/growth/idle.h"
+#include "desktop/view/boxcount_gl.h"
+#include "desktop/view/display.h"
+#include "desktop/view/input.h"
+#include "desktop/view/menus.h"
 #include "export/statistics.h"
-#include "forms/forms.h"
 #include "growth/growth.h"
-#include "growth/idle.h"
-#include "view/boxcount_gl.h"
 #include "view/camera.h"
-#include "view/input.h"
-#include "view/menus.h"
-#include "view/render.h"
 
 // Writes the usage text to standard error and ends the process with -1.
 static void GiveUsage(const char *programname) {
@@ -24,15 +25,11 @@ static void GiveUsage(const char *programname) {
 }
 
 int main(int argc, char **argv) {
-  // Growth initialisation comes first, so the aggregate holds its roots
-  // before the first frame.
-  InitialiseGrowth();
+  // Growth first, so the aggregate holds its roots before the first frame;
+  // then the camera, option and interface defaults.
+  ResetProgram();
   // However a box count ends, the statistics overlay is armed.
   boxcountdone = BoxCountDone;
-
-  CameraHome();
-  SetOptionDefaults();
-  SetInterfaceDefaults();
   if (ParseCommandLine(argc, argv)) GiveUsage(argv[0]);
 
   // The toolkit sees only the program name: the command line is ours.

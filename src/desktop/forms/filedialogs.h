@@ -1,7 +1,7 @@
 // The commands that ask for a file name with the toolkit's file selector and
 // show read errors in its message box. Desktop only (XForms).
-#ifndef DLA_FORMS_FILEDIALOGS_H
-#define DLA_FORMS_FILEDIALOGS_H
+#ifndef DLA_DESKTOP_FORMS_FILEDIALOGS_H
+#define DLA_DESKTOP_FORMS_FILEDIALOGS_H
 
 // "Read seeds": makes the points of a seed file the roots. Returns 1 when a
 // file was read or the selector was cancelled, 0 after a "File Error"

@@ -1,6 +1,6 @@
 // Saving the drawing window to image files.
-#ifndef DLA_VIEW_WINDOWDUMP_H
-#define DLA_VIEW_WINDOWDUMP_H
+#ifndef DLA_GL_VIEW_WINDOWDUMP_H
+#define DLA_GL_VIEW_WINDOWDUMP_H
 
 // Reads the back buffer (width x height) and writes it with Write_Bitmap in
 // format. An empty basename names the file "%04d" from a run-wide counter,

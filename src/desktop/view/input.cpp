@@ -1,18 +1,19 @@
-#include "view/input.h"
+#include "desktop/view/input.h"
 
 #include <GL/glut.h>
 #include <stdlib.h>  // exit()
 
 #include "app/records.h"
+#include "desktop/view/menus.h"
 #include "view/camera.h"
-#include "view/menus.h"
+#include "view/menutables.h"
 
 static int ShiftHeld(void) { return glutGetModifiers() == GLUT_ACTIVE_SHIFT; }
 
 void HandleKeyboard(unsigned char key, int x, int y) {
   interfacestate.shift = ShiftHeld();
   switch (key) {
-    case 27:
+    case 27:  // Esc
     case 'q':
     case 'Q':
       exit(0);
@@ -22,19 +23,19 @@ void HandleKeyboard(unsigned char key, int x, int y) {
       break;
     case '+':
     case '=':
-      ZoomCamera(1);
+      ZoomCamera(ZOOM_IN);
       break;
     case '-':
     case '_':
-      ZoomCamera(0);
+      ZoomCamera(ZOOM_OUT);
       break;
     case '.':
     case '>':
-      DollyCamera(1);
+      DollyCamera(DOLLY_CLOSER);
       break;
     case ',':
     case '<':
-      DollyCamera(0);
+      DollyCamera(DOLLY_AWAY);
       break;
     case '[':
       RotateCamera(0, 0, -0.02);
@@ -63,19 +64,19 @@ void HandleSpecialKeyboard(int key, int x, int y) {
   interfacestate.shift = ShiftHeld();
   switch (key) {
     case GLUT_KEY_F1:
-      HandleMainMenu(10);
+      HandleMainMenu(MAINMENU_EXTRAS);
       break;
     case GLUT_KEY_F2:
-      HandleMainMenu(11);
+      HandleMainMenu(MAINMENU_INFO);
       break;
     case GLUT_KEY_F3:
-      HandleMainMenu(12);
+      HandleMainMenu(MAINMENU_PAUSE);
       break;
     case GLUT_KEY_F4:
-      HandleMainMenu(13);
+      HandleMainMenu(MAINMENU_RESTART);
       break;
     case GLUT_KEY_F5:
-      HandleMainMenu(14);
+      HandleMainMenu(MAINMENU_STATISTICS);
       break;
     // With shift held the arrows do nothing at all.
     case GLUT_KEY_LEFT:
@@ -96,8 +97,8 @@ void HandleSpecialKeyboard(int key, int x, int y) {
 void HandleMouse(int button, int state, int x, int y) {
   interfacestate.shift = ShiftHeld();
   if (state == GLUT_DOWN) {
-    if (button == GLUT_MIDDLE_BUTTON) interfacestate.button = 1;
-    if (button == GLUT_LEFT_BUTTON) interfacestate.button = 0;
+    if (button == GLUT_MIDDLE_BUTTON) interfacestate.button = DRAG_MIDDLE;
+    if (button == GLUT_LEFT_BUTTON) interfacestate.button = DRAG_LEFT;
   }
   interfacestate.mousex = x;
   interfacestate.mousey = y;
@@ -106,9 +107,9 @@ void HandleMouse(int button, int state, int x, int y) {
 void HandleMouseMotion(int x, int y) {
   double dx = x - interfacestate.mousex;
   double dy = y - interfacestate.mousey;
-  if (interfacestate.button == 1 && !interfacestate.shift) {
+  if (interfacestate.button == DRAG_MIDDLE && !interfacestate.shift) {
     RotateCamera(0, 0, dx / 200);  // roll follows horizontal motion only
-  } else if (interfacestate.button == 0 && !interfacestate.shift) {
+  } else if (interfacestate.button == DRAG_LEFT && !interfacestate.shift) {
     RotateCamera(dx / -100, dy / -100, 0);
   }
   interfacestate.mousex = x;

@@ -1,4 +1,4 @@
-#include "view/windowdump.h"
+#include "gl/view/windowdump.h"
 
 #include <GL/gl.h>
 #include <stdio.h>

@@ -1,12 +1,12 @@
-#include "forms/filedialogs.h"
+#include "desktop/forms/filedialogs.h"
 
 #include <forms.h>
 #include <stdlib.h>  // exit()
 
 #include "app/records.h"
+#include "desktop/forms/forms.h"
 #include "export/model.h"
 #include "export/report.h"
-#include "forms/forms.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 

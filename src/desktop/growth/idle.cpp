@@ -1,11 +1,11 @@
-#include "growth/idle.h"
+#include "desktop/growth/idle.h"
 
 #include <GL/glut.h>
 
 #include "app/records.h"
-#include "forms/forms.h"
+#include "desktop/forms/forms.h"
+#include "desktop/view/boxcount_gl.h"
 #include "growth/growth.h"
-#include "view/boxcount_gl.h"
 #include "view/camera.h"
 
 void HandleIdle(void) {
@@ -16,7 +16,7 @@ void HandleIdle(void) {
     for (long i = 0; i < 100;) i += IterateSystemSteps(100 - i);
   }
   if (options.calcstats) {
-    CalcBoxCount(0, 0);  // one box per call; no growth meanwhile
+    CalcBoxCount(BOXCOUNT_GOON, BOXCOUNT_STEP);  // one box per call; no growth meanwhile
   }
 
   if (tstart < 0) tstart = GetRunTime();

@@ -1,6 +1,6 @@
 // Drawing of the text overlays with GLUT's 8 x 13 bitmap font.
-#ifndef DLA_VIEW_OVERLAY_GL_H
-#define DLA_VIEW_OVERLAY_GL_H
+#ifndef DLA_DESKTOP_VIEW_OVERLAY_GL_H
+#define DLA_DESKTOP_VIEW_OVERLAY_GL_H
 
 // Draws s with its first baseline at window pixel (x, y), y upward from the
 // bottom; a newline or carriage return starts the next line 13 pixels lower.

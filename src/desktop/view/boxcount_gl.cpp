@@ -1,11 +1,11 @@
-#include "view/boxcount_gl.h"
+#include "desktop/view/boxcount_gl.h"
 
 #include <GL/gl.h>
 
 #include "app/records.h"
+#include "desktop/view/overlay_gl.h"
 #include "export/statistics.h"
-#include "lib/primitives_gl.h"
-#include "view/overlay_gl.h"
+#include "gl/lib/primitives_gl.h"
 
 void CalcBoxCount(int start, int draw) {
   if (!options.calcstats) return;
@@ -19,4 +19,7 @@ void CalcBoxCount(int start, int draw) {
   }
 }
 
-void BoxCountDone(void) { DrawStatistics(500); }
+// Frames the statistics block fades over after a count.
+#define STATISTICSFRAMES 500
+
+void BoxCountDone(void) { DrawStatistics(STATISTICSFRAMES); }

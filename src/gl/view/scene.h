@@ -1,0 +1,36 @@
+// OpenGL drawing of the scene: the aggregate, the constraint surface and the
+// extras. No window system: the caller owns the context.
+#ifndef DLA_GL_VIEW_SCENE_H
+#define DLA_GL_VIEW_SCENE_H
+
+#include "view/camera.h"
+
+// Viewport, frustum and gluLookAt of one eye; leaves the model-view current.
+void LookThrough(const EYEVIEW *view);
+
+// Fixed OpenGL state (depth, blending, material, lights) for a drawing mode.
+void CreateEnvironment(int drawmode);
+
+// The aggregate in a DLADRAW_* mode. Points and lines come from vertex
+// arrays kept in step with the cells.
+void DrawDLA(int drawmode);
+
+// Non-zero draws points and lines vertex by vertex instead (glBegin/glEnd):
+// the reference the arrays must match pixel for pixel. Default 0.
+extern int drawimmediate;
+
+// Brings the vertex arrays up to date with the cells (appending new ones,
+// rebuilding after any other change) and works out their colours for
+// DLADRAW_POINTS or DLADRAW_LINES. DrawDLA does this every frame; declared
+// for the benchmark.
+void UpdateDLAArrays(int drawmode);
+
+// The constraint surface in an STLDRAW_* mode from its display list;
+// STL_REBUILD recompiles the list for the mode without drawing.
+enum { STL_DRAW = 0, STL_REBUILD = 1 };
+void DrawSTL(int drawmode, int rebuild);
+
+// Circles, axes, release points, root and light spheres when showextras is set.
+void DrawExtras(void);
+
+#endif
