@@ -1,275 +1,219 @@
-#include <gtest/gtest.h>
+// dla3d-batch: its options, and runs that must equal what the window does
+// with the same settings.
 #include <math.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-#include <unistd.h>
 
-#include <string>
+#include <algorithm>
 #include <vector>
 
-#include "app/records.h"
 #include "batch/batch.h"
+#include "export/model.h"
 #include "growth/growth.h"
+#include "surface/samples.h"
+#include "surface/slice.h"
 #include "surface/stl.h"
+#include "surface/transform.h"
+#include "test_util.h"
 
 namespace {
 
-struct Args {
-  std::vector<std::string> words;
-  std::vector<char *> argv;
-  explicit Args(std::vector<std::string> w) : words(w) {
-    words.insert(words.begin(), "dla3d-batch");
-    for (std::string &s : words) argv.push_back(&s[0]);
-    argv.push_back(NULL);
-  }
-  int argc() { return (int)words.size(); }
-};
+using BatchOptions = Fresh;
+using BatchRun = Fresh;
 
-int Parse(std::vector<std::string> w, BATCHRUN *run, std::string *err) {
-  Args a(w);
-  char *buf = NULL;
-  size_t len = 0;
-  FILE *fp = open_memstream(&buf, &len);
-  int status = ParseBatchOptions(a.argc(), a.argv.data(), run, fp);
-  fclose(fp);
-  *err = std::string(buf, len);
-  free(buf);
+BATCHRUN run;  // large: not on the stack
+
+int Parse(std::vector<std::string> words, std::string *err) {
+  words.insert(words.begin(), "dla3d-batch");
+  std::vector<char *> argv;
+  for (std::string &w : words) argv.push_back(&w[0]);
+  argv.push_back(NULL);
+  int status = 0;
+  *err = Capture([&](FILE *fp) { status = ParseBatchOptions((int)words.size(), argv.data(), &run, fp); });
   return status;
 }
 
-std::string Tmp(const char *name) {
-  return std::string("/tmp/dla_batch_test_") + std::to_string(getpid()) + "_" + name;
+int Batch(const std::vector<std::string> &words, std::string *err) {
+  EXPECT_EQ(Parse(words, err), BATCH_OK) << *err;
+  int status = 0;
+  *err = Capture([&](FILE *fp) { status = RunBatch(&run, fp); });
+  return status;
 }
 
-void FreshProgram(void) {
-  SetOptionDefaults();
-  InitialiseGrowth();
-  SetGrowthDefaults();
-  nstltri = 0;
-  UpdateSTL();
-  InitialiseGrowth();
-  ResetSeeds();
-}
-
-TEST(BatchOptions, ValuesReachTheRunRecord) {
-  static BATCHRUN run;
+TEST_F(BatchOptions, ValuesReachTheRunRecord) {
   std::string err;
-  ASSERT_EQ(Parse({"--seed", "7", "--bias", "0.5", "--branch-length", "0.01", "--stickiness", "1", "--rotation",
-                   "-5", "--thickness", "0.8", "0", "--roots", "0", "--root-range", "-3.5", "--root-distribution",
-                   "-2", "--associate", "--intersect-range", "90", "--source", "17", "--cells", "5", "--steps",
-                   "123456789012", "--csv", "o.csv", "--no-progress", "-d"},
-                  &run, &err),
-            BATCH_OK)
-      << err;
-  EXPECT_EQ(err, "");
-  EXPECT_EQ(run.growth.seed, 7);
-  EXPECT_EQ(run.growth.bias, 0.5);
-  EXPECT_EQ(run.growth.branchlength, 0.01);
-  EXPECT_EQ(run.growth.stickiness, 1);
-  EXPECT_EQ(run.growth.rotation, -5);
-  EXPECT_EQ(run.growth.thickstart, 0.8);
-  EXPECT_EQ(run.growth.thickend, 0);
-  EXPECT_EQ(run.growth.nroots, 0);
-  EXPECT_EQ(run.growth.rootrange, -3.5);
-  EXPECT_EQ(run.growth.rootdistribution, -2);
-  EXPECT_EQ(run.growth.associate, 1);
-  EXPECT_EQ(run.growth.intersectrange, 90);
-  EXPECT_EQ(run.growth.sourcetype, 17);
+  ASSERT_EQ(Parse({"--seed", "7", "--bias", "0.5", "--branch-length", "0.01", "--stickiness", "1", "--rotation", "-5",
+                   "--thickness", "0.8", "0", "--roots", "0", "--root-range", "-3.5", "--root-distribution", "-2",
+                   "--associate", "--intersect-range", "90", "--source", "17", "--cells", "5", "--steps", "123456789012",
+                   "--csv", "o.csv", "--no-progress", "-d", "--sample", "23", "--transform", "1,2,3", "-4,5e-1,0",
+                   "90,0,-30", "--slices", "2", "--slice-normal", "0,-1,0.5", "--stats", "--pov-sweep", "b"},
+                  &err), BATCH_OK) << err;
+  const GROWTHSTATE &g = run.growth;
+  EXPECT_EQ(g.seed, 7);
+  EXPECT_EQ(g.bias, 0.5);
+  EXPECT_EQ(g.branchlength, 0.01);
+  EXPECT_EQ(g.stickiness, 1);
+  EXPECT_EQ(g.rotation, -5);
+  EXPECT_EQ(g.thickstart, 0.8);
+  EXPECT_EQ(g.thickend, 0);
+  EXPECT_EQ(g.nroots, 0);
+  EXPECT_EQ(g.rootrange, -3.5);
+  EXPECT_EQ(g.rootdistribution, -2);
+  EXPECT_EQ(g.associate, 1);
+  EXPECT_EQ(g.intersectrange, 90);
+  EXPECT_EQ(g.sourcetype, 17);
   EXPECT_EQ(run.cells, 5);
   EXPECT_EQ(run.steps, 123456789012LL);
   EXPECT_STREQ(run.csvfile, "o.csv");
   EXPECT_EQ(run.progress, 0);
   EXPECT_EQ(run.debug, 1);
-
-  ASSERT_EQ(Parse({}, &run, &err), BATCH_OK);
+  EXPECT_EQ(run.sample, 23);
+  ASSERT_EQ(run.ntransforms, 1);
+  EXPECT_EQ(run.transforms[0].shift.y, 0.5);
+  EXPECT_EQ(run.transforms[0].rotate.z, -30);
+  EXPECT_EQ(run.slicenormal.z, 0.5);
+  EXPECT_EQ(run.stats, 1);
+  EXPECT_STREQ(run.povsweepfile, "b");
+  ASSERT_EQ(Parse({}, &err), BATCH_OK);
   EXPECT_EQ(run.cells, 10000);
   EXPECT_EQ(run.steps, -1);
-  EXPECT_EQ(run.progress, -1);
-  ASSERT_EQ(Parse({"-h"}, &run, &err), BATCH_OK);
-  EXPECT_EQ(run.help, 1);
+  EXPECT_EQ(run.slicenormal.z, 1);
+  std::string help = Capture([](FILE *fp) { WriteBatchUsage(fp, "dla3d-batch"); });
+  for (const char *o : {"--seed-file PATH", "--transform SX,SY,SZ DX,DY,DZ RX,RY,RZ", "--slice-normal X,Y,Z", "--stats",
+                        "--vrml-caps PATH", "--geom-points PATH", "--stl-out PATH", "--info PATH", " 21 Sphere,"})
+    EXPECT_NE(help.find(o), std::string::npos) << o;
 }
 
-TEST(BatchOptions, RefusedValuesNameTheOptionAndRange) {
-  struct Case {
-    std::vector<std::string> args;
-    const char *option;
-    const char *range;
-  } cases[] = {
-      {{"--bias", "1.01"}, "--bias", "0 to 1"},
-      {{"--bias", "-0.1"}, "--bias", "0 to 1"},
-      {{"--bias", "abc"}, "--bias", "0 to 1"},
-      {{"--bias", ""}, "--bias", "0 to 1"},
-      {{"--bias", "nan"}, "--bias", "0 to 1"},
-      {{"--rotation", "5.5"}, "--rotation", "-5 to 5"},
-      {{"--seed", "-1"}, "--seed", "from 0"},
-      {{"--seed", "1.5"}, "--seed", "from 0"},
-      {{"--seed", "2147483648"}, "--seed", "from 0"},
-      {{"--branch-length", "0.0099"}, "--branch-length", "0.01 or more"},
-      {{"--stickiness", "0.5"}, "--stickiness", "1 to 100"},
-      {{"--stickiness", "100.1"}, "--stickiness", "1 to 100"},
-      {{"--thickness", "1", "-1"}, "--thickness", "0 or more"},
-      {{"--thickness", "1"}, "--thickness", "0 or more"},
-      {{"--intersect-range", "91"}, "--intersect-range", "0 to 90"},
-      {{"--roots", "-1"}, "--roots", "from 0"},
-      {{"--root-range", "inf"}, "--root-range", "any number"},
-      {{"--root-distribution", "2.5"}, "--root-distribution", "any integer"},
-      {{"--source", "0"}, "--source", "1 to 17"},
-      {{"--source", "18"}, "--source", "1 to 17"},
-      {{"--cells", "0"}, "--cells", "from 1"},
-      {{"--steps", "-1"}, "--steps", "from 0"},
-      {{"--csv"}, "--csv", "a path"},
-      {{"--frobnicate"}, "--frobnicate", "--help"},
-  };
-  for (const Case &c : cases) {
+TEST_F(BatchOptions, RefusedValuesNameTheOptionAndTheRange) {
+  const char *samples = "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100";
+  struct { std::vector<std::string> args; const char *option, *range; } cases[] = {
+      {{"--bias", "1.01"}, "--bias", "0 to 1"}, {{"--bias", "abc"}, "--bias", "0 to 1"}, {{"--bias", "nan"}, "--bias", "0 to 1"},
+      {{"--rotation", "5.5"}, "--rotation", "-5 to 5"}, {{"--seed", "-1"}, "--seed", "from 0"},
+      {{"--seed", "1.5"}, "--seed", "from 0"}, {{"--seed", "2147483648"}, "--seed", "from 0"},
+      {{"--branch-length", "0.0099"}, "--branch-length", "0.01 or more"}, {{"--stickiness", "100.1"}, "--stickiness", "1 to 100"},
+      {{"--thickness", "1", "-1"}, "--thickness", "0 or more"}, {{"--thickness", "1"}, "--thickness", "0 or more"},
+      {{"--intersect-range", "91"}, "--intersect-range", "0 to 90"}, {{"--roots", "-1"}, "--roots", "from 0"},
+      {{"--root-range", "inf"}, "--root-range", "any number"}, {{"--root-distribution", "2.5"}, "--root-distribution", "any integer"},
+      {{"--source", "0"}, "--source", "1 to 17"}, {{"--source", "18"}, "--source", "1 to 17"}, {{"--cells", "0"}, "--cells", "from 1"},
+      {{"--steps", "-1"}, "--steps", "from 0"}, {{"--csv"}, "--csv", "a path"}, {{"--frobnicate"}, "--frobnicate", "--help"},
+      {{"--sample", "4"}, "--sample", samples}, {{"--sample", "21.0"}, "--sample", samples},
+      {{"--transform", "1,1", "0,0,0", "0,0,0"}, "--transform", "three triples"},
+      {{"--transform", "1,1,1", "0,0,0", "0,,0"}, "--transform", "three triples"},
+      {{"--transform", "1,inf,1", "0,0,0", "0,0,0"}, "--transform", "three triples"},
+      {{"--slices", "1"}, "--slices", "from 2"}, {{"--slices", "2.5"}, "--slices", "from 2"},
+      {{"--slices", "4", "--slice-normal", "nan,0,1"}, "--slice-normal", "three numbers"},
+      {{"--slice-normal", "0,0,1"}, "--slice-normal", "--slices N"}, {{"--slice-dir", "/tmp"}, "--slice-dir", "--slices N"},
+      {{"--sample", "21", "--stl", "x.stl"}, "--sample", "--stl"}, {{"--stats", "1"}, "\"1\"", "--help"},
+      {{"--pov-sweep", ""}, "--pov-sweep", "1 to 255"}, {{"--info", std::string(256, 'x')}, "--info", "1 to 255"}};
+  for (auto &c : cases) {
     SCOPED_TRACE(c.args[0] + " " + (c.args.size() > 1 ? c.args[1] : ""));
-    static BATCHRUN run;
     std::string err;
-    EXPECT_EQ(Parse(c.args, &run, &err), BATCH_USAGE);
+    EXPECT_EQ(Parse(c.args, &err), BATCH_USAGE);
     EXPECT_NE(err.find(c.option), std::string::npos) << err;
     EXPECT_NE(err.find(c.range), std::string::npos) << err;
   }
 }
 
-std::string ReadAll(const std::string &path) {
-  std::string s;
-  FILE *fp = fopen(path.c_str(), "rb");
-  if (!fp) return s;
-  char buf[4096];
-  size_t n;
-  while ((n = fread(buf, 1, sizeof(buf), fp)) > 0) s.append(buf, n);
-  fclose(fp);
-  return s;
-}
-
-int RunArgs(std::vector<std::string> w, std::string *err) {
-  static BATCHRUN run;
-  std::string perr;
-  EXPECT_EQ(Parse(w, &run, &perr), BATCH_OK) << perr;
-  char *buf = NULL;
-  size_t len = 0;
-  FILE *fp = open_memstream(&buf, &len);
-  int status = RunBatch(&run, fp);
-  fclose(fp);
-  *err = std::string(buf, len);
-  free(buf);
-  return status;
-}
-
-TEST(BatchRun, CsvHoldsEveryCellExactly) {
-  FreshProgram();
-  std::string csv = Tmp("cells.csv");
+TEST_F(BatchRun, CsvAndCellsAsTheWindowGrowsThem) {
+  Scratch s;
   std::string err;
-  ASSERT_EQ(RunArgs({"--cells", "30", "--roots", "3", "--root-distribution", "8", "--csv", csv, "--no-progress"}, &err),
-            BATCH_OK);
+  ASSERT_EQ(Batch({"--cells", "60", "--seed", "99", "--bias", "0.7", "--rotation", "1.5", "--roots", "3", "--root-distribution",
+                 "8", "--associate", "--csv", s / "c.csv", "--no-progress"}, &err), BATCH_OK);
   EXPECT_EQ(err, "");
-  ASSERT_EQ(ncells, 30);
-  std::string text = ReadAll(csv);
-  ASSERT_EQ(text.compare(0, 26, "index,parent,x,y,z,weight\n"), 0);
-  // Parse every line back: %.17g round-trips doubles exactly.
-  const char *s = text.c_str() + 26;
-  int lines = 0;
-  for (int i = 0; i < 30; i++) {
-    int index, parent, used = 0;
+  ASSERT_EQ(ncells, 60);
+  std::string text = ReadFile(s / "c.csv");
+  ASSERT_EQ(text.substr(0, 34), "index,parent,x,y,z,weight\n0,-1,10,");  // the ring's roots first
+  const char *p = text.c_str() + 26;
+  for (int i = 0, used = 0; i < 60; i++, p += used) {  // %.17g gives every double back exactly
+    int index, parent;
     double x, y, z, w;
-    ASSERT_EQ(sscanf(s, "%d,%d,%lf,%lf,%lf,%lf\n%n", &index, &parent, &x, &y, &z, &w, &used), 6);
+    ASSERT_EQ(sscanf(p, "%d,%d,%lf,%lf,%lf,%lf\n%n", &index, &parent, &x, &y, &z, &w, &used), 6);
     EXPECT_EQ(index, i);
     EXPECT_EQ(parent, cells[i].parent);
-    EXPECT_EQ(x, cells[i].p.x);
-    EXPECT_EQ(y, cells[i].p.y);
-    EXPECT_EQ(z, cells[i].p.z);
-    EXPECT_EQ(w, cells[i].weight);
-    s += used;
-    lines++;
+    EXPECT_EQ(memcmp(&x, &cells[i].p.x, 8) | memcmp(&z, &cells[i].p.z, 8) | memcmp(&w, &cells[i].weight, 8), 0);
   }
-  EXPECT_EQ(*s, '\0');
-  // The ring roots come first, parent -1.
-  EXPECT_EQ(text.substr(26, 8), "0,-1,10,");
-  EXPECT_EQ(cells[2].parent, -1);
-  EXPECT_EQ(cells[3].parent >= 0, true);
-  remove(csv.c_str());
-}
-
-TEST(BatchRun, SameCellsAsTheWindowsSequence) {
-  FreshProgram();
-  std::string err;
-  ASSERT_EQ(RunArgs({"--cells", "60", "--seed", "99", "--bias", "0.7", "--rotation", "1.5", "--roots", "2",
-                 "--root-distribution", "2", "--associate"},
-                &err),
-            BATCH_OK);
-  std::vector<CELL> batch(cells.begin(), cells.begin() + ncells);
-
-  FreshProgram();  // the settings typed into the form, then its restart
-  growthstate.seed = 99;
-  growthstate.bias = 0.7;
-  growthstate.rotation = 1.5;
-  growthstate.nroots = 2;
-  growthstate.rootdistribution = 2;
-  growthstate.associate = 1;
+  EXPECT_EQ(*p, '\0');
+  uint64_t batch = AggregateHash();
+  // The window: the settings typed into the form, the ring from the menu,
+  // then the form's restart.
+  ResetProgram();
+  GROWTHSTATE &g = growthstate;
+  g.seed = 99, g.bias = 0.7, g.rotation = 1.5, g.nroots = 3, g.rootdistribution = 8, g.associate = 1;
   InitialiseGrowth();
   ResetSeeds();
   while (ncells < 60) IterateSystem();
-  ASSERT_EQ((int)batch.size(), 60);
-  for (int i = 0; i < 60; i++) {
-    EXPECT_EQ(batch[i].p.x, cells[i].p.x) << i;
-    EXPECT_EQ(batch[i].parent, cells[i].parent) << i;
-  }
-}
-
-TEST(BatchRun, StepLimitComesFirst) {
-  FreshProgram();
-  std::string err;
-  ASSERT_EQ(RunArgs({"--steps", "0", "--cells", "100"}, &err), BATCH_OK);
+  EXPECT_EQ(AggregateHash(), batch);
+  // The step limit comes first.
+  ASSERT_EQ(Batch({"--steps", "7"}, &err), BATCH_OK);
   EXPECT_EQ(ncells, 1);
-  EXPECT_EQ(growthstate.lifespan, 0);
-  ASSERT_EQ(RunArgs({"--steps", "7"}, &err), BATCH_OK);
-  EXPECT_EQ(growthstate.lifespan, 7);  // nothing reaches the root in 7 steps
+  EXPECT_EQ(growthstate.lifespan, 7);
 }
 
-TEST(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
-  FreshProgram();
-  std::string csv = Tmp("never.csv");
-  std::string missing = Tmp("missing.txt");
-  std::string err;
-  EXPECT_EQ(RunArgs({"--seed-file", missing, "--csv", csv}, &err), BATCH_FILEERROR);
+TEST_F(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
+  Scratch s;
+  std::string err, missing = s / "missing.txt";
+  EXPECT_EQ(Batch({"--seed-file", missing, "--csv", s / "c.csv"}, &err), BATCH_FILEERROR);
   EXPECT_EQ(err, "File Error\nFailed to read seed file\n" + missing + "\n");
-  EXPECT_EQ(access(csv.c_str(), F_OK), -1);
-
-  std::string empty = Tmp("empty.txt");
-  FILE *fp = fopen(empty.c_str(), "w");
-  fputs("no numbers\n", fp);
-  fclose(fp);
-  EXPECT_EQ(RunArgs({"--seed-file", empty, "--csv", csv}, &err), BATCH_FILEERROR);
+  EXPECT_EQ(Batch({"--seed-file", WriteFile(s / "x.txt", "no numbers\n"), "--csv", s / "c.csv"}, &err), BATCH_FILEERROR);
   EXPECT_EQ(err, "File Error\nFailed to read any root positions\nResetting\n");
-
-  EXPECT_EQ(RunArgs({"--stl", missing, "--csv", csv}, &err), BATCH_FILEERROR);
+  EXPECT_EQ(Batch({"--stl", missing}, &err), BATCH_FILEERROR);
   EXPECT_EQ(err, "File Error\nFailed to read STL file\n" + missing + "\n");
-
-  std::string shortstl = Tmp("short.stl");
-  fp = fopen(shortstl.c_str(), "w");
-  fputs("binary but short", fp);
-  fclose(fp);
-  EXPECT_EQ(RunArgs({"--stl", shortstl, "--csv", csv}, &err), BATCH_FATAL);
+  EXPECT_EQ(Batch({"--stl", WriteFile(s / "short.stl", "binary but short"), "--csv", s / "c.csv"}, &err), BATCH_FATAL);
   EXPECT_EQ(err, "File Error\nFailed to read an expected STL header\n\n");
-  EXPECT_EQ(access(csv.c_str(), F_OK), -1);
-  remove(empty.c_str());
-  remove(shortstl.c_str());
-  nstltri = 0;
-  UpdateSTL();
+  EXPECT_EQ(ReadFile(s / "c.csv"), "(missing " + s / "c.csv" + ")");
+  // A writer that cannot be created is reported; the others are written.
+  EXPECT_EQ(Batch({"--cells", "30", "--pov", s / "no/a.pov", "--geom", s / "ok.geom", "--info", s / "no/i.txt"}, &err),
+            BATCH_FILEERROR);
+  EXPECT_EQ(err, "dla3d-batch: --pov: cannot create \"" + s / "no/a.pov" + "\": No such file or directory\n"
+                 "dla3d-batch: --info: cannot create \"" + s / "no/i.txt" + "\": No such file or directory\n");
+  EXPECT_NE(ReadFile(s / "ok.geom").find("# 3D DLA by Orvantide# From: 0 to 1"), std::string::npos);
+  // A CSV that cannot be created ends the run before growth.
+  EXPECT_EQ(Batch({"--cells", "30", "--csv", s / "no/c.csv", "--stats", "--pov", s / "late.pov"}, &err), BATCH_FILEERROR);
+  EXPECT_EQ(err, "dla3d-batch: --csv: cannot create \"" + s / "no/c.csv" + "\": No such file or directory\n");
+  EXPECT_EQ(ncells, 1);
+  EXPECT_EQ(stats.timestep, 0);
+  EXPECT_EQ(ReadFile(s / "late.pov").substr(0, 8), "(missing");
 }
 
-TEST(BatchRun, SeedFileRootsAreGrownOn) {
-  FreshProgram();
-  std::string seeds = Tmp("seeds.txt");
-  FILE *fp = fopen(seeds.c_str(), "w");
-  fputs("0 0 0\n5 0 0\n", fp);
-  fclose(fp);
+TEST_F(BatchRun, SurfaceAndSlicesAsTheMenuAndTheForms) {
+  Scratch s;
   std::string err;
-  ASSERT_EQ(RunArgs({"--seed-file", seeds, "--cells", "12"}, &err), BATCH_OK);
-  EXPECT_EQ(growthstate.nroots, 2);
-  EXPECT_EQ(ncells, 12);
-  EXPECT_EQ(cells[1].p.x, 5);
-  remove(seeds.c_str());
+  ASSERT_EQ(Batch({"--cells", "200", "--seed", "4", "--sample", "22", "--transform", "2,1,0.5", "0,0,5", "90,0,0", "--transform",
+                 "1,1,1", "1,2,3", "0,30,-45", "--stl-out", s / "batch.stl", "--slices", "5", "--slice-normal", "5e-6,0,0",
+                 "--slice-dir", s.dir}, &err), BATCH_OK) << err;
+  std::string slices;
+  for (int i = 0; i < 5; i++) slices += ReadFile(s / ("slice_00" + std::to_string(i) + ".txt"));
+  EXPECT_EQ(ReadFile(s / "slice_005.txt").substr(0, 8), "(missing");
+  // The window: the sample menu, Apply twice, the restart, growth; the slice
+  // form's normal shorter than 1e-5 gets z = 1 and is normalised.
+  ResetProgram();
+  growthstate.seed = 4;
+  MakeSampleSurface(SAMPLE_HEMISPHERE);
+  TransformSTL(V(2, 1, 0.5), V(0, 0, 5), V(90, 0, 0));
+  UpdateSTL();
+  TransformSTL(V(1, 1, 1), V(1, 2, 3), V(0, 30, -45));
+  UpdateSTL();
+  InitialiseGrowth();
+  ResetSeeds();
+  while (ncells < 200) IterateSystem();
+  ASSERT_EQ(SaveModelFile((s / "direct.stl").c_str(), MODEL_STL, MODEL_SWEEP), 1);
+  EXPECT_EQ(ReadFile(s / "batch.stl"), ReadFile(s / "direct.stl"));
+  Scratch d;
+  testing::internal::CaptureStderr();
+  ASSERT_EQ(DoSliceIn(d.dir.c_str(), 5, V(5e-6 / sqrt(1 + 25e-12), 0, 1 / sqrt(1 + 25e-12))), 1);
+  testing::internal::GetCapturedStderr();
+  std::string direct;
+  for (int i = 0; i < 5; i++) direct += ReadFile(d / ("slice_00" + std::to_string(i) + ".txt"));
+  EXPECT_EQ(slices, direct);
+  EXPECT_GT(std::count(slices.begin(), slices.end(), '\n'), 150);
+  // The plane turned 90 degrees about x is the sheet y = -20, then shifted by 3.
+  ASSERT_EQ(Batch({"--cells", "1", "--sample", "31", "--transform", "1,1,1", "0,3,0", "90,0,0", "--stl-out", s / "p.stl"}, &err), BATCH_OK);
+  std::string text = ReadFile(s / "p.stl");
+  int vertices = 0;
+  for (size_t at = text.find("vertex"); at != std::string::npos; at = text.find("vertex", at + 6), vertices++) {
+    double x, y, z;
+    ASSERT_EQ(sscanf(text.c_str() + at, "vertex %lf %lf %lf", &x, &y, &z), 3);
+    ASSERT_NEAR(y, -17, 1e-4);
+  }
+  EXPECT_EQ(vertices, 3 * 800);
 }
 
 }  // namespace

@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# dla3d-batch from the shell: exit statuses and messages, runs that can
+# never reach their cell count, a surface that holds the aggregate, the
+# report's statistics against the cells, slices.
+# Usage: cli.sh DLA3D-BATCH
+set -u
+bin=$1
+dir=$(mktemp -d "${TMPDIR:-/tmp}/dla_cli.XXXXXX")
+trap 'rm -rf "$dir"' EXIT
+fail=0
+mkdir "$dir/out"
+
+expect() {  # expect STATUS TEXT ARGS...: the status, TEXT on standard error, and no file for a refusal
+  local want=$1 text=$2
+  shift 2
+  rm -f "$dir/out/"*
+  "$bin" --no-progress "$@" >/dev/null 2>"$dir/err"
+  local got=$?
+  [ "$got" = "$want" ] || { echo "FAIL: $*: status $got, expected $want"; fail=1; }
+  grep -qxF -- "$text" "$dir/err" || { echo "FAIL: $*: no line \"$text\" in: $(cat "$dir/err")"; fail=1; }
+  [ "$want" != 2 ] || [ -z "$(ls "$dir/out")" ] || { echo "FAIL: $*: files written"; fail=1; }
+}
+files=(--csv "$dir/out/c.csv" --info "$dir/out/i.txt" --pov "$dir/out/p.pov")
+expect 2 "dla3d-batch: --bias: 2 is out of range (allowed: 0 to 1)" --bias 2 "${files[@]}"
+expect 2 "dla3d-batch: --sample: 5 is out of range (allowed: 1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100)" --sample 5 "${files[@]}"
+expect 2 "dla3d-batch: --slice-dir needs --slices N (allowed: an integer from 2 to 2147483647)" --slice-dir "$dir" "${files[@]}"
+expect 2 "dla3d-batch: unknown option \"on\" (see --help)" --stats on "${files[@]}"
+# Unreachable: association with 3 roots but the origin places one; no root at all.
+expect 2 "dla3d-batch: --associate with 3 roots but 1 placed: the next cell must join root class 1, which has no cell (give --steps N to run anyway)" \
+  --roots 3 --root-distribution 1 --associate --cells 300 "${files[@]}"
+expect 2 "dla3d-batch: no root is placed (--roots 1, --root-distribution 10): no cell can ever stick (give --steps N to run anyway)" \
+  --root-distribution 10 --cells 300 "${files[@]}"
+for args in "--roots 3 --root-distribution 1 --associate" "--root-distribution 10"; do
+  "$bin" --no-progress $args --cells 300 --steps 20000 --csv "$dir/steps.csv" || { echo "FAIL: $args --steps: status $?"; fail=1; }
+  [ "$(wc -l <"$dir/steps.csv")" -ge 1 ] || { echo "FAIL: $args --steps: no CSV"; fail=1; }
+done
+printf 'x y z\n' >"$dir/bad.txt"
+expect 1 "Failed to read any root positions" --seed-file "$dir/bad.txt"
+printf 'tiny' >"$dir/short.stl"
+expect 255 "Failed to read an expected STL header" --stl "$dir/short.stl"
+expect 1 "dla3d-batch: --csv: cannot create \"$dir/none/c.csv\": No such file or directory" --cells 20 --csv "$dir/none/c.csv"
+expect 255 "Failed to open output slice file \"$dir/none/slice_000.txt\"" --cells 20 --slices 2 --slice-dir "$dir/none"
+"$bin" --help | grep -q -- "--seed-file PATH" || { echo "FAIL: --help lacks the options"; fail=1; }
+
+# The sphere sample shrunk to radius 7 holds the aggregate (a free run of
+# 400 cells reaches about 11).
+"$bin" --no-progress --sample 21 --transform 0.35,0.35,0.35 0,0,0 0,0,0 --cells 400 --stats --csv "$dir/s.csv" \
+  --info "$dir/info.txt" --slices 7 --slice-normal 0,0,0 --slice-dir "$dir/out" 2>/dev/null || { echo "FAIL: sphere run"; fail=1; }
+awk -F, 'NR > 1 { n++; if ($3*$3 + $4*$4 + $5*$5 >= 49) { print "FAIL: cell " $1 " outside the sphere"; bad = 1 } }
+         END { if (n != 400) { print "FAIL: " n " cells"; bad = 1 } exit bad }' "$dir/s.csv" || fail=1
+# The report's branch distribution, worked out from the CSV's parents.
+want=$(awk -F, 'NR > 1 { n++; if ($2 >= 0) kids[$2]++ }
+  END { for (i = 0; i < n; i++) { k = kids[i] + 0; h[k > 9 ? 9 : k]++ }
+        printf "   0:%d 1:%d 2:%d 3:%d 4:%d 5:%d", h[0], h[1], h[2], h[3], h[4], h[5] }' "$dir/s.csv")
+grep -A2 -x "Statistics at time step: 400" "$dir/info.txt" | tail -1 | grep -qxF -- "$want" ||
+  { echo "FAIL: branch distribution, from the CSV: \"$want\""; fail=1; }
+[ "$(ls "$dir/out" | tr '\n' ' ')" = "slice_000.txt slice_001.txt slice_002.txt slice_003.txt slice_004.txt slice_005.txt slice_006.txt " ] ||
+  { echo "FAIL: slice files: $(ls "$dir/out")"; fail=1; }
+exit $fail
