@@ -32,7 +32,8 @@ while IFS= read -r file; do
   [ -n "${allowed[$base]+x}" ] && folder=$base
   [ -n "${allowed[$folder]+x}" ] || { echo "$file: folder $folder has no rule"; status=1; continue; }
   while IFS= read -r line; do
-    target=$(sed -E 's/^#include "([^/"]+)\/.*/\1/' <<<"$line")
+    target=${line#\#include \"}
+    target=${target%%/*}
     case " ${folder%%/*} ${allowed[$folder]} " in
       *" $target "*) ;;
       *) echo "$file: $line ($folder may include: ${folder%%/*} ${allowed[$folder]})"; status=1 ;;

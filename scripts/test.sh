@@ -7,7 +7,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 scripts/build.sh
-(cd build && ctest --output-on-failure -j2)
+# The default suite, then the soak (60 s of random keys and menu choices).
+(cd build && ctest --output-on-failure -j2 -LE soak && ctest --output-on-failure -L soak)
 
 cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DDLA_SANITIZE=ON -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF >/dev/null
 cmake --build build-asan -j"$(nproc)"

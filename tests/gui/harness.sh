@@ -1,248 +1,230 @@
 #!/usr/bin/env bash
-# Harness for driving dla3d under a private Xvfb. Source it from a test
-# script; every function reports failure through its return status, and
-# gui_fail ends the test.
-#
-#   source "$(dirname "$0")/harness.sh"
-#   gui_init "$1"                 # path of dla3d; makes a temp dir, sets the trap
-#   gui_start_xvfb                # private server, exports DISPLAY
-#   gui_start -ss                 # dla3d with arguments, in $GUI_WORKDIR
-#   gui_find_window || gui_fail "no window"   # sets GUI_WID
-#   [ "$(gui_window_size)" = 1600x600 ] || gui_fail "size"
-#   gui_key a a h                 # keys that do not end the program
-#   gui_key_quit q                # a key that ends it
-#   gui_wait_exit; [ "$GUI_STATUS" = 0 ] || gui_fail "status $GUI_STATUS"
-#   gui_pass
-#
-# Variables:
-#   GUI_PROG     the program under test
-#   GUI_TMP      temp dir, removed at exit (kept when GUI_KEEP=1 is set)
-#   GUI_WORKDIR  the program's working directory (inside GUI_TMP): files it
-#                writes (window dumps, exports) land here
-#   GUI_STDERR   file holding the program's standard error ($GUI_STDOUT likewise)
-#   GUI_PID      process id of the program; GUI_XVFB_PID of the server
-#   GUI_WID      the drawing window, once found
-#   GUI_STATUS   exit status, after gui_wait_exit or gui_run
-#   GUI_SCREEN   screen geometry for Xvfb (default 3300x1300x24: "-ss -ss"
-#                asks for a window 3200 pixels wide)
-#
-# Focus: there is no window manager, so focus does not follow the pointer.
-# gui_key sends events straight to the window (xdotool key --window). A key
-# that ends the program must be typed into the focused window instead
-# (gui_key_quit): with --window xdotool reports BadWindow on the key-up
-# after the window has gone.
+# Drives dla3d under a private Xvfb; source it from a test script.
+#   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
+#   gui_start_xvfb          a server of our own (it picks a free display)
+#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its window ($WID)
+#   key KEYS... / drag X1 Y1 X2 Y2 [BUTTON [MODIFIER]]   input in window coordinates
+#   menu LABEL [SUBLABEL]   a menu entry, found by label in the shim's record of the menus
+#   save PATH LABEL [SUB]   a menu entry whose file selector is answered with PATH
+#   field W H X Y TEXT / press W H X Y   a form input or button at layout X Y of a W x H form
+#   dump NAME               w, then the new numbered dump renamed NAME.tga
+#   gui_quit [KEY]          the key ends the program with status 0
+# No window manager: focus does not follow the pointer, so keys go to the
+# window itself (xdotool key --window), and a key that ends the program is
+# typed into the focused window (with --window xdotool reports BadWindow on
+# the key-up). Forms shown centred sit at the screen's centre.
+GUI_TMP="" GUI_PID="" GUI_XVFB="" WID="" STATUS="" GUI_RETRIES=0
+PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 
-GUI_TITLE='^Diffusion Limited Aggregation$'
-GUI_SCREEN=${GUI_SCREEN:-3300x1300x24}
-GUI_PID=""
-GUI_XVFB_PID=""
-GUI_WID=""
-GUI_STATUS=""
-
-# Ends the test as failed, with a message and the program's standard error.
 gui_fail() {
   echo "FAIL: $*" >&2
-  if [ -s "${GUI_STDERR:-}" ]; then
-    echo "--- dla3d stderr ---" >&2
-    cat "$GUI_STDERR" >&2
-  fi
+  [ -s "$GUI_TMP/stderr" ] && { echo "--- dla3d stderr ---"; tail -20 "$GUI_TMP/stderr"; } >&2
   exit 1
 }
+gui_pass() { echo PASS; exit 0; }
 
-gui_pass() {
-  echo "PASS"
-  exit 0
-}
-
-# Kills what this test started (by process id) and removes the temp dir.
 gui_cleanup() {
-  if [ -n "$GUI_PID" ] && kill -0 "$GUI_PID" 2>/dev/null; then
-    kill "$GUI_PID" 2>/dev/null
-    wait "$GUI_PID" 2>/dev/null
-  fi
-  if [ -n "$GUI_XVFB_PID" ] && kill -0 "$GUI_XVFB_PID" 2>/dev/null; then
-    kill "$GUI_XVFB_PID" 2>/dev/null
-    wait "$GUI_XVFB_PID" 2>/dev/null
-  fi
-  if [ -n "${GUI_TMP:-}" ] && [ -z "${GUI_KEEP:-}" ]; then
-    rm -rf "$GUI_TMP"
-  fi
+  [ -n "$GUI_PID" ] && kill "$GUI_PID" 2>/dev/null && wait "$GUI_PID" 2>/dev/null
+  [ -n "$GUI_XVFB" ] && kill "$GUI_XVFB" 2>/dev/null && wait "$GUI_XVFB" 2>/dev/null
+  [ -n "$GUI_TMP" ] && [ -z "${GUI_KEEP:-}" ] && rm -rf "$GUI_TMP"
 }
 
-# gui_init PROGRAM: checks the tools and the program, makes the temp dirs
-# and installs the cleanup trap.
 gui_init() {
-  GUI_PROG=$1
-  # The program runs in its own directory: keep the path usable from there.
-  case $GUI_PROG in /*) ;; *) GUI_PROG=$PWD/$GUI_PROG ;; esac
-  [ -x "$GUI_PROG" ] || gui_fail "program not found: $GUI_PROG"
-  local tool
-  for tool in Xvfb xdotool xdpyinfo xwininfo; do
+  GUI_PROG=$(realpath "$1") || gui_fail "no program $1"
+  GUI_SHIM=${2:+$(realpath "$2")}
+  for tool in Xvfb xdotool xdpyinfo xwininfo /usr/bin/python3; do
     command -v "$tool" >/dev/null || gui_fail "missing tool: $tool"
   done
   GUI_TMP=$(mktemp -d "${TMPDIR:-/tmp}/dla3d-gui.XXXXXX") || gui_fail "mktemp"
-  GUI_WORKDIR=$GUI_TMP/work
-  mkdir -p "$GUI_WORKDIR"
-  GUI_STDERR=$GUI_TMP/stderr
-  GUI_STDOUT=$GUI_TMP/stdout
+  W=$GUI_TMP/work LOG=$GUI_TMP/shim.log
+  mkdir "$W"
   trap gui_cleanup EXIT
   trap 'exit 130' INT TERM
 }
 
-# Starts a private Xvfb and waits until it answers. The server picks its own
-# free display number (-displayfd) and writes it only once its sockets are
-# listening, so a server of another test that is still starting or shutting
-# down on some number can never be mistaken for ours.
-gui_start_xvfb() {
-  local i tries n
-  for tries in 1 2 3; do
-    : >"$GUI_TMP/display"
-    Xvfb -displayfd 3 -screen 0 "$GUI_SCREEN" -nolisten tcp \
-      3>"$GUI_TMP/display" >"$GUI_TMP/xvfb.log" 2>&1 &
-    GUI_XVFB_PID=$!
-    for i in $(seq 1 150); do
-      kill -0 "$GUI_XVFB_PID" 2>/dev/null || break
-      n=$(tr -dc '0-9' <"$GUI_TMP/display")
-      if [ -n "$n" ] && xdpyinfo -display ":$n" >/dev/null 2>&1 && kill -0 "$GUI_XVFB_PID" 2>/dev/null; then
-        export DISPLAY=":$n"
-        return 0
-      fi
-      sleep 0.1
-    done
-    kill "$GUI_XVFB_PID" 2>/dev/null
-    wait "$GUI_XVFB_PID" 2>/dev/null
-    GUI_XVFB_PID=""
+# wait_for SECONDS COMMAND...: polls until the command succeeds.
+wait_for() {
+  local end=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ $SECONDS -le $end ] || return 1
+    sleep 0.05
   done
-  gui_fail "could not start Xvfb: $(cat "$GUI_TMP/xvfb.log" 2>/dev/null)"
 }
 
-# A server that answered may still be gone by the time the program
-# connects (seen rarely with many servers starting and stopping in
-# parallel). The program then says so and ends at once: start a new server
-# and try again, up to three times.
-GUI_RETRIES=0
+# The server writes its display number only once it listens (-displayfd),
+# so a server starting or stopping elsewhere is never taken for ours.
+gui_start_xvfb() {
+  local tries
+  for tries in 1 2 3; do
+    Xvfb -displayfd 3 -screen 0 "${GUI_SCREEN:-3300x1300x24}" -nolisten tcp 3>"$GUI_TMP/display" >/dev/null 2>&1 &
+    GUI_XVFB=$!
+    if wait_for 15 grep -q '[0-9]' "$GUI_TMP/display"; then
+      export DISPLAY=:$(tr -dc 0-9 <"$GUI_TMP/display")
+      xdpyinfo >/dev/null 2>&1 && return 0
+    fi
+    kill "$GUI_XVFB" 2>/dev/null
+    wait "$GUI_XVFB" 2>/dev/null
+  done
+  gui_fail "could not start Xvfb"
+}
+
+# A server that answered may still be lost by the time the program connects
+# (seen with many servers starting and stopping): then a new one, up to
+# three times.
 gui_lost_display() {
-  grep -q "Can't open display" "$GUI_STDERR" 2>/dev/null && [ "$GUI_RETRIES" -lt 3 ] || return 1
+  grep -q "Can't open display" "$GUI_TMP/stderr" 2>/dev/null && [ $GUI_RETRIES -lt 3 ] || return 1
   GUI_RETRIES=$((GUI_RETRIES + 1))
-  echo "display $DISPLAY lost; new server (retry $GUI_RETRIES)" >&2
-  if [ -n "$GUI_XVFB_PID" ]; then
-    kill "$GUI_XVFB_PID" 2>/dev/null
-    wait "$GUI_XVFB_PID" 2>/dev/null
-  fi
+  kill "$GUI_XVFB" 2>/dev/null
+  wait "$GUI_XVFB" 2>/dev/null
   gui_start_xvfb
 }
 
-# gui_start ARGS...: starts the program in the background in $GUI_WORKDIR.
+gui_running() { [ -n "$GUI_PID" ] && ! grep -qs '^State:.Z' /proc/$GUI_PID/status && [ -e /proc/$GUI_PID ]; }
+window_shown() { WID=$(xdotool search --onlyvisible --name '^Diffusion Limited Aggregation$' 2>/dev/null | head -1); [ -n "$WID" ]; }
+window_or_end() { window_shown || ! gui_running; }
+
+# gui_start ARGS...: returns 1 when the program ended without a window.
 gui_start() {
-  GUI_ARGS=("$@")
-  (cd "$GUI_WORKDIR" && exec "$GUI_PROG" "$@") >"$GUI_STDOUT" 2>"$GUI_STDERR" &
+  : >"$LOG"
+  DUMPNO=0 MENUHEIGHT=""
+  (cd "$W" && LD_PRELOAD=$GUI_SHIM DLA_SHIM_LOG=$LOG DLA_SHIM_ANSWER=$GUI_TMP/answer exec "$GUI_PROG" "$@") \
+    >"$GUI_TMP/stdout" 2>"$GUI_TMP/stderr" &
   GUI_PID=$!
+  wait_for 30 window_or_end || gui_fail "no window after 30 s"
+  if ! window_shown; then
+    gui_lost_display && { gui_start "$@"; return; }
+    return 1
+  fi
+  # The first frame is drawn once the main loop runs: the menus are built.
+  wait_for 30 grep -q '^not-a-number colour' "$LOG" || gui_fail "no first frame"
+  read -r WX WY < <(origin_of "$WID")
+  menu_rows
 }
 
-# gui_run ARGS...: runs the program to its end (for runs that open no
-# window, like "-h"), with a 20 s limit; sets GUI_STATUS.
+# gui_run ARGS...: to its end with no window (as "-h"); sets STATUS.
 gui_run() {
-  (cd "$GUI_WORKDIR" && exec timeout 20 "$GUI_PROG" "$@") >"$GUI_STDOUT" 2>"$GUI_STDERR"
-  GUI_STATUS=$?
+  (cd "$W" && exec timeout 20 "$GUI_PROG" "$@") >"$GUI_TMP/stdout" 2>"$GUI_TMP/stderr"
+  STATUS=$?
   if gui_lost_display; then gui_run "$@"; fi
 }
 
-# 1 while the program runs (a finished child not yet waited for is a zombie).
-gui_running() {
-  [ -n "$GUI_PID" ] || return 1
-  local state
-  state=$(awk '{print $3}' "/proc/$GUI_PID/stat" 2>/dev/null) || return 1
-  [ -n "$state" ] && [ "$state" != Z ]
-}
-
-# gui_find_window [SECONDS]: waits (default 15 s) for the visible drawing
-# window; sets GUI_WID. Fails early when the program has ended.
-gui_find_window() {
-  local limit=${1:-15} i
-  GUI_WID=""
-  for i in $(seq 1 $((limit * 10))); do
-    GUI_WID=$(xdotool search --onlyvisible --name "$GUI_TITLE" 2>/dev/null | head -n 1)
-    [ -n "$GUI_WID" ] && return 0
-    if ! gui_running; then
-      gui_lost_display || return 1
-      gui_start "${GUI_ARGS[@]}"
-    fi
-    sleep 0.1
-  done
-  return 1
-}
-
-# gui_window_size [WID]: prints WIDTHxHEIGHT of the window.
-gui_window_size() {
-  local wid=${1:-$GUI_WID}
-  xwininfo -id "$wid" | awk '/^ *Width:/ {w = $2} /^ *Height:/ {h = $2} END {print w "x" h}'
-}
-
-# gui_visible_windows: prints the ids of the mapped top-level windows.
-gui_visible_windows() {
-  local id
-  for id in $(xwininfo -root -children | awk '/^ +0x/ {print $1}'); do
-    if xwininfo -id "$id" | grep -q 'Map State: IsViewable'; then echo "$id"; fi
-  done
-}
-
-# gui_window_position [WID]: prints the window's screen position as "X Y".
-gui_window_position() {
-  local wid=${1:-$GUI_WID}
-  xwininfo -id "$wid" | awk '/Absolute upper-left X:/ {x = $4} /Absolute upper-left Y:/ {y = $4} END {print x, y}'
-}
-
-# gui_centred_origin W H: prints "X Y", where the toolkit puts a W x H form
-# shown with FL_PLACE_CENTER (no window manager, so no decorations). Add a
-# layout coordinate to get the screen position of an object of the form.
-gui_centred_origin() {
-  local sw sh
-  read -r sw sh < <(xdpyinfo | awk '/dimensions:/ {split($2, d, "x"); print d[1], d[2]}')
-  echo $(((sw - $1) / 2)) $(((sh - $2) / 2))
-}
-
-# gui_click X Y [BUTTON]: moves the pointer to screen position X Y and clicks
-# (button 1 left, 2 middle, 3 right).
-gui_click() {
-  xdotool mousemove --sync "$1" "$2" click "${3:-1}"
-}
-
-# gui_drag X1 Y1 X2 Y2 [BUTTON]: presses at X1 Y1, moves to X2 Y2 in ten
-# steps and releases (screen positions).
-gui_drag() {
-  local b=${5:-1} i
-  xdotool mousemove --sync "$1" "$2" mousedown "$b"
-  for i in $(seq 1 10); do
-    xdotool mousemove --sync $(($1 + ($3 - $1) * i / 10)) $(($2 + ($4 - $2) * i / 10))
-  done
-  xdotool mouseup "$b"
-}
-
-# gui_key KEY...: sends keys (xdotool names: a, plus, bracketleft, F1, Left,
-# shift+Left) to the drawing window, one after another.
-gui_key() {
-  xdotool key --window "$GUI_WID" --delay 50 "$@"
-}
-
-# gui_key_quit KEY: focuses the drawing window and types a key that ends
-# the program.
-gui_key_quit() {
-  xdotool windowfocus --sync "$GUI_WID" || return 1
-  xdotool key "$1"
-}
-
-# gui_wait_exit [SECONDS]: waits (default 10 s) for the program to end;
-# sets GUI_STATUS to its exit status, or fails the test on timeout.
 gui_wait_exit() {
-  local limit=${1:-10} i
-  for i in $(seq 1 $((limit * 10))); do
-    if ! gui_running; then
-      wait "$GUI_PID"
-      GUI_STATUS=$?
-      GUI_PID=""
-      return 0
-    fi
-    sleep 0.1
-  done
-  gui_fail "program still running after $limit s"
+  wait_for 20 eval '! gui_running' || gui_fail "program still running after 20 s"
+  wait "$GUI_PID"
+  STATUS=$? GUI_PID=""
+}
+
+gui_quit() {
+  gui_running || gui_fail "the program ended early"
+  xdotool windowfocus --sync "$WID" key "${1:-q}"
+  gui_wait_exit
+  [ "$STATUS" = 0 ] || gui_fail "status $STATUS after ${1:-q}"
+}
+
+# shown N: N top-level windows are mapped (forms have no name to search by).
+shown() { [ "$(for w in $(xwininfo -root -children | awk '/^ +0x/ {print $1}'); do xwininfo -id "$w"; done | grep -c IsViewable)" = "$1" ]; }
+size_of() { xwininfo -id "$1" | awk '/Width:/ {w = $2} /Height:/ {h = $2} END {print w "x" h}'; }
+origin_of() { xwininfo -id "$1" | awk '/Absolute upper-left X:/ {x = $4} /Absolute upper-left Y:/ {y = $4} END {print x, y}'; }
+key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }  # no focus: xdotool complains
+
+# Without --sync: xdotool waits for a move that never comes when the pointer
+# is already at the target.
+drag() {
+  local x=$WX y=$WY i steps=""
+  for i in 1 2 3 4 5; do steps+=" sleep 0.02 mousemove $((x + $1 + ($3 - $1) * i / 5)) $((y + $2 + ($4 - $2) * i / 5))"; done
+  [ -n "${6:-}" ] && xdotool keydown "$6"
+  xdotool mousemove $((x + $1)) $((y + $2)) sleep 0.05 mousedown "${5:-1}" $steps sleep 0.05 mouseup "${5:-1}"
+  [ -n "${6:-}" ] && xdotool keyup "$6"
+  return 0
+}
+
+# The rows of the menus as the shim saw them built (the main menu is the
+# last made): MENUROW[LABEL], MENUROW[LABEL/SUBLABEL]; #N for the entry N.
+menu_rows() {
+  declare -gA MENUROW=()
+  local k v
+  while IFS=$'\t' read -r k v; do MENUROW[$k]=$v; done < <(awk -F'; ' '/^menu / {
+      for (i = 2; i <= NF; i++) entry[$1, i - 2] = $i; n[$1] = NF - 1; main = $1 }
+    END { for (i = 0; i < n[main]; i++) {
+        label = entry[main, i]; sub(/[=>][0-9]*$/, "", label); print label "\t" i; print "#" i "\t" i
+        if (split(entry[main, i], s, ">") == 2)
+          for (j = 0; j < n["menu " s[2]]; j++) {
+            e = entry["menu " s[2], j]; sub(/=[0-9]*$/, "", e); print label "/" e "\t" j; print label "/#" j "\t" j } }
+      print "rows\t" n[main] }' "$LOG")
+}
+
+menus_gone() { ! xdotool search --onlyvisible --name '^freeglut menu$' >/dev/null 2>&1; }
+
+menus_open() { [ "$(xdotool search --onlyvisible --name '^freeglut menu$' 2>/dev/null | wc -l)" -ge "$1" ]; }
+
+# menu LABEL [SUBLABEL] (#N: the entry N, from 0): the right button pressed
+# in the window opens the main menu with its corner at the pointer; along
+# the rows to the entry (rows measured once per program), release there. A
+# pointer move reaches a menu only once its window is shown, and in a
+# sub-menu freeglut ignores the release: a click chooses.
+menu() {
+  local i=${MENUROW[$1]:-} j=${MENUROW[$1/${2:-}]:-} x=$((WX + 150)) y=$((WY + 40)) id k
+  [ -n "$i" ] && { [ $# = 1 ] || [ -n "$j" ]; } || gui_fail "no menu entry \"$*\""
+  timeout 10 xdotool mousemove $x $y sleep 0.05 mousedown 3 search --sync --onlyvisible --name '^freeglut menu$' >/dev/null ||
+    gui_fail "no menu"
+  if [ -z "${MENUHEIGHT:-}" ]; then
+    id=$(xdotool search --onlyvisible --name '^freeglut menu$' | head -1)
+    read -r MENUWIDTH MENUHEIGHT < <(size_of "$id" | tr x ' ')
+    MENUHEIGHT=$(((MENUHEIGHT - 4) / MENUROW[rows]))
+  fi
+  local row=$MENUHEIGHT ty=$((y + 2 + MENUHEIGHT * i + MENUHEIGHT / 2))
+  xdotool mousemove $((x + 20)) $((y + 2 + row / 2)) sleep 0.05 mousemove $((x + 21)) $ty
+  if [ $# = 2 ]; then
+    for k in 1 2 3 4 5; do
+      wait_for 2 menus_open 2 && break
+      xdotool mousemove $((x + 30 + k)) $ty  # once more over the entry
+    done
+    menus_open 2 || gui_fail "no sub-menu \"$1\""
+    x=$((x + MENUWIDTH)) y=$((y + row * i))  # the sub-menu's corner
+    xdotool mousemove $((x + 20)) $((y + 2 + row / 2)) sleep 0.05 mousemove $((x + 21)) $((y + 2 + row * j + row / 2)) \
+      sleep 0.05 mouseup 3 sleep 0.05 click 3
+  else
+    xdotool sleep 0.05 mouseup 3
+  fi
+  wait_for 10 menus_gone || gui_fail "menu still open after \"$*\""
+}
+
+# save PATH LABEL [SUB]: the shim answers the file selector with PATH; waits
+# until the file is written.
+save() {
+  local path=$1
+  shift
+  rm -f "$path"
+  echo "$path" >"$GUI_TMP/answer"
+  menu "$@"
+  wait_for 20 eval '[ ! -e "$GUI_TMP/answer" ] && [ -s "$path" ] && [ "$(stat -c %s "$path")" = "$(sleep 0.1; stat -c %s "$path")" ]' ||
+    gui_fail "\"$*\" wrote no $path"
+}
+last_prompt() { grep '^fselector ' "$LOG" | tail -1 | sed 's/^fselector //; s/ -> .*//'; }
+report() { save "$W/report.txt" "Save simulation information"; }
+value() { sed -n "s/^$1: //p" "$W/report.txt"; }
+
+form_at() {  # form_at W H X Y: the screen point at layout X Y of a centred W x H form
+  xdpyinfo | awk -v w="$1" -v h="$2" -v x="$3" -v y="$4" '/dimensions:/ {split($2, d, "x"); print int((d[1] - w) / 2) + x, int((d[2] - h) / 2) + y}'
+}
+field() {
+  xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05
+  xdotool windowfocus --sync "$(xdotool getmouselocation --shell | sed -n 's/^WINDOW=//p')" click 1
+  xdotool key --delay 20 ctrl+a ctrl+k
+  xdotool type --delay 20 -- "$5"
+  xdotool key Return sleep 0.2
+}
+press() { xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05 click 1 sleep 0.3; }
+
+probe() { (cd "$W" && /usr/bin/python3 "$PROBE" "$@"); }
+# Numbered dumps of this program so far; dump renames each to its NAME.tga.
+DUMPNO=0
+dump() {
+  local n
+  n=$(printf '%04d.tga' $DUMPNO)
+  key w
+  wait_for 20 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
+  mv "$W/$n" "$W/$1.tga"
+  DUMPNO=$((DUMPNO + 1))
 }

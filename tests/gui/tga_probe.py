@@ -1,23 +1,19 @@
 #!/usr/bin/python3
-"""Reads the window dumps of dla3d for the GUI tests (Pillow, which also
-rejects run-length packets that cross a row). Rows are shown top down.
-
-  tga_probe.py header FILE               the 18 header bytes, decimal
-  tga_probe.py size FILE                 WIDTHxHEIGHT
-  tga_probe.py count FILE X0 Y0 X1 Y1 R G B
-                                         pixels equal to (R, G, B) in the box
-                                         X0 <= x < X1, Y0 <= y < Y1
-  tga_probe.py lit FILE X0 Y0 X1 Y1      pixels that are not black in the box
-  tga_probe.py having R G B FILE...      how many of the files hold a pixel
-                                         equal to (R, G, B)
-  tga_probe.py same FILE1 FILE2          "same" or "differ"
-  tga_probe.py axes FILE X0 X1           for the window slice X0 <= x < X1:
-                                         pure green pixels right of the green
-                                         circle and pure blue ones above it
+"""Reads dla3d's window dumps with Pillow (which also rejects run-length
+packets that cross a row); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
+  size FILE                     WIDTHxHEIGHT
+  count FILE R G B [BOX]        pixels of that colour
+  lit FILE [BOX]                pixels that are not black
+  other FILE R,G,B...           lit pixels of none of the colours
+  greys FILE                    lit grey pixels and how many levels they take
+  mixed FILE                    pixels with two or three channels lit
+  extent FILE R G B             bounding box of a colour: X0 Y0 X1 Y1
+  same FILE1 FILE2              same or differ
+  having R G B FILE...          how many files hold the colour
+  brightest BOX FILE...         per file, the brightest grey in the box
 """
 import sys
-
-from PIL import Image
+from PIL import Image, ImageChops
 
 
 def load(path):
@@ -26,51 +22,43 @@ def load(path):
     return im.convert("RGB")
 
 
-def box(im, x0, y0, x1, y1):
-    x1 = min(x1, im.width)
-    y1 = min(y1, im.height)
-    px = im.load()
-    for y in range(max(y0, 0), y1):
-        for x in range(max(x0, 0), x1):
-            yield x, y, px[x, y]
+def colours(path, box=None):
+    im = load(path)
+    im = im.crop(tuple(box)) if box else im
+    return im.getcolors(im.width * im.height)  # [(count, (r, g, b))]
 
 
-def main(argv):
-    cmd = argv[1]
-    if cmd == "header":
-        with open(argv[2], "rb") as f:
-            print(" ".join(str(b) for b in f.read(18)))
-    elif cmd == "size":
-        im = load(argv[2])
-        print("%dx%d" % im.size)
+def main(cmd, a):
+    black = (0, 0, 0)
+    if cmd == "size":
+        print("%dx%d" % load(a[0]).size)
     elif cmd == "count":
-        im = load(argv[2])
-        x0, y0, x1, y1, r, g, b = (int(v) for v in argv[3:10])
-        print(sum(1 for _, _, p in box(im, x0, y0, x1, y1) if p == (r, g, b)))
+        c = tuple(map(int, a[1:4]))
+        print(sum(n for n, p in colours(a[0], list(map(int, a[4:8]))) if p == c))
     elif cmd == "lit":
-        im = load(argv[2])
-        x0, y0, x1, y1 = (int(v) for v in argv[3:7])
-        print(sum(1 for _, _, p in box(im, x0, y0, x1, y1) if p != (0, 0, 0)))
-    elif cmd == "having":
-        colour = tuple(int(v) for v in argv[2:5])
-        print(sum(1 for path in argv[5:] if colour in load(path).getdata()))
+        print(sum(n for n, p in colours(a[0], list(map(int, a[1:5]))) if p != black))
+    elif cmd == "other":
+        allowed = {black} | {tuple(map(int, c.split(","))) for c in a[1:]}
+        print(sum(n for n, p in colours(a[0]) if p not in allowed))
+    elif cmd == "greys":
+        g = [(n, p) for n, p in colours(a[0]) if p != black and p[0] == p[1] == p[2]]
+        print(sum(n for n, p in g), len(g))
+    elif cmd == "mixed":
+        print(sum(n for n, p in colours(a[0]) if sum(v > 0 for v in p) >= 2))
+    elif cmd == "extent":
+        im = load(a[0])
+        diff = ImageChops.difference(im, Image.new("RGB", im.size, tuple(map(int, a[1:4]))))
+        zero = [ch.point(lambda v: 255 if v == 0 else 0) for ch in diff.split()]
+        box = ImageChops.darker(ImageChops.darker(zero[0], zero[1]), zero[2]).getbbox()
+        print(*(box[0], box[1], box[2] - 1, box[3] - 1) if box else (0, 0, 0, 0))
     elif cmd == "same":
-        a, b = load(argv[2]), load(argv[3])
-        print("same" if a.size == b.size and a.tobytes() == b.tobytes() else "differ")
-    elif cmd == "axes":
-        im = load(argv[2])
-        x0, x1 = int(argv[3]), int(argv[4])
-        circle = [(x, y) for x, y, p in box(im, x0, 0, x1, im.height) if p == (128, 255, 128)]
-        if not circle:
-            print("0 0")
-            return
-        right = max(x for x, _ in circle)
-        top = min(y for _, y in circle)
-        green = sum(1 for x, _, p in box(im, right + 3, 0, x1, im.height) if p == (0, 255, 0))
-        blue = sum(1 for _, y, p in box(im, x0, 0, x1, top - 3) if p == (0, 0, 255))
-        print(green, blue)
-    else:
-        sys.exit("unknown command " + cmd)
+        print("same" if load(a[0]).tobytes() == load(a[1]).tobytes() else "differ")
+    elif cmd == "having":
+        c = tuple(map(int, a[0:3]))
+        print(sum(any(p == c for n, p in colours(f)) for f in a[3:]))
+    elif cmd == "brightest":
+        box = list(map(int, a[0:4]))
+        print(*(max([p[0] for n, p in colours(f, box) if p[0] == p[1] == p[2]] or [0]) for f in a[4:]))
 
 
-main(sys.argv)
+main(sys.argv[1], sys.argv[2:])

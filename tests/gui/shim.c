@@ -1,0 +1,120 @@
+// Preloaded into dla3d by the GUI tests (LD_PRELOAD). Records in
+// $DLA_SHIM_LOG the forms as they are built (one line per form), the menus
+// (one line per menu), the texts the forms are filled with, every file
+// selector prompt and message box, the cursor, and a not-a-number colour
+// with its frame. A file selector is answered from the file $DLA_SHIM_ANSWER
+// when it exists (removed once read; "CANCEL" cancels), else shown as usual.
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <math.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#define NEXT(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
+enum { OWNLINE, FORM, MENU, SET };
+
+// A record joins the line of the records before it of the same group,
+// unless it starts a line (a form, a menu).
+static void Log(int group, int start, const char *fmt, ...) {
+  static int current = OWNLINE;
+  const char *path = getenv("DLA_SHIM_LOG");
+  FILE *fp = path ? fopen(path, "a") : NULL;
+  if (fp == NULL) return;
+  fputs(!start && group != OWNLINE && group == current ? "; " : "\n", fp);
+  current = group;
+  va_list ap;
+  va_start(ap, fmt);
+  vfprintf(fp, fmt, ap);
+  va_end(ap);
+  fclose(fp);
+}
+
+// Objects by their form (counted from 1) and place, for fl_set_input.
+static struct { void *object; int form, x, y; } objects[256];
+static int nobjects, nforms;
+
+void *fl_bgn_form(int type, int w, int h) {
+  Log(FORM, 1, "form %d %d", w, h);
+  nforms++;
+  return NEXT(fl_bgn_form)(type, w, h);
+}
+
+#define ADD(kind)                                                                     \
+  void *fl_add_##kind(int type, int x, int y, int w, int h, const char *label) {     \
+    void *ob = NEXT(fl_add_##kind)(type, x, y, w, h, label);                          \
+    Log(FORM, 0, #kind " %d %d %d %d %s", x, y, w, h, label);                           \
+    if (nobjects < 256) objects[nobjects].object = ob, objects[nobjects].form = nforms, \
+      objects[nobjects].x = x, objects[nobjects++].y = y;                             \
+    return ob;                                                                        \
+  }
+ADD(box)
+ADD(frame)
+ADD(button)
+ADD(checkbutton)
+ADD(input)
+ADD(text)
+
+void fl_set_input(void *ob, const char *text) {
+  for (int i = 0; i < nobjects; i++)
+    if (objects[i].object == ob) Log(SET, 0, "%d:%d,%d=%s", objects[i].form, objects[i].x, objects[i].y, text);
+  NEXT(fl_set_input)(ob, text);
+}
+
+const char *fl_show_fselector(const char *message, const char *dir, const char *pattern, const char *name) {
+  static char answer[4096];
+  const char *path = getenv("DLA_SHIM_ANSWER");
+  FILE *fp = path ? fopen(path, "r") : NULL;
+  if (fp == NULL) {
+    Log(OWNLINE, 0, "fselector %s", message);
+    return NEXT(fl_show_fselector)(message, dir, pattern, name);
+  }
+  if (fgets(answer, sizeof(answer), fp) == NULL) answer[0] = '\0';
+  fclose(fp);
+  unlink(path);
+  answer[strcspn(answer, "\n")] = '\0';
+  Log(OWNLINE, 0, "fselector %s -> %s", message, answer);
+  return strcmp(answer, "CANCEL") == 0 ? NULL : answer;
+}
+
+void fl_show_message(const char *a, const char *b, const char *c) {
+  Log(OWNLINE, 0, "message %s|%s|%s", a, b, c);
+  NEXT(fl_show_message)(a, b, c);
+}
+
+int glutCreateMenu(void (*callback)(int)) {
+  int id = NEXT(glutCreateMenu)(callback);
+  Log(MENU, 1, "menu %d", id);
+  return id;
+}
+
+void glutAddMenuEntry(const char *label, int value) {
+  Log(MENU, 0, "%s=%d", label, value);
+  NEXT(glutAddMenuEntry)(label, value);
+}
+
+void glutAddSubMenu(const char *label, int submenu) {
+  Log(MENU, 0, "%s>%d", label, submenu);
+  NEXT(glutAddSubMenu)(label, submenu);
+}
+
+void glutSetCursor(int cursor) {
+  Log(OWNLINE, 0, "cursor %d", cursor);
+  NEXT(glutSetCursor)(cursor);
+}
+
+static int frames;
+
+void glutSwapBuffers(void) {
+  frames++;
+  NEXT(glutSwapBuffers)();
+}
+
+void glColor3f(float r, float g, float b) {
+  static void (*next)(float, float, float);
+  if (next == NULL) next = NEXT(glColor3f);
+  if (isnan(r)) Log(OWNLINE, 0, "not-a-number colour in frame %d", frames);
+  next(r, g, b);
+}

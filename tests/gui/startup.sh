@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# Start-up: the usage text, the forms and menus as built and filled, hidden
+# forms, the window size of each command line, a resize reaching the
+# projection and the dumps, the first frame's statistics block, the
+# quitting keys, and the stereo visual "-s" asks for.
+# Usage: startup.sh DLA3D SHIM
+source "$(dirname "$0")/harness.sh"
+gui_init "$1" "$2"
+{
+  printf 'Usage: %s [command line options]\n' "$GUI_PROG"
+  cat <<'USAGE'
+Command line options
+       -h    this text
+       -d    more verbose mode
+       -f    full screen
+       -s    active (quad buffer) stereo
+      -ss    dual screen stereo
+Mouse controls
+     left    rotate camera
+   middle    roll camera
+    right    menus
+Function keys: see menus
+Keyboard commands
+        q    quit
+        h    reset camera
+      [,]    roll camera
+      <,>    more camera forward, backward
+      +,-    zoom camera in, out
+      a,A    autospin speed increase/decrease
+        w    window dump to TGA file
+Version: 1.02
+USAGE
+} >"$GUI_TMP/usage"
+usage() {
+  [ "$STATUS" = 255 ] && cmp -s "$GUI_TMP/usage" "$GUI_TMP/stderr" && [ ! -s "$GUI_TMP/stdout" ] ||
+    gui_fail "$1: status $STATUS; $(diff "$GUI_TMP/usage" "$GUI_TMP/stderr")"
+}
+# With no display at all: a program that touched the window system would fail otherwise.
+(unset DISPLAY; gui_run -h; usage "-h with no display") || exit 1
+gui_start_xvfb
+gui_run -d -f -ss -x -h -s
+usage "-h after other options"
+shown 0 || gui_fail "-h left a window"
+
+gui_start
+grep -v '^$\|^not-a-number' "$LOG" | diff "$(dirname "$0")/startup.txt" - >&2 || gui_fail "the forms or menus differ"
+wait_for 10 eval '[ "$(size_of "$WID")" = 800x600 ]' || gui_fail "window $(size_of "$WID")"
+shown 1 || gui_fail "a form is shown at start-up"
+xwininfo -root -children | grep -q '"XForm")' || gui_fail "the toolkit was not initialised"
+# The circles seen face on are as wide as high, before and after a resize.
+key F4 F3 F2
+for size in 800x600 600x600 700x500; do
+  xdotool windowsize "$WID" ${size/x/ }
+  wait_for 10 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
+  dump "$size"
+  [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
+  read -r x0 y0 x1 y1 < <(probe extent "$size.tga" 128 255 128)
+  [ $((x1 - x0 - y1 + y0)) -le 2 ] && [ $((y1 - y0 - x1 + x0)) -le 2 ] && [ $((x1 - x0)) -gt 100 ] ||
+    gui_fail "$size: the circles span $((x1 - x0)) x $((y1 - y0)) pixels"
+done
+# The statistics block is drawn once, in the first frame, with the grey 0 / 0.
+grep -x 'not-a-number colour in frame [0-9]*' "$LOG" | diff - <(echo "not-a-number colour in frame 0") >&2 ||
+  gui_fail "not one not-a-number grey, in the first frame"
+gui_quit q
+
+while read -r size quit cursor args; do
+  gui_start $args || gui_fail "$args: no window"
+  wait_for 10 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "$args: window $(size_of "$WID"), expected $size"
+  [ "$(grep -c '^cursor 101$' "$LOG")" = "$cursor" ] || gui_fail "$args: the cursor hidden $(grep -c '^cursor' "$LOG") times"
+  gui_quit "$quit"
+done <<'RUNS'
+1600x600 Q 1 -ss
+3200x600 Escape 1 -ss -ss
+1600x600 q 1 -s -ss
+800x600 q 0 -f -f
+800x600 q 0 -f
+800x600 q 0 -x --help h -S -ff -d
+RUNS
+# "-s" last asks for a stereo visual, keeping the width "-ss" doubled. Mesa
+# under Xvfb has none: freeglut then ends the program with status 1.
+for run in "800x600 -s" "1600x600 -ss -s"; do
+  if gui_start ${run#* }; then
+    wait_for 10 eval '[ "$(size_of "$WID")" = ${run%% *} ]' || gui_fail "$run: window $(size_of "$WID")"
+    gui_quit q
+  else
+    gui_wait_exit
+    [ "$STATUS" = 1 ] && grep -q 'FBConfig with necessary capabilities not found' "$GUI_TMP/stderr" ||
+      gui_fail "$run: no window, status $STATUS, and not for want of a stereo visual"
+  fi
+done
+gui_pass
