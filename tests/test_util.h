@@ -4,6 +4,7 @@
 #define DLA_TESTS_TEST_UTIL_H
 
 #include <gtest/gtest.h>
+#include <math.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -15,14 +16,16 @@
 #include "app/records.h"
 #include "app/startup.h"
 
-// The program as start-up leaves it. Suites derive from it by name
-// (`using Roots = Fresh;` then TEST_F(Roots, ...)).
+// The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
  protected:
   void SetUp() override { ResetProgram(); }
 };
 
 inline XYZ V(double x, double y, double z) { return XYZ{x, y, z}; }
+
+#define EXPECT_XYZ(p, ex, ey, ez, tol) \
+  do { EXPECT_NEAR((p).x, ex, tol); EXPECT_NEAR((p).y, ey, tol); EXPECT_NEAR((p).z, ez, tol); } while (0)
 
 // A directory of its own under TMPDIR (or /tmp), removed with its files.
 struct Scratch {
@@ -37,13 +40,11 @@ struct Scratch {
 };
 
 inline std::string ReadFile(const std::string &path) {
-  std::string s;
   FILE *fp = fopen(path.c_str(), "rb");
-  if (fp == NULL) return "(missing " + path + ")";
-  char buf[4096];
-  for (size_t n; (n = fread(buf, 1, sizeof(buf), fp)) > 0;) s.append(buf, n);
-  fclose(fp);
-  return s;
+  if (fp == NULL) return "(missing)";
+  std::string s;
+  for (int c; (c = fgetc(fp)) != EOF;) s += (char)c;
+  return fclose(fp), s;
 }
 
 inline std::string WriteFile(const std::string &path, const std::string &content) {
@@ -78,11 +79,9 @@ inline std::string DebugOutput(const std::function<void()> &f) {
 inline uint64_t AggregateHash(void) {
   uint64_t h = 1469598103934665603ULL;
   for (int i = 0; i < ncells; i++) {
-    unsigned char b[sizeof(XYZ) + sizeof(double) + sizeof(int)];
-    memcpy(b, &cells[i].p, sizeof(XYZ));
-    memcpy(b + sizeof(XYZ), &cells[i].weight, sizeof(double));
-    memcpy(b + sizeof(XYZ) + sizeof(double), &cells[i].parent, sizeof(int));
-    for (unsigned char c : b) h = (h ^ c) * 1099511628211ULL;
+    double d[5] = {cells[i].p.x, cells[i].p.y, cells[i].p.z, cells[i].weight, (double)cells[i].parent};
+    const unsigned char *b = (const unsigned char *)d;
+    for (size_t k = 0; k < sizeof(d); k++) h = (h ^ b[k]) * 1099511628211ULL;
   }
   return h;
 }

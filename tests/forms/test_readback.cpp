@@ -10,104 +10,57 @@ namespace {
 using FormReadBack = Fresh;
 
 TEST_F(FormReadBack, EachSettingWithItsRule) {
+  GROWTHSTATE &g = growthstate;
   struct { void (*read)(const char *); double *field; const char *text; double stored; } cases[] = {
-      {ReadStickinessText, &growthstate.stickiness, "250", 100}, {ReadStickinessText, &growthstate.stickiness, "0.5", 1},
-      {ReadStickinessText, &growthstate.stickiness, "37.5", 37.5}, {ReadStickinessText, &growthstate.stickiness, "", 1},
-      {ReadBiasText, &growthstate.bias, "1.5", 1}, {ReadBiasText, &growthstate.bias, "-0.2", 0},
-      {ReadBiasText, &growthstate.bias, "0.25", 0.25}, {ReadRotationText, &growthstate.rotation, "12", 5},
-      {ReadRotationText, &growthstate.rotation, "-12", -5}, {ReadRotationText, &growthstate.rotation, "-2.5", -2.5},
-      {ReadIntersectRangeText, &growthstate.intersectrange, "95", 90},
-      {ReadIntersectRangeText, &growthstate.intersectrange, "-1", 0},
-      {ReadIntersectRangeText, &growthstate.intersectrange, "45", 45},
-      {ReadBranchLengthText, &growthstate.branchlength, "", 0.01},
-      {ReadBranchLengthText, &growthstate.branchlength, "-3", 0.01},
-      {ReadBranchLengthText, &growthstate.branchlength, "0.01", 0.01},
-      {ReadBranchLengthText, &growthstate.branchlength, "2500", 2500},
-      {ReadThickEndText, &growthstate.thickend, "-0.3", 0.3}, {ReadThickEndText, &growthstate.thickend, "7", 7},
-      {ReadThickStartText, &growthstate.thickstart, "-2", 2}, {ReadThickStartText, &growthstate.thickstart, "abc", 0}};
+      {ReadStickinessText, &g.stickiness, "250", 100}, {ReadStickinessText, &g.stickiness, "0.5", 1},
+      {ReadStickinessText, &g.stickiness, "37.5", 37.5}, {ReadStickinessText, &g.stickiness, "", 1},
+      {ReadBiasText, &g.bias, "1.5", 1}, {ReadBiasText, &g.bias, "-0.2", 0}, {ReadBiasText, &g.bias, "0.25", 0.25},
+      {ReadRotationText, &g.rotation, "12", 5}, {ReadRotationText, &g.rotation, "-12", -5}, {ReadRotationText, &g.rotation, "-2.5", -2.5},
+      {ReadIntersectRangeText, &g.intersectrange, "95", 90}, {ReadIntersectRangeText, &g.intersectrange, "-1", 0},
+      {ReadIntersectRangeText, &g.intersectrange, "45", 45}, {ReadBranchLengthText, &g.branchlength, "", 0.01},
+      {ReadBranchLengthText, &g.branchlength, "-3", 0.01}, {ReadBranchLengthText, &g.branchlength, "2500", 2500},
+      {ReadThickEndText, &g.thickend, "-0.3", 0.3}, {ReadThickEndText, &g.thickend, "7", 7},  // not compared with the start
+      {ReadThickStartText, &g.thickstart, "-2", 2}, {ReadThickStartText, &g.thickstart, "abc", 0}};
   for (auto &c : cases) {
-    SCOPED_TRACE(c.text);
-    c.read(c.text);
-    EXPECT_EQ(*c.field, c.stored);
+    c.read(c.text); EXPECT_EQ(*c.field, c.stored) << c.text;
   }
-  EXPECT_EQ(growthstate.thickend, 7);  // the thicknesses are not compared with each other
-  // The seed: a decimal number truncated toward zero, then made positive.
-  for (auto s : {std::make_pair("-42.9", 42), std::make_pair("77.99", 77), std::make_pair("1e3", 1000), std::make_pair("", 0)}) {
-    ReadSeedText(s.first);
-    EXPECT_EQ(growthstate.seed, s.second) << s.first;
+  // The seed: a decimal number truncated toward zero, then made positive;
+  // the slice count: atoi ("1e3" is 1), at least 2.
+  for (auto s : {std::make_pair("-42.9", 42), std::make_pair("1e3", 1000), std::make_pair("", 0)}) {
+    ReadSeedText(s.first); EXPECT_EQ(g.seed, s.second) << s.first;
   }
+  EXPECT_EQ(TruncateText("1e30") + TruncateText("-1e30") + TruncateText("nan"), 0);  // held in the int range
   EXPECT_EQ(TruncateText("1e30"), 2147483647);
-  EXPECT_EQ(TruncateText("-1e30"), -2147483647);
-  EXPECT_EQ(TruncateText("nan"), 0);
-  // The slice count: atoi, at least 2 ("1e3" is 1).
-  for (auto s : {std::make_pair("1", 2), std::make_pair("", 2), std::make_pair("-9", 2), std::make_pair("7.8", 7),
-                 std::make_pair("1e3", 2)}) {
-    ReadSliceCountText(s.first);
-    EXPECT_EQ(options.nslices, s.second) << s.first;
+  for (auto s : {std::make_pair("1", 2), std::make_pair("-9", 2), std::make_pair("7.8", 7), std::make_pair("1e3", 2)}) {
+    ReadSliceCountText(s.first); EXPECT_EQ(options.nslices, s.second) << s.first;
   }
 }
 
 TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {
-  growthstate.rootdistribution = ROOT_SPHERICAL;
-  AppendCell(V(1, 0, 0), 0, 0);  // a grown cell the restart drops
-  growthstate.growing = 0;
-  ReadNumberOfRootsText("-7");
-  EXPECT_EQ(growthstate.nroots, 7);
-  EXPECT_EQ(ncells, 7);
+  growthstate.rootdistribution = ROOT_SPHERICAL; AppendCell(V(1, 0, 0), 0, 0);  // a grown cell the restart drops
+  growthstate.growing = 0; ReadNumberOfRootsText("-7");
+  EXPECT_EQ(growthstate.nroots * 100 + ncells * 10 + growthstate.growing, 771);
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].parent, -1);
-  EXPECT_EQ(growthstate.growing, 1);
-  ReadNumberOfRootsText("3.9");
-  EXPECT_EQ(ncells, 3);
-  growthstate.rootdistribution = ROOT_RINGZ, growthstate.nroots = 4;
-  ReadRootRangeText("5");  // a ring of radius 5: the first root on +x, the second on +y
-  EXPECT_NEAR(cells[0].p.x, 5, 1e-12);
-  EXPECT_NEAR(cells[1].p.y, 5, 1e-12);
-  EXPECT_EQ(growthstate.radius, 15);
-  ReadRootRangeText("-20");  // unclamped
-  EXPECT_NEAR(cells[0].p.x, -20, 1e-12);
-  AppendCell(V(1, 0, 0), 0, 0);
-  SetAssociate(1);
-  EXPECT_EQ(growthstate.associate, 1);
-  EXPECT_EQ(ncells, 4);  // the grown cell dropped
+  growthstate.rootdistribution = ROOT_RINGZ; ReadNumberOfRootsText("4.9");
+  ReadRootRangeText("-20");  // unclamped: a ring of radius -20
+  ASSERT_EQ(ncells, 4); EXPECT_XYZ(cells[1].p, 0, -20, 0, 1e-12); AppendCell(V(1, 0, 0), 0, 0); SetAssociate(1);
+  EXPECT_EQ(growthstate.associate * 10 + ncells, 14);
 }
 
-TEST_F(FormReadBack, SliceNormalIsStoredAsTypedAndCutAlongAUnitCopy) {
-  ReadSliceNormalText(0, "3");
-  ReadSliceNormalText(1, "-4");
-  ReadSliceNormalText(2, "");
-  XYZ n = SliceNormalForCut();
-  EXPECT_NEAR(n.x, 0.6, 1e-15);
-  EXPECT_NEAR(n.y, -0.8, 1e-15);
-  EXPECT_EQ(options.slicenormal.x, 3);  // the stored field is not normalised
-  // Below 1e-5 in length: z becomes 1 and stays; x and y stay as they are.
-  ReadSliceNormalText(0, "6e-6");
-  ReadSliceNormalText(1, "-6e-6");
-  ReadSliceNormalText(2, "0");
-  n = SliceNormalForCut();
-  EXPECT_EQ(options.slicenormal.x, 6e-6);
-  EXPECT_EQ(options.slicenormal.z, 1);
-  EXPECT_NEAR(n.z, 1, 1e-9);
-  EXPECT_GT(n.x, 0);
-  ReadSliceNormalText(0, "0");
-  ReadSliceNormalText(1, "0");
+TEST_F(FormReadBack, SliceNormalStoredAsTypedAndTransformApplied) {
+  ReadSliceNormalText(0, "3"); ReadSliceNormalText(1, "-4"); ReadSliceNormalText(2, "");
+  EXPECT_XYZ(SliceNormalForCut(), 0.6, -0.8, 0, 1e-15);
+  EXPECT_XYZ(options.slicenormal, 3, -4, 0, 0);  // the stored field is not normalised
+  for (const char *x : {"6e-6", "0"}) {  // below 1e-5 in length: z becomes 1 and stays, x stays
+    ReadSliceNormalText(0, x), ReadSliceNormalText(1, "0"), ReadSliceNormalText(2, "0");
+    EXPECT_XYZ(SliceNormalForCut(), atof(x), 0, 1, 1e-9); EXPECT_XYZ(options.slicenormal, atof(x), 0, 1, 0);
+  }
   ReadSliceNormalText(2, "-2e-5");  // just above: kept
-  EXPECT_NEAR(SliceNormalForCut().z, -1, 1e-12);
-  EXPECT_EQ(options.slicenormal.z, -2e-5);
-}
-
-TEST_F(FormReadBack, ApplyRotatesThenScalesThenShifts) {
-  AppendFacet(V(0, 0, 0), V(1, 0, 0), V(0, 1, 0));
-  UpdateSTL();
+  EXPECT_XYZ(SliceNormalForCut(), 0, 0, -1, 1e-12); AppendFacet(V(0, 0, 0), V(1, 0, 0), V(0, 1, 0)); UpdateSTL();
   const char *text[9] = {"2", "3", "4", "1", "0", "-1", "0", "0", "180"};
-  ApplyTransformText(text);
-  // Half a turn about z, then scaled by (2,3,4), then shifted by (1,0,-1).
-  EXPECT_NEAR(stltri[0].p[1].x, -1, 1e-6);
-  EXPECT_NEAR(stltri[0].p[2].y, -3, 1e-6);
-  EXPECT_NEAR(stltri[0].p[2].z, -1, 1e-6);
+  ApplyTransformText(text);  // half a turn about z, scaled by (2,3,4), shifted by (1,0,-1)
+  EXPECT_XYZ(stltri[0].p[1], -1, 0, -1, 1e-6); EXPECT_XYZ(stltri[0].p[2], 1, -3, -1, 1e-6);
   EXPECT_NEAR(stlmid.y, -1.5, 1e-6);
-  const char *identity[9] = {"1.0", "1.0", "1.0", "0.0", "0.0", "0.0", "0.0", "0.0", "0.0"};
-  ApplyTransformText(identity);
-  EXPECT_NEAR(stltri[0].p[2].y, -3, 1e-6);
 }
 
 }  // namespace

@@ -9,11 +9,12 @@ gui_start_xvfb
 gui_start
 key F4 F3  # a small aggregate, held: the scenes stay small
 n=0
+pov() { save "$W/$1.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"; }
 # camera WANT: the scene's "VP VU angle" as nine numbers and one, against
 # WANT (awk expressions), each within the 6 digits %g gives.
 camera() {
   n=$((n + 1))
-  save "$W/c.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"
+  pov c
   local got
   got=$(sed -n 's/^#declare VP = <\(.*\)>;$/\1/p; s/^#declare VU = <\(.*\)>;$/\1/p; s/^ angle \([^ ]*\) .*/\1/p' "$W/c.pov" | tr ',\n' '  ')
   awk -v got="$got" -v want="$1" 'BEGIN {
@@ -26,51 +27,28 @@ camera() {
 }
 # The arrows turn by 0.02 rad: Left about the up vector to -y, Up about the
 # right vector taking the eye down; + and - zoom by 0.95, . and , dolly.
-key Left plus period
-camera "57*c2 -57*s2 0 0 0 1 57"
-key h Right minus comma
-camera "63.157895*c2 63.157895*s2 0 0 0 1 63.157895"
-key H Up equal greater
-camera "57*c2 0 -57*s2 s2 0 c2 57"
-key h Down underscore less
-camera "63.157895*c2 0 63.157895*s2 -s2 0 c2 63.157895"
+key Left plus period; camera "57*c2 -57*s2 0 0 0 1 57"
+key h Right minus comma; camera "63.157895*c2 63.157895*s2 0 0 0 1 63.157895"
+key H Up equal greater; camera "57*c2 0 -57*s2 s2 0 c2 57"
+key h Down underscore less; camera "63.157895*c2 0 63.157895*s2 -s2 0 c2 63.157895"
 # The roll keys turn only the up vector; shifted arrows do nothing.
-key h bracketright shift+Left shift+Up
-camera "60 0 0 0 s2 c2 60"
+key h bracketright shift+Left shift+Up; camera "60 0 0 0 s2 c2 60"
 # Zoom stops just below 1 and just above 90; the eye never crosses the origin.
-key h bracketleft $(yes plus | head -90)
-camera "60 0 0 0 -s2 c2 0.990922"
-key h $(yes minus | head -20) $(yes period | head -150)
-camera "0.0273333 0 0 0 0 1 90.440386"
+key h bracketleft $(yes plus | head -90); camera "60 0 0 0 -s2 c2 0.990922"
+key h $(yes minus | head -20) $(yes period | head -150); camera "0.0273333 0 0 0 0 1 90.440386"
 # A left drag turns by -0.01 rad per pixel: 60 right, then 40 down; a
 # middle drag rolls by 1/200 rad per pixel across and ignores up and down;
 # with shift held neither moves.
-key h
-drag 300 300 360 300
-camera "60*0.825336 -60*0.564642 0 0 0 1 60"
-key h
-drag 300 300 300 340
-camera "60*0.921061 0 60*0.389418 -0.389418 0 0.921061 60"
-key h
-drag 300 300 340 330 2
-drag 300 300 340 330 1 shift
-camera "60 0 0 0 0.198669 0.980067 60"
+key h; drag 300 300 360 300; camera "60*0.825336 -60*0.564642 0 0 0 1 60"
+key h; drag 300 300 300 340; camera "60*0.921061 0 60*0.389418 -0.389418 0 0.921061 60"
+key h; drag 300 300 340 330 2; drag 300 300 340 330 1 shift; camera "60 0 0 0 0.198669 0.980067 60"
 # Autospin: a turns the view like Right, a bit more each frame; A from
 # zero the other way; back at zero it stops.
-key h a
-sleep 0.5
-save "$W/spin1.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"
-sleep 0.5
-key A
-save "$W/spin2.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"
-sleep 0.5
-save "$W/spin3.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"
 y() { sed -n 's/^#declare VP = <[^,]*,\([^,]*\),.*/\1/p' "$W/$1.pov"; }
+key h a; sleep 0.5; pov spin1; sleep 0.5; key A; pov spin2; sleep 0.5; pov spin3
 awk -v a="$(y spin1)" -v b="$(y spin2)" 'BEGIN {exit !(a > 0 && b > a)}' || gui_fail "a: VP y $(y spin1) then $(y spin2)"
 cmp -s "$W/spin2.pov" "$W/spin3.pov" || gui_fail "the spin went on after A"
-key h A
-sleep 0.5
-save "$W/spin4.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"
+key h A; sleep 0.5; pov spin4
 awk -v a="$(y spin4)" 'BEGIN {exit !(a < 0)}' || gui_fail "A from zero: VP y $(y spin4)"
 gui_quit q
 gui_pass

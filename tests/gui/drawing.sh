@@ -9,11 +9,10 @@ gui_init "$1" "$2"
 GUI_SCREEN=1700x1000x24
 gui_start_xvfb
 gui_start
-key F4
-sleep 0.3
-key F3  # a small aggregate, held still
+key F4; sleep 0.3; key F3  # a small aggregate, held still
 lit() { probe lit "$1.tga" "${@:2}"; }
 count() { probe count "$1.tga" "${@:2}"; }
+other() { probe other "$1.tga" "${@:2}"; }
 same() { [ "$(probe same "$1.tga" "$2.tga")" = same ]; }
 
 dump start  # text, extras and the aggregate in lines
@@ -23,99 +22,65 @@ key F1 F2
 dump lines
 L=$(lit lines)
 [ "$L" -ge 100 ] && [ "$(count lines 255 255 255)" = 0 ] && [ "$(count lines 128 255 128)" = 0 ] || gui_fail "F1 F2: text or circles left"
-menu "DLA drawing mode" "Off"
-dump off
+menu "DLA drawing mode" "Off"; dump off
 [ "$(lit off)" = 0 ] || gui_fail "Off: $(lit off) lit pixels"
-key F1  # the extras alone: the y axis (green) to the right, z (blue) up
-dump extras
+key F1; dump extras; key F1  # the extras alone: the y axis (green) to the right, z (blue) up
 [ "$(count extras 0 255 0 420 0 800 600)" -ge 5 ] && [ "$(count extras 0 0 255 0 0 800 280)" -ge 5 ] || gui_fail "axes"
-key F1
-menu "DLA drawing mode" "Points"
-dump points
-P=$(lit points)
-[ "$P" -ge 30 ] && [ "$P" -lt "$L" ] || gui_fail "points: $P lit pixels, lines $L"
-# Both tube ends 0.2 thick, so that every tube is wider than its line.
-menu "Settings"
-field 411 531 200 255 0.2
-field 411 531 280 255 0.2
-press 411 531 350 495
-menu "DLA drawing mode" "Tubes (Slow)"
-dump tubes
-[ "$(lit tubes)" -gt $((L * 2)) ] || gui_fail "tubes: $(lit tubes) lit pixels, lines $L"
-menu "DLA drawing mode" "Lines"
-dump lines2
-same lines lines2 || gui_fail "the held aggregate changed"
-key F3
+key F3; menu "DLA drawing mode" "Lines"
 wait_for 10 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growth after F3"
-key F3
+key F3; dump held1; sleep 0.5; dump held2
+same held1 held2 || gui_fail "the aggregate changed while paused"
 
 # The surface alone, in each mode.
-menu "DLA drawing mode" "Off"
-menu "Sample constraint surfaces" "Cylinder"
-dump wire
+menu "DLA drawing mode" "Off"; menu "Sample constraint surfaces" "Cylinder"; dump wire
 Wire=$(count wire 128 128 128)
-[ "$Wire" -ge 500 ] && [ "$(probe other wire.tga 128,128,128)" = 0 ] || gui_fail "wireframe: $Wire grey pixels"
+[ "$Wire" -ge 500 ] && [ "$(other wire 128,128,128)" = 0 ] || gui_fail "wireframe: $Wire grey pixels"
 for mode in "Mid points of faces" "Face vertices"; do
-  menu "Constraint surface drawing mode" "$mode"
-  dump "${mode// /}"
-  [ "$(count "${mode// /}" 255 255 255)" -ge 40 ] && [ "$(probe other "${mode// /}.tga" 255,255,255)" = 0 ] || gui_fail "$mode"
+  menu "Constraint surface drawing mode" "$mode"; dump "${mode// /}"
+  [ "$(count "${mode// /}" 255 255 255)" -ge 40 ] && [ "$(other "${mode// /}" 255,255,255)" = 0 ] || gui_fail "$mode"
 done
 same Midpointsoffaces Facevertices && gui_fail "vertices drawn as mid points"
-menu "Constraint surface drawing mode" "Faces, solid"
-dump solid
+menu "Constraint surface drawing mode" "Faces, solid"; dump solid
 read -r grey levels < <(probe greys solid.tga)
 [ "$grey" = "$(lit solid)" ] && [ "$levels" -ge 5 ] && [ "$grey" -gt $((Wire * 3)) ] || gui_fail "solid: $grey grey pixels in $levels levels"
-menu "Constraint surface drawing mode" "Off"
-dump nosurface
+menu "Constraint surface drawing mode" "Off"; dump nosurface
 [ "$(lit nosurface)" = 0 ] || gui_fail "surface Off"
 # A square facing the eye read while Off is drawn as a wireframe; read
 # while solid it stays solid.
 printf 'solid s\nouter loop\nvertex 0 -15 -15\nvertex 0 15 -15\nvertex 0 15 15\nendloop\nouter loop\nvertex 0 -15 -15\nvertex 0 15 15\nvertex 0 -15 15\nendloop\n' >"$W/square.stl"
-echo "$W/square.stl" >"$GUI_TMP/answer"
-menu "Read constraint surface from STL file"
-dump square
-[ "$(count square 128 128 128)" -ge 300 ] && [ "$(probe other square.tga 128,128,128)" = 0 ] || gui_fail "not a wireframe after reading"
-menu "Constraint surface drawing mode" "Faces, solid"
-dump squaresolid
-echo "$W/square.stl" >"$GUI_TMP/answer"
-menu "Read constraint surface from STL file"
-dump squaresolid2
+echo "$W/square.stl" >"$GUI_TMP/answer"; menu "Read constraint surface from STL file"; dump square
+[ "$(count square 128 128 128)" -ge 300 ] && [ "$(other square 128,128,128)" = 0 ] || gui_fail "not a wireframe after reading"
+menu "Constraint surface drawing mode" "Faces, solid"; dump squaresolid
+echo "$W/square.stl" >"$GUI_TMP/answer"; menu "Read constraint surface from STL file"; dump squaresolid2
 [ "$(lit squaresolid)" -gt $(($(lit square) * 10)) ] && same squaresolid squaresolid2 || gui_fail "reading while solid changed the drawing"
 
-# Three roots grown apart: points and lines by root, tubes by weight.
-menu "Sample constraint surfaces" "None"
-menu "Initial root distribution" "Random: x axis plane"  # random roots
+# Three roots grown apart, tubes 0.2 thick: points and lines by root (and
+# points fewer than lines), tubes by weight and wider than lines.
+menu "Sample constraint surfaces" "None"; menu "Initial root distribution" "Random: x axis plane"
 menu "Settings"
-field 411 531 200 365 3
-press 411 531 185 435  # associate
-press 411 531 350 495
-sleep 0.5
-key F3
+for f in "200 365 3" "200 255 0.2" "280 255 0.2"; do field 411 531 $f; done
+press 411 531 185 435; press 411 531 350 495  # associate (a restart), Hide
+sleep 0.5; key F3
+for mode in Points Lines "Tubes (Slow)"; do menu "DLA drawing mode" "$mode"; dump "${mode%% *}"; done
 for mode in Points Lines; do
-  menu "DLA drawing mode" "$mode"
-  dump "$mode"
-  for c in "255 0 0" "0 255 0" "0 0 255"; do [ "$(count "$mode" $c)" -ge 10 ] || gui_fail "$mode: no $c"; done
-  [ "$(probe other "$mode.tga" 255,0,0 0,255,0 0,0,255)" = 0 ] || gui_fail "$mode: not by root"
+  for c in "255 0 0" "0 255 0" "0 0 255"; do [ "$(count $mode $c)" -ge 10 ] || gui_fail "$mode: no $c"; done
+  [ "$(other $mode 255,0,0 0,255,0 0,0,255)" = 0 ] || gui_fail "$mode: not by root"
 done
-menu "DLA drawing mode" "Tubes (Slow)"
-dump Tubes
-[ "$(probe mixed Tubes.tga)" -ge $(($(lit Tubes) / 2)) ] || gui_fail "tubes coloured by root: $(probe mixed Tubes.tga) of $(lit Tubes) mixed"
+[ "$(lit Points)" -lt "$(lit Lines)" ] && [ "$(lit Tubes)" -gt $(($(lit Lines) * 2)) ] || gui_fail "points, lines, tubes: $(lit Points) $(lit Lines) $(lit Tubes)"
+[ "$(probe mixed Tubes.tga)" -ge $(($(lit Tubes) / 2)) ] || gui_fail "tubes coloured by root"
 gui_quit q
 
 # Side by side: each eye in its half with the circles and the text; close
 # up, the red x axis (pointing at the eye) leans to the other eye's side:
 # left of the centre in the right half, right of it in the left half.
 gui_start -ss
-key F4 F3
-dump dual
+key F4 F3; dump dual
 [ "$(probe size dual.tga)" = 1600x600 ] || gui_fail "dump size $(probe size dual.tga)"
 for x in 0 800; do
-  [ "$(count dual 128 255 128 $x 0 $((x + 800)) 600)" -ge 200 ] && [ "$(lit dual $x 0 $((x + 250)) 200)" -ge 300 ] ||
+  [ "$(count dual 128 255 128 $x 0 $((x + 800)) 600)" -ge 200 ] && [ "$(count dual 255 255 255 $x 0 $((x + 250)) 200)" -ge 300 ] ||
     gui_fail "no circles or text in the half at $x"
 done
-key F2 $(yes period | head -27)
-menu "DLA drawing mode" "Off"
-dump close
+key F2 $(yes period | head -27); menu "DLA drawing mode" "Off"; dump close
 c() { count close 255 0 0 $1 0 $2 600; }
 [ "$(c 403 800)" -gt $(($(c 0 397) + 10)) ] && [ "$(c 800 1197)" -gt $(($(c 1203 1600) + 10)) ] ||
   gui_fail "eyes: red $(c 0 397) $(c 403 800) | $(c 800 1197) $(c 1203 1600)"

@@ -26,18 +26,13 @@ dump second  # 0003: the failure took no number
 
 # A held aggregate of a few hundred cells in lines, no extras or text;
 # recording, F5. The recorded frames are numbered from 0004.
-key F4
-sleep 0.5
-key F3 F1 F2 r F5
+key F4; sleep 0.5; key F3 F1 F2 r F5
 frames() { ls "$W" | grep '^[0-9]*\.tga$' | sed 1,2d; }
 box="400 0 800 130"
 wait_for 30 eval '[ "$(probe brightest $box "$(frames | tail -2 | head -1)" 2>/dev/null)" -gt 0 ]' || gui_fail "no statistics block"
 shown=$(frames | wc -l)
 wait_for 20 eval '[ $(frames | wc -l) -gt $((shown + 40)) ]' || gui_fail "the recording stopped"
-key r
-sleep 0.5
-n=$(frames | wc -l)
-sleep 0.5
+key r; sleep 0.5; n=$(frames | wc -l); sleep 0.5
 [ "$(frames | wc -l)" = "$n" ] || gui_fail "r did not stop the recording"
 [ "$(frames | tail -1)" = "$(printf '%04d.tga' $((n + 3)))" ] || gui_fail "the recorded frames are not numbered without gaps"
 [ "$(probe having 128 255 128 $(frames))" -ge 1 ] || gui_fail "no frame showed a box of the count"

@@ -2,18 +2,17 @@
 # Drives dla3d under a private Xvfb; source it from a test script.
 #   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
 #   gui_start_xvfb          a server of our own (it picks a free display)
-#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its window ($WID)
+#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame
 #   key KEYS... / drag X1 Y1 X2 Y2 [BUTTON [MODIFIER]]   input in window coordinates
-#   menu LABEL [SUBLABEL]   a menu entry, found by label in the shim's record of the menus
-#   save PATH LABEL [SUB]   a menu entry whose file selector is answered with PATH
-#   field W H X Y TEXT / press W H X Y   a form input or button at layout X Y of a W x H form
-#   dump NAME               w, then the new numbered dump renamed NAME.tga
+#   menu LABEL [SUBLABEL]   a menu entry by label (#N: by row), as the shim saw the menus built
+#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH
+#   field W H X Y TEXT / press W H X Y   an input or a button at layout X Y of a centred W x H form
+#   dump NAME               w, and the new numbered dump renamed NAME.tga
 #   gui_quit [KEY]          the key ends the program with status 0
-# No window manager: focus does not follow the pointer, so keys go to the
-# window itself (xdotool key --window), and a key that ends the program is
-# typed into the focused window (with --window xdotool reports BadWindow on
-# the key-up). Forms shown centred sit at the screen's centre.
-GUI_TMP="" GUI_PID="" GUI_XVFB="" WID="" STATUS="" GUI_RETRIES=0
+# No window manager: focus does not follow the pointer, so keys are sent to
+# the window (xdotool key --window), and a key that ends the program is
+# typed into the focused window (else xdotool reports BadWindow on key-up).
+GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_RETRIES=0
 PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 
 gui_fail() {
@@ -22,24 +21,14 @@ gui_fail() {
   exit 1
 }
 gui_pass() { echo PASS; exit 0; }
-
-gui_cleanup() {
-  [ -n "$GUI_PID" ] && kill "$GUI_PID" 2>/dev/null && wait "$GUI_PID" 2>/dev/null
-  [ -n "$GUI_XVFB" ] && kill "$GUI_XVFB" 2>/dev/null && wait "$GUI_XVFB" 2>/dev/null
-  [ -n "$GUI_TMP" ] && [ -z "${GUI_KEEP:-}" ] && rm -rf "$GUI_TMP"
-}
+gui_cleanup() { for p in $GUI_PID $GUI_XVFB; do kill "$p" 2>/dev/null && wait "$p" 2>/dev/null; done; [ -n "${GUI_KEEP:-}" ] || rm -rf "$GUI_TMP"; }
 
 gui_init() {
-  GUI_PROG=$(realpath "$1") || gui_fail "no program $1"
-  GUI_SHIM=${2:+$(realpath "$2")}
-  for tool in Xvfb xdotool xdpyinfo xwininfo /usr/bin/python3; do
-    command -v "$tool" >/dev/null || gui_fail "missing tool: $tool"
-  done
+  GUI_PROG=$(realpath "$1") GUI_SHIM=${2:+$(realpath "$2")}
+  for tool in Xvfb xdotool xdpyinfo xwininfo /usr/bin/python3; do command -v "$tool" >/dev/null || gui_fail "missing tool: $tool"; done
   GUI_TMP=$(mktemp -d "${TMPDIR:-/tmp}/dla3d-gui.XXXXXX") || gui_fail "mktemp"
   W=$GUI_TMP/work LOG=$GUI_TMP/shim.log
-  mkdir "$W"
-  trap gui_cleanup EXIT
-  trap 'exit 130' INT TERM
+  mkdir "$W"; trap gui_cleanup EXIT; trap 'exit 130' INT TERM
 }
 
 # wait_for SECONDS COMMAND...: polls until the command succeeds.
@@ -55,50 +44,36 @@ wait_for() {
 # The server writes its display number only once it listens (-displayfd),
 # so a server starting or stopping elsewhere is never taken for ours.
 gui_start_xvfb() {
-  local tries
-  for tries in 1 2 3; do
-    Xvfb -displayfd 3 -screen 0 "${GUI_SCREEN:-3300x1300x24}" -nolisten tcp 3>"$GUI_TMP/display" >/dev/null 2>&1 &
-    GUI_XVFB=$!
-    if wait_for 15 grep -q '[0-9]' "$GUI_TMP/display"; then
-      export DISPLAY=:$(tr -dc 0-9 <"$GUI_TMP/display")
-      xdpyinfo >/dev/null 2>&1 && return 0
-    fi
-    kill "$GUI_XVFB" 2>/dev/null
-    wait "$GUI_XVFB" 2>/dev/null
-  done
-  gui_fail "could not start Xvfb"
+  Xvfb -displayfd 3 -screen 0 "${GUI_SCREEN:-3300x1300x24}" -nolisten tcp 3>"$GUI_TMP/display" >/dev/null 2>&1 &
+  GUI_XVFB=$!
+  wait_for 15 grep -q '[0-9]' "$GUI_TMP/display" || gui_fail "could not start Xvfb"
+  export DISPLAY=:$(tr -dc 0-9 <"$GUI_TMP/display")
 }
 
 # A server that answered may still be lost by the time the program connects
-# (seen with many servers starting and stopping): then a new one, up to
-# three times.
+# (seen with many servers starting and stopping): a new one, up to three times.
 gui_lost_display() {
   grep -q "Can't open display" "$GUI_TMP/stderr" 2>/dev/null && [ $GUI_RETRIES -lt 3 ] || return 1
-  GUI_RETRIES=$((GUI_RETRIES + 1))
-  kill "$GUI_XVFB" 2>/dev/null
-  wait "$GUI_XVFB" 2>/dev/null
-  gui_start_xvfb
+  GUI_RETRIES=$((GUI_RETRIES + 1)); kill "$GUI_XVFB" 2>/dev/null && wait "$GUI_XVFB" 2>/dev/null; gui_start_xvfb
 }
 
 gui_running() { [ -n "$GUI_PID" ] && ! grep -qs '^State:.Z' /proc/$GUI_PID/status && [ -e /proc/$GUI_PID ]; }
 window_shown() { WID=$(xdotool search --onlyvisible --name '^Diffusion Limited Aggregation$' 2>/dev/null | head -1); [ -n "$WID" ]; }
-window_or_end() { window_shown || ! gui_running; }
 
 # gui_start ARGS...: returns 1 when the program ended without a window.
 gui_start() {
-  : >"$LOG"
-  DUMPNO=0 MENUHEIGHT=""
+  : >"$LOG"; DUMPNO=0 MENUHEIGHT=""
   (cd "$W" && LD_PRELOAD=$GUI_SHIM DLA_SHIM_LOG=$LOG DLA_SHIM_ANSWER=$GUI_TMP/answer exec "$GUI_PROG" "$@") \
     >"$GUI_TMP/stdout" 2>"$GUI_TMP/stderr" &
   GUI_PID=$!
-  wait_for 30 window_or_end || gui_fail "no window after 30 s"
+  wait_for 30 eval 'window_shown || ! gui_running' || gui_fail "no window after 30 s"
   if ! window_shown; then
     gui_lost_display && { gui_start "$@"; return; }
     return 1
   fi
-  # The first frame is drawn once the main loop runs: the menus are built.
+  # The first frame is drawn in the main loop: the menus are built by then.
   wait_for 30 grep -q '^not-a-number colour' "$LOG" || gui_fail "no first frame"
-  read -r WX WY < <(origin_of "$WID")
+  read -r WX WY < <(xwininfo -id "$WID" | awk '/Absolute upper-left [XY]:/ {printf "%s ", $4}')
   menu_rows
 }
 
@@ -106,15 +81,12 @@ gui_start() {
 gui_run() {
   (cd "$W" && exec timeout 20 "$GUI_PROG" "$@") >"$GUI_TMP/stdout" 2>"$GUI_TMP/stderr"
   STATUS=$?
-  if gui_lost_display; then gui_run "$@"; fi
+  ! gui_lost_display || gui_run "$@"
 }
-
 gui_wait_exit() {
   wait_for 20 eval '! gui_running' || gui_fail "program still running after 20 s"
-  wait "$GUI_PID"
-  STATUS=$? GUI_PID=""
+  wait "$GUI_PID"; STATUS=$? GUI_PID=""
 }
-
 gui_quit() {
   gui_running || gui_fail "the program ended early"
   xdotool windowfocus --sync "$WID" key "${1:-q}"
@@ -122,25 +94,21 @@ gui_quit() {
   [ "$STATUS" = 0 ] || gui_fail "status $STATUS after ${1:-q}"
 }
 
-# shown N: N top-level windows are mapped (forms have no name to search by).
-shown() { [ "$(for w in $(xwininfo -root -children | awk '/^ +0x/ {print $1}'); do xwininfo -id "$w"; done | grep -c IsViewable)" = "$1" ]; }
+# N top-level windows mapped (forms have no name to search by).
+shown() { [ "$(xwininfo -root -children | awk '/^ +0x/ {print $1}' | xargs -n1 xwininfo -id | grep -c IsViewable)" = "$1" ]; }
 size_of() { xwininfo -id "$1" | awk '/Width:/ {w = $2} /Height:/ {h = $2} END {print w "x" h}'; }
-origin_of() { xwininfo -id "$1" | awk '/Absolute upper-left X:/ {x = $4} /Absolute upper-left Y:/ {y = $4} END {print x, y}'; }
 key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }  # no focus: xdotool complains
-
-# Without --sync: xdotool waits for a move that never comes when the pointer
-# is already at the target.
+# Never mousemove --sync: it waits for ever when the pointer is already there.
 drag() {
-  local x=$WX y=$WY i steps=""
-  for i in 1 2 3 4 5; do steps+=" sleep 0.02 mousemove $((x + $1 + ($3 - $1) * i / 5)) $((y + $2 + ($4 - $2) * i / 5))"; done
-  [ -n "${6:-}" ] && xdotool keydown "$6"
-  xdotool mousemove $((x + $1)) $((y + $2)) sleep 0.05 mousedown "${5:-1}" $steps sleep 0.05 mouseup "${5:-1}"
-  [ -n "${6:-}" ] && xdotool keyup "$6"
-  return 0
+  local i steps=""
+  for i in 1 2 3 4 5; do steps+=" sleep 0.02 mousemove $((WX + $1 + ($3 - $1) * i / 5)) $((WY + $2 + ($4 - $2) * i / 5))"; done
+  [ -z "${6:-}" ] || xdotool keydown "$6"
+  xdotool mousemove $((WX + $1)) $((WY + $2)) sleep 0.05 mousedown "${5:-1}" $steps sleep 0.05 mouseup "${5:-1}"
+  [ -z "${6:-}" ] || xdotool keyup "$6"
 }
 
-# The rows of the menus as the shim saw them built (the main menu is the
-# last made): MENUROW[LABEL], MENUROW[LABEL/SUBLABEL]; #N for the entry N.
+# MENUROW[LABEL], MENUROW[LABEL/SUBLABEL] (#N for row N): the rows of the
+# menus from the shim's record (the main menu is the last made).
 menu_rows() {
   declare -gA MENUROW=()
   local k v
@@ -153,33 +121,25 @@ menu_rows() {
             e = entry["menu " s[2], j]; sub(/=[0-9]*$/, "", e); print label "/" e "\t" j; print label "/#" j "\t" j } }
       print "rows\t" n[main] }' "$LOG")
 }
-
-menus_gone() { ! xdotool search --onlyvisible --name '^freeglut menu$' >/dev/null 2>&1; }
-
 menus_open() { [ "$(xdotool search --onlyvisible --name '^freeglut menu$' 2>/dev/null | wc -l)" -ge "$1" ]; }
 
-# menu LABEL [SUBLABEL] (#N: the entry N, from 0): the right button pressed
-# in the window opens the main menu with its corner at the pointer; along
-# the rows to the entry (rows measured once per program), release there. A
-# pointer move reaches a menu only once its window is shown, and in a
-# sub-menu freeglut ignores the release: a click chooses.
+# The right button opens the main menu with its corner at the pointer;
+# along the rows to the entry, release there. A pointer move reaches a menu
+# only once its window is shown; in a sub-menu freeglut ignores the release,
+# and a click chooses.
 menu() {
-  local i=${MENUROW[$1]:-} j=${MENUROW[$1/${2:-}]:-} x=$((WX + 150)) y=$((WY + 40)) id k
+  local i=${MENUROW[$1]:-} j=${MENUROW[$1/${2:-}]:-} x=$((WX + 150)) y=$((WY + 40)) k
   [ -n "$i" ] && { [ $# = 1 ] || [ -n "$j" ]; } || gui_fail "no menu entry \"$*\""
   timeout 10 xdotool mousemove $x $y sleep 0.05 mousedown 3 search --sync --onlyvisible --name '^freeglut menu$' >/dev/null ||
     gui_fail "no menu"
-  if [ -z "${MENUHEIGHT:-}" ]; then
-    id=$(xdotool search --onlyvisible --name '^freeglut menu$' | head -1)
-    read -r MENUWIDTH MENUHEIGHT < <(size_of "$id" | tr x ' ')
+  if [ -z "$MENUHEIGHT" ]; then  # rows measured once per program
+    read -r MENUWIDTH MENUHEIGHT < <(size_of "$(xdotool search --onlyvisible --name '^freeglut menu$' | head -1)" | tr x ' ')
     MENUHEIGHT=$(((MENUHEIGHT - 4) / MENUROW[rows]))
   fi
   local row=$MENUHEIGHT ty=$((y + 2 + MENUHEIGHT * i + MENUHEIGHT / 2))
   xdotool mousemove $((x + 20)) $((y + 2 + row / 2)) sleep 0.05 mousemove $((x + 21)) $ty
   if [ $# = 2 ]; then
-    for k in 1 2 3 4 5; do
-      wait_for 2 menus_open 2 && break
-      xdotool mousemove $((x + 30 + k)) $ty  # once more over the entry
-    done
+    for k in 1 2 3 4 5; do wait_for 2 menus_open 2 && break || xdotool mousemove $((x + 30 + k)) $ty; done
     menus_open 2 || gui_fail "no sub-menu \"$1\""
     x=$((x + MENUWIDTH)) y=$((y + row * i))  # the sub-menu's corner
     xdotool mousemove $((x + 20)) $((y + 2 + row / 2)) sleep 0.05 mousemove $((x + 21)) $((y + 2 + row * j + row / 2)) \
@@ -187,17 +147,14 @@ menu() {
   else
     xdotool sleep 0.05 mouseup 3
   fi
-  wait_for 10 menus_gone || gui_fail "menu still open after \"$*\""
+  wait_for 10 eval '! menus_open 1' || gui_fail "menu still open after \"$*\""
 }
 
-# save PATH LABEL [SUB]: the shim answers the file selector with PATH; waits
-# until the file is written.
+# save PATH LABEL [SUB]: waits until the file is written.
 save() {
   local path=$1
   shift
-  rm -f "$path"
-  echo "$path" >"$GUI_TMP/answer"
-  menu "$@"
+  rm -f "$path"; echo "$path" >"$GUI_TMP/answer"; menu "$@"
   wait_for 20 eval '[ ! -e "$GUI_TMP/answer" ] && [ -s "$path" ] && [ "$(stat -c %s "$path")" = "$(sleep 0.1; stat -c %s "$path")" ]' ||
     gui_fail "\"$*\" wrote no $path"
 }
@@ -205,26 +162,19 @@ last_prompt() { grep '^fselector ' "$LOG" | tail -1 | sed 's/^fselector //; s/ -
 report() { save "$W/report.txt" "Save simulation information"; }
 value() { sed -n "s/^$1: //p" "$W/report.txt"; }
 
-form_at() {  # form_at W H X Y: the screen point at layout X Y of a centred W x H form
-  xdpyinfo | awk -v w="$1" -v h="$2" -v x="$3" -v y="$4" '/dimensions:/ {split($2, d, "x"); print int((d[1] - w) / 2) + x, int((d[2] - h) / 2) + y}'
-}
+form_at() { xdpyinfo | awk -v w="$1" -v h="$2" -v x="$3" -v y="$4" '/dimensions:/ {split($2, d, "x"); print int((d[1] - w) / 2) + x, int((d[2] - h) / 2) + y}'; }
 field() {
   xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05
   xdotool windowfocus --sync "$(xdotool getmouselocation --shell | sed -n 's/^WINDOW=//p')" click 1
-  xdotool key --delay 20 ctrl+a ctrl+k
-  xdotool type --delay 20 -- "$5"
-  xdotool key Return sleep 0.2
+  xdotool key --delay 20 ctrl+a ctrl+k; xdotool type --delay 20 -- "$5"; xdotool key Return sleep 0.2
 }
 press() { xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05 click 1 sleep 0.3; }
 
 probe() { (cd "$W" && /usr/bin/python3 "$PROBE" "$@"); }
-# Numbered dumps of this program so far; dump renames each to its NAME.tga.
-DUMPNO=0
 dump() {
   local n
-  n=$(printf '%04d.tga' $DUMPNO)
+  n=$(printf '%04d.tga' $DUMPNO) DUMPNO=$((DUMPNO + 1))
   key w
   wait_for 20 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
   mv "$W/$n" "$W/$1.tga"
-  DUMPNO=$((DUMPNO + 1))
 }

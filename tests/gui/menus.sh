@@ -11,8 +11,9 @@ batch=$(realpath "$3")
 gui_start_xvfb
 gui_start
 prompt() { [ "$(last_prompt)" = "$1" ] || gui_fail "file selector title \"$(last_prompt)\", expected \"$1\""; }
+answer() { echo "$1" >"$GUI_TMP/answer"; }
 message() {  # the message box's three lines; Enter answers it
-  grep '^message ' "$LOG" | tail -1 | grep -qxF "message $1" || gui_fail "message $(grep '^message' "$LOG" | tail -1), expected $1"
+  [ "$(grep '^message ' "$LOG" | tail -1)" = "message $1" ] || gui_fail "$(grep '^message' "$LOG" | tail -1), expected $1"
   wait_for 10 eval 'm=$(xdotool search --onlyvisible --name "^Message$" | head -1); [ -n "$m" ]' || gui_fail "no message box"
   xdotool windowfocus --sync "$m" key Return
   wait_for 10 eval '! xdotool search --onlyvisible --name "^Message$" >/dev/null' || gui_fail "message box still shown"
@@ -21,35 +22,29 @@ message() {  # the message box's three lines; Enter answers it
 # A surface, then roots from a seed file (a restart with fresh weights, as
 # the batch program starts), some growth, held; every file through the menus.
 menu "Sample constraint surfaces" "Box"
-printf '0 0 0\n' >"$W/seeds.txt"
-echo "$W/seeds.txt" >"$GUI_TMP/answer"
-menu "Read seeds"
-prompt "Seed file"
-sleep 1
-key F3
+answer "$(printf '0 0 0\n' >"$W/seeds.txt"; echo "$W/seeds.txt")"; menu "Read seeds"; prompt "Seed file"
+sleep 1; key F3
 mkdir "$W/gui" "$W/batch"
-while IFS='|' read -r option main sub; do
+while IFS='|' read -r option title main sub; do
   save "$W/gui/$option" "$main" ${sub:+"$sub"}
-  case $option in pov | pov-sweep) prompt "PovRay file" ;; geom) prompt "GEOM file" ;; vrml*) prompt "VRML file" ;;
-    dxf-points) prompt "POINT DXF file" ;; geom-points) prompt "POINT GEOM file" ;; stl-out) prompt "STL file" ;; info) prompt "Text file" ;; esac
+  prompt "$title"
   args+=(--$option "$W/batch/$option")
 done <<'SAVES'
-pov|Save DLA as|PovRay (Cylinders + Spheres)
-pov-sweep|Save DLA as|PovRay (Sphere sweep)
-geom|Save DLA as|GEOM (Cylinders + Spheres)
-vrml|Save DLA as|VRML (Cylinders + Spheres)
-vrml-caps|Save DLA as|VRML (Cylinders + Endcaps + Spheres)
-dxf-points|Save DLA as|Point cloud as DXF
-geom-points|Save DLA as|Point cloud as GEOM
-stl-out|Save constraint surface to STL file
-info|Save simulation information
+pov|PovRay file|Save DLA as|PovRay (Cylinders + Spheres)
+pov-sweep|PovRay file|Save DLA as|PovRay (Sphere sweep)
+geom|GEOM file|Save DLA as|GEOM (Cylinders + Spheres)
+vrml|VRML file|Save DLA as|VRML (Cylinders + Spheres)
+vrml-caps|VRML file|Save DLA as|VRML (Cylinders + Endcaps + Spheres)
+dxf-points|POINT DXF file|Save DLA as|Point cloud as DXF
+geom-points|POINT GEOM file|Save DLA as|Point cloud as GEOM
+stl-out|STL file|Save constraint surface to STL file
+info|Text file|Save simulation information
 SAVES
 cells=$(sed -n 's/^Number of particles: //p' "$W/gui/info")
 [ "${cells:-0}" -gt 1 ] || gui_fail "no growth: $cells cells"
 "$batch" --no-progress --sample 11 --seed-file "$W/seeds.txt" --cells "$cells" "${args[@]}" || gui_fail "batch status $?"
 for f in "$W"/gui/*; do cmp "$f" "$W/batch/${f##*/}" >&2 || gui_fail "${f##*/}: the window's file differs from the batch program's"; done
-# Both render; the camera is the home camera.
-for f in gui/pov batch/pov; do
+for f in gui/pov batch/pov; do  # both render, with the home camera
   (cd "$W" && povray +I$f +O$f.png +FN +W80 +H60 -D -V >$f.out 2>&1) && [ -s "$W/$f.png" ] || gui_fail "povray $f: $(tail -3 "$W/$f.out")"
   [ "$(grep -E '^#declare V[PU] = |^ angle ' "$W/$f")" = $'#declare VP = <60,0,0>;\n#declare VU = <0,0,1>;\n angle 60 // Aperture in degrees' ] ||
     gui_fail "$f: not the home camera"
@@ -57,108 +52,72 @@ done
 
 # Cancelled or empty answers write nothing; the separators do nothing.
 before=$(ls -R "$W")
-for answer in CANCEL ""; do
-  echo "$answer" >"$GUI_TMP/answer"
-  menu "Save DLA as" "Point cloud as GEOM"
-  echo "$answer" >"$GUI_TMP/answer"
-  menu "Save simulation information"
+for a in CANCEL ""; do
+  answer "$a"; menu "Save DLA as" "Point cloud as GEOM"; answer "$a"; menu "Save simulation information"
 done
-menu "#7"
-menu "#15"
+menu "#7"; menu "#15"
 [ "$(ls -R "$W")" = "$before" ] || gui_fail "files changed: $(ls -R "$W")"
 
-# Seeds: up to the first line that is not three numbers; missing; no point.
-printf '5 0 0\n-5 0 0\n0 5 0\n0 0 5 and then\n1 2\n9 9 9\n' >"$W/four.txt"
-echo "$W/four.txt" >"$GUI_TMP/answer"
-menu "Read seeds"
-report
+# Seeds up to the first line that is not three numbers; a missing file; no point.
+answer "$(printf '5 0 0\n-5 0 0\n0 5 0\n0 0 5 and then\n1 2\n9 9 9\n' >"$W/four.txt"; echo "$W/four.txt")"
+menu "Read seeds"; report
 [ "$(value "Number of roots")" = 4 ] || gui_fail "4 roots: $(value "Number of roots")"
-echo "$W/none.txt" >"$GUI_TMP/answer"
-menu "Read seeds"
+answer "$W/none.txt"; menu "Read seeds"
 message "File Error|Failed to read seed file|$W/none.txt"
-report
-[ "$(value "Number of roots")" = 4 ] || gui_fail "a missing seed file changed the roots"
-echo "$W/seeds.txt" >"$W/bad.txt"
-echo "$W/bad.txt" >"$GUI_TMP/answer"
-menu "Read seeds"
-message "File Error|Failed to read any root positions|Resetting"
-report
+answer "$W/gui/pov"; menu "Read seeds"
+message "File Error|Failed to read any root positions|Resetting"; report
 [ "$(value "Number of roots")" = 1 ] || gui_fail "roots after a file without points"
-# Surfaces: read (its name stays "None"), then one that cannot be opened.
-printf 'solid t\nouter loop\nvertex 0 0 0\nvertex 4 0 0\nvertex 0 3 0\nendloop\nouter loop\nvertex 0 0 0\nvertex 0 3 0\nvertex -2 0 7\n' >"$W/two.stl"
-echo "$W/two.stl" >"$GUI_TMP/answer"
-menu "Read constraint surface from STL file"
-prompt "STL file"
-echo "$W/none.stl" >"$GUI_TMP/answer"
-menu "Read constraint surface from STL file"
-message "File Error|Failed to read STL file|$W/none.stl"
-report
+# A surface read (its name stays "None"), then one that cannot be opened.
+answer "$(printf 'solid t\nouter loop\nvertex 0 0 0\nvertex 4 0 0\nvertex 0 3 0\nendloop\nouter loop\nvertex 0 0 0\nvertex 0 3 0\nvertex -2 0 7\n' >"$W/two.stl"; echo "$W/two.stl")"
+menu "Read constraint surface from STL file"; prompt "STL file"
+answer "$W/none.stl"; menu "Read constraint surface from STL file"
+message "File Error|Failed to read STL file|$W/none.stl"; report
 [ "$(value "Faces in constraint surface")" = 2 ] && grep -qx '   -2 <= x <= 4' "$W/report.txt" &&
   grep -qx '   0 <= z <= 7' "$W/report.txt" && grep -qx 'Constraint surface: None' "$W/report.txt" || gui_fail "the surface read"
 
 # Settings form, 411 x 531: clamped values, the roots' restart, Hide.
 S="411 531"
 menu "Initial root distribution" "Random: x axis plane"  # stores "Spherical"
-menu "Settings"
-shown 2 || gui_fail "no settings form"
-field $S 200 180 250   # stickiness
-field $S 200 215 12    # rotation
-field $S 200 365 -7    # roots
-press $S 350 495       # Hide
+menu "Settings"; shown 2 || gui_fail "no settings form"
+field $S 200 180 250; field $S 200 215 12; field $S 200 365 -7  # stickiness, rotation, roots
+press $S 350 495  # Hide
 shown 1 || gui_fail "the settings form is still shown"
-report
-grep -qx 'Stickiness: 100%' "$W/report.txt" && grep -qx 'Rotation: 5 degrees about z axis' "$W/report.txt" &&
-  [ "$(value "Number of roots")" = 7 ] && [ "$(value "Root distribution")" = Spherical ] || gui_fail "settings: $(head -13 "$W/report.txt")"
 menu "Initial root distribution" "Ring: y axis plane"  # stores "Ring: x axis plane"
-menu "New particle distribution" "Single axis (-z)"   # the report says (-x)
-report
-[ "$(value "Root distribution")" = "Ring: x axis plane" ] && grep -qx 'Source type: Single axis (-x)' "$W/report.txt" ||
-  gui_fail "root or source menu"
-# Slice form, 421 x 251: a count of 1 gives two files; a zero normal becomes
-# (0, 0, 1), which the form shows when opened again.
+menu "New particle distribution" "Single axis (-z)"; report  # the report says (-x)
+grep -qx 'Stickiness: 100%' "$W/report.txt" && grep -qx 'Rotation: 5 degrees about z axis' "$W/report.txt" &&
+  [ "$(value "Number of roots")" = 7 ] && [ "$(value "Root distribution")" = "Ring: x axis plane" ] &&
+  grep -qx 'Source type: Single axis (-x)' "$W/report.txt" || gui_fail "settings: $(head -13 "$W/report.txt")"
+# Slice form, 421 x 251: a count of 1 gives two files; a zero normal
+# becomes (0, 0, 1), which the form shows when opened again.
 L="421 251"
-menu "Compute/save slices"
-field $L 180 145 1
+menu "Compute/save slices"; field $L 180 145 1
 for x in 180 265 350; do field $L $x 95 0; done
 press $L 260 215  # Slice
 wait_for 10 test -e "$W/slice_001.txt" || gui_fail "no slices"
 [ "$(cd "$W" && ls slice_*)" = $'slice_000.txt\nslice_001.txt' ] && grep -q '^Slice 1, distance: ' "$GUI_TMP/stderr" || gui_fail "slices"
-press $L 350 215  # Hide
-menu "Compute/save slices"
+press $L 350 215; menu "Compute/save slices"  # Hide, show again
 [ "$(grep -o '4:[0-9,]*=[^;]*' "$LOG" | tail -4 | tr '\n' ' ')" = "4:150,130=2 4:150,80=0 4:235,80=0 4:320,80=1 " ] ||
   gui_fail "the slice form shows $(grep -o '4:[0-9,]*=[^;]*' "$LOG" | tail -4)"
 press $L 350 215
 # Transform form, 351 x 291: Apply scales and shifts the plane sample; the
 # inputs go back to the identity, so Apply again changes nothing.
 T="351 291"
-menu "Sample constraint surfaces" "Plane"
-menu "Transform constraint surface"
-field $T 120 100 2  # scale x
-field $T 280 150 3  # shift z
-press $T 200 260    # Apply
-press $T 200 260
-report
+menu "Sample constraint surfaces" "Plane"; menu "Transform constraint surface"
+field $T 120 100 2; field $T 280 150 3  # scale x, shift z
+press $T 200 260; press $T 200 260; press $T 290 260; report  # Apply, again with the inputs back at the identity, Hide
 grep -qx '   -400 <= x <= 400' "$W/report.txt" && grep -qx '   -17 <= z <= -17' "$W/report.txt" || gui_fail "Apply: $(grep '<=' "$W/report.txt")"
-[ "$(grep -o '2:[0-9,]*=[^;]*' "$LOG" | tail -9 | tr '\n' ' ')" = "2:90,85=1.0 2:170,85=1.0 2:250,85=1.0 2:90,135=0.0 2:170,135=0.0 2:250,135=0.0 2:90,185=0.0 2:170,185=0.0 2:250,185=0.0 " ] ||
-  gui_fail "the transform inputs were not reset"
-press $T 290 260
-# Statistics, then the report typed into the real file selector.
-menu "Calculate statistics (f5)"
-menu "Save simulation information"
+# Statistics, then the report typed into the real file selector; Quit.
+menu "Calculate statistics (f5)"; menu "Save simulation information"
 wait_for 10 eval 'f=$(xdotool search --onlyvisible --name "^FileSelector$" | head -1); [ -n "$f" ]' || gui_fail "no file selector"
-xdotool windowfocus --sync "$f" type -- "$W/typed.txt"
-xdotool key Return
+xdotool windowfocus --sync "$f" type -- "$W/typed.txt"; xdotool key Return
 wait_for 10 grep -q '^   Box counting' "$W/typed.txt" || gui_fail "no statistics in the report typed into the selector"
-menu "Quit (q)"
-gui_wait_exit
+menu "Quit (q)"; gui_wait_exit
 [ "$STATUS" = 0 ] || gui_fail "Quit: status $STATUS"
 
 # A vertex line that does not scan: the message, then status -1.
 gui_start
-printf 'solid b\nouter loop\nvertex 0 0 0\nvertex 4 zero 0\n' >"$W/broken.stl"
-echo "$W/broken.stl" >"$GUI_TMP/answer"
+answer "$(printf 'solid b\nouter loop\nvertex 0 0 0\nvertex 4 zero 0\n' >"$W/broken.stl"; echo "$W/broken.stl")"
 menu "Read constraint surface from STL file"
-message "File Error|Error reading vertices in ascii STL file|"
-gui_wait_exit
+message "File Error|Error reading vertices in ascii STL file|"; gui_wait_exit
 [ "$STATUS" = 255 ] || gui_fail "status $STATUS after a malformed STL file"
 gui_pass

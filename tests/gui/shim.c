@@ -42,20 +42,15 @@ void *fl_bgn_form(int type, int w, int h) {
   return NEXT(fl_bgn_form)(type, w, h);
 }
 
-#define ADD(kind)                                                                     \
-  void *fl_add_##kind(int type, int x, int y, int w, int h, const char *label) {     \
-    void *ob = NEXT(fl_add_##kind)(type, x, y, w, h, label);                          \
-    Log(FORM, 0, #kind " %d %d %d %d %s", x, y, w, h, label);                           \
-    if (nobjects < 256) objects[nobjects].object = ob, objects[nobjects].form = nforms, \
-      objects[nobjects].x = x, objects[nobjects++].y = y;                             \
-    return ob;                                                                        \
+#define ADD(kind)                                                                                 \
+  void *fl_add_##kind(int type, int x, int y, int w, int h, const char *label) {                 \
+    void *ob = NEXT(fl_add_##kind)(type, x, y, w, h, label);                                      \
+    Log(FORM, 0, #kind " %d %d %d %d %s", x, y, w, h, label);                                       \
+    if (nobjects < 256) objects[nobjects].object = ob, objects[nobjects].form = nforms,             \
+      objects[nobjects].x = x, objects[nobjects++].y = y;                                         \
+    return ob;                                                                                    \
   }
-ADD(box)
-ADD(frame)
-ADD(button)
-ADD(checkbutton)
-ADD(input)
-ADD(text)
+ADD(box) ADD(frame) ADD(button) ADD(checkbutton) ADD(input) ADD(text)
 
 void fl_set_input(void *ob, const char *text) {
   for (int i = 0; i < nobjects; i++)

@@ -38,8 +38,7 @@ usage() {
 # With no display at all: a program that touched the window system would fail otherwise.
 (unset DISPLAY; gui_run -h; usage "-h with no display") || exit 1
 gui_start_xvfb
-gui_run -d -f -ss -x -h -s
-usage "-h after other options"
+gui_run -d -f -ss -x -h -s; usage "-h after other options"
 shown 0 || gui_fail "-h left a window"
 
 gui_start
@@ -52,8 +51,7 @@ key F4 F3 F2
 for size in 800x600 600x600 700x500; do
   xdotool windowsize "$WID" ${size/x/ }
   wait_for 10 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
-  dump "$size"
-  [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
+  dump "$size"; [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
   read -r x0 y0 x1 y1 < <(probe extent "$size.tga" 128 255 128)
   [ $((x1 - x0 - y1 + y0)) -le 2 ] && [ $((y1 - y0 - x1 + x0)) -le 2 ] && [ $((x1 - x0)) -gt 100 ] ||
     gui_fail "$size: the circles span $((x1 - x0)) x $((y1 - y0)) pixels"

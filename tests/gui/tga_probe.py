@@ -17,15 +17,12 @@ from PIL import Image, ImageChops
 
 
 def load(path):
-    im = Image.open(path)
-    im.load()
-    return im.convert("RGB")
+    return Image.open(path).convert("RGB")
 
 
-def colours(path, box=None):
-    im = load(path)
-    im = im.crop(tuple(box)) if box else im
-    return im.getcolors(im.width * im.height)  # [(count, (r, g, b))]
+def colours(path, box=None):  # [(count, (r, g, b))]
+    im = load(path).crop(tuple(box)) if box else load(path)
+    return im.getcolors(im.width * im.height)
 
 
 def main(cmd, a):
@@ -41,8 +38,8 @@ def main(cmd, a):
         allowed = {black} | {tuple(map(int, c.split(","))) for c in a[1:]}
         print(sum(n for n, p in colours(a[0]) if p not in allowed))
     elif cmd == "greys":
-        g = [(n, p) for n, p in colours(a[0]) if p != black and p[0] == p[1] == p[2]]
-        print(sum(n for n, p in g), len(g))
+        g = [n for n, p in colours(a[0]) if p != black and p[0] == p[1] == p[2]]
+        print(sum(g), len(g))
     elif cmd == "mixed":
         print(sum(n for n, p in colours(a[0]) if sum(v > 0 for v in p) >= 2))
     elif cmd == "extent":
