@@ -24,8 +24,10 @@ L=$(lit lines)
 [ "$L" -ge 100 ] && [ "$(count lines 255 255 255)" = 0 ] && [ "$(count lines 128 255 128)" = 0 ] || gui_fail "F1 F2: text or circles left"
 menu "DLA drawing mode" "Off"; dump off
 [ "$(lit off)" = 0 ] || gui_fail "Off: $(lit off) lit pixels"
-key F1; dump extras; key F1  # the extras alone: the y axis (green) to the right, z (blue) up
-[ "$(count extras 0 255 0 420 0 800 600)" -ge 5 ] && [ "$(count extras 0 0 255 0 0 800 280)" -ge 5 ] || gui_fail "axes"
+# The extras alone, from further away: the y axis (green) to the right, z (blue) up.
+key F1 $(yes comma | head -10); dump extras; key F1 h
+[ "$(count extras 0 255 0 400 0 800 600)" -ge 5 ] && [ "$(count extras 0 255 0 0 0 400 600)" = 0 ] &&
+  [ "$(count extras 0 0 255 0 0 800 300)" -ge 5 ] && [ "$(count extras 0 0 255 0 300 800 600)" = 0 ] || gui_fail "axes"
 key F3; menu "DLA drawing mode" "Lines"
 wait_for 10 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growth after F3"
 key F3; dump held1; sleep 0.5; dump held2

@@ -12,7 +12,7 @@
 # No window manager: focus does not follow the pointer, so keys are sent to
 # the window (xdotool key --window), and a key that ends the program is
 # typed into the focused window (else xdotool reports BadWindow on key-up).
-GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_RETRIES=0
+GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_PROBER="" GUI_RETRIES=0
 PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 
 gui_fail() {
@@ -21,7 +21,7 @@ gui_fail() {
   exit 1
 }
 gui_pass() { echo PASS; exit 0; }
-gui_cleanup() { for p in $GUI_PID $GUI_XVFB; do kill "$p" 2>/dev/null && wait "$p" 2>/dev/null; done; [ -n "${GUI_KEEP:-}" ] || rm -rf "$GUI_TMP"; }
+gui_cleanup() { exec 7>&-; for p in $GUI_PID $GUI_XVFB $GUI_PROBER; do kill "$p" 2>/dev/null && wait "$p" 2>/dev/null; done; [ -n "${GUI_KEEP:-}" ] || rm -rf "$GUI_TMP"; }
 
 gui_init() {
   GUI_PROG=$(realpath "$1") GUI_SHIM=${2:+$(realpath "$2")}
@@ -29,16 +29,17 @@ gui_init() {
   GUI_TMP=$(mktemp -d "${TMPDIR:-/tmp}/dla3d-gui.XXXXXX") || gui_fail "mktemp"
   W=$GUI_TMP/work LOG=$GUI_TMP/shim.log
   mkdir "$W"; trap gui_cleanup EXIT; trap 'exit 130' INT TERM
+  # One reader of the dumps for the whole run, asked through two pipes.
+  mkfifo "$GUI_TMP/ask" "$GUI_TMP/tell"
+  /usr/bin/python3 "$PROBE" "$W" <"$GUI_TMP/ask" >"$GUI_TMP/tell" &
+  GUI_PROBER=$!
+  exec 7>"$GUI_TMP/ask" 8<"$GUI_TMP/tell"
 }
 
 # wait_for SECONDS COMMAND...: polls until the command succeeds.
 wait_for() {
-  local end=$((SECONDS + $1))
-  shift
-  until "$@"; do
-    [ $SECONDS -le $end ] || return 1
-    sleep 0.05
-  done
+  local end=$((SECONDS + $1)); shift
+  until "$@"; do [ $SECONDS -le $end ] || return 1; sleep 0.05; done
 }
 
 # The server writes its display number only once it listens (-displayfd),
@@ -152,8 +153,7 @@ menu() {
 
 # save PATH LABEL [SUB]: waits until the file is written.
 save() {
-  local path=$1
-  shift
+  local path=$1; shift
   rm -f "$path"; echo "$path" >"$GUI_TMP/answer"; menu "$@"
   wait_for 20 eval '[ ! -e "$GUI_TMP/answer" ] && [ -s "$path" ] && [ "$(stat -c %s "$path")" = "$(sleep 0.1; stat -c %s "$path")" ]' ||
     gui_fail "\"$*\" wrote no $path"
@@ -170,11 +170,9 @@ field() {
 }
 press() { xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05 click 1 sleep 0.3; }
 
-probe() { (cd "$W" && /usr/bin/python3 "$PROBE" "$@"); }
+probe() { local a; echo "$*" >&7; read -r a <&8; echo "$a"; [ "$a" != error ]; }
 dump() {
-  local n
-  n=$(printf '%04d.tga' $DUMPNO) DUMPNO=$((DUMPNO + 1))
-  key w
+  local n; n=$(printf '%04d.tga' $DUMPNO) DUMPNO=$((DUMPNO + 1)); key w
   wait_for 20 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
   mv "$W/$n" "$W/$1.tga"
 }

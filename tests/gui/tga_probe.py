@@ -1,17 +1,16 @@
 #!/usr/bin/python3
 """Reads dla3d's window dumps with Pillow (which also rejects run-length
-packets that cross a row); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
-  size FILE                     WIDTHxHEIGHT
-  count FILE R G B [BOX]        pixels of that colour
-  lit FILE [BOX]                pixels that are not black
-  other FILE R,G,B...           lit pixels of none of the colours
-  greys FILE                    lit grey pixels and how many levels they take
-  mixed FILE                    pixels with two or three channels lit
-  extent FILE R G B             bounding box of a colour: X0 Y0 X1 Y1
-  same FILE1 FILE2              same or differ
-  having R G B FILE...          how many files hold the colour
-  brightest BOX FILE...         per file, the brightest grey in the box
+packets that cross a row), files named from the directory given. One
+command a line from standard input, one answer a line ("error" if it fails);
+rows top down, a box is X0 Y0 X1 Y1 (exclusive).
+  size FILE / lit FILE [BOX] / count FILE R G B [BOX] / extent FILE R G B
+  other FILE R,G,B...   lit pixels of none of the colours
+  greys FILE            lit grey pixels and how many levels they take
+  mixed FILE            pixels with two or three channels lit
+  same FILE1 FILE2 / having R G B FILE... (files holding it)
+  brightest BOX FILE... per file, the brightest grey in the box
 """
+import os
 import sys
 from PIL import Image, ImageChops
 
@@ -58,4 +57,10 @@ def main(cmd, a):
         print(*(max([p[0] for n, p in colours(f, box) if p[0] == p[1] == p[2]] or [0]) for f in a[4:]))
 
 
-main(sys.argv[1], sys.argv[2:])
+os.chdir(sys.argv[1])
+for line in sys.stdin:
+    try:
+        main(line.split()[0], line.split()[1:])
+    except Exception:
+        print("error")
+    sys.stdout.flush()
