@@ -112,8 +112,8 @@ static const BATCHOPTION batchoptions[] = {
   {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
    "write the simulation information report"},
   {"--gltf", NULL, "PATH", BOPT_PATH, R(gltffile), 0, 0, 0, 0, "a path",
-   "write glTF 2.0: the tubes as drawn, the surface, a node per root tree;\n"
-   "                               binary if PATH ends in .glb (800 bytes a cell), else JSON (1067 bytes a cell)"},
+   "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
+   "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
   {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
    "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
   {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",

@@ -3,15 +3,17 @@
 // [SECTION] the scene
 #include "export/gltf.h"
 
+#include <ctype.h>   // isalnum()
 #include <errno.h>   // EFBIG
 #include <math.h>    // pow(), log()
 #include <stdint.h>  // uint32_t
-#include <string.h>  // memcpy(), strlen()
+#include <string.h>  // memcpy(), strlen(), strrchr()
 #include <strings.h> // strcasecmp()
 
 #include <algorithm>  // std::sort()
 #include <ostream>
 #include <streambuf>
+#include <string>
 #include <vector>
 
 // Writing only: no image codecs.
@@ -170,7 +172,9 @@ struct FILEBUF : std::streambuf {
 
 // ---------------------------------------------------------------- [SECTION] the scene
 
-int WriteGLTF(FILE *fp, int binary) {
+// The whole scene in *model, its buffer filled. Returns 0 with errno EFBIG
+// when binary and the buffer would pass what a .glb can address.
+static int BuildScene(tinygltf::Model &model, int binary) {
   // The trees in the order of their roots; each tree's tubes in cell order.
   std::vector<int> root;
   CellRoots(&root);
@@ -200,12 +204,11 @@ int WriteGLTF(FILE *fp, int binary) {
   size_t sposat = idxat + 4 * ntube * GLTF_TUBEINDICES, snrmat = sposat + 36 * nfacet;
   size_t total = snrmat + 36 * nfacet;
   // A .glb counts its length in 32 bits, JSON chunk included; keep a margin for that.
-  if ((double)total + 4096.0 * (treeroot.size() + 16) >= 4294967296.0) {
+  if (binary && (double)total + 4096.0 * (treeroot.size() + 16) >= 4294967296.0) {
     errno = EFBIG;
     return 0;
   }
 
-  tinygltf::Model model;
   model.asset.version = "2.0";
   char generator[64];
   snprintf(generator, sizeof(generator), "dla3d %g", versionid / 100.0);
@@ -303,24 +306,56 @@ int WriteGLTF(FILE *fp, int binary) {
     model.defaultScene = 0;
   }
   if (total == 0) model.buffers.clear();  // a buffer needs at least one byte
+  return 1;
+}
 
+int WriteGLTF(FILE *fp) {
+  tinygltf::Model model;
+  if (!BuildScene(model, 1)) return 0;
   tinygltf::TinyGLTF writer;
   FILEBUF sink(fp);
   std::ostream out(&sink);
-  writer.WriteGltfSceneToStream(&model, out, !binary, binary != 0);
+  writer.WriteGltfSceneToStream(&model, out, false, true);
   out.flush();
   return out.good() && fflush(fp) == 0 && !ferror(fp);
+}
+
+// The JSON file's buffer beside it: its name without the extension, ".bin"
+// (unless that is the file itself), in characters a URI takes as they are.
+static std::string BinaryName(const char *path) {
+  const char *base = strrchr(path, '/') ? strrchr(path, '/') + 1 : path;
+  std::string name = base;
+  size_t dot = name.rfind('.');
+  if (dot != std::string::npos && dot > 0 && strcasecmp(base + dot, ".bin") != 0) name.resize(dot);
+  for (char &c : name)
+    if (!isalnum((unsigned char)c) && c != '.' && c != '_' && c != '-') c = '_';
+  return name + ".bin";
 }
 
 int SaveGLTFFile(const char *path) {
   if (path == NULL || path[0] == '\0') return 0;
   size_t len = strlen(path);
-  int binary = len >= 4 && strcasecmp(path + len - 4, ".glb") == 0;
-  FILE *fp = fopen(path, "wb");
+  if (len >= 4 && strcasecmp(path + len - 4, ".glb") == 0) {
+    FILE *fp = fopen(path, "wb");
+    if (fp == NULL) return 0;
+    int ok = WriteGLTF(fp);
+    int saved = errno;
+    int closed = fclose(fp) == 0;
+    errno = saved;
+    return closed && ok;
+  }
+  // JSON: base64 inside it would make a million cells a gigabyte of text
+  // and minutes of encoding, so the buffer goes to a file of its own.
+  // tinygltf does not tell when it cannot create the JSON file: try first.
+  FILE *fp = fopen(path, "w");
   if (fp == NULL) return 0;
-  int ok = WriteGLTF(fp, binary);
-  int saved = errno;
-  int closed = fclose(fp) == 0;
-  errno = saved;
-  return closed && ok;
+  fclose(fp);
+  tinygltf::Model model;
+  BuildScene(model, 0);
+  if (!model.buffers.empty()) model.buffers[0].uri = BinaryName(path);
+  tinygltf::TinyGLTF writer;
+  errno = 0;
+  if (writer.WriteGltfSceneToFile(&model, path, false, false, true, false)) return 1;
+  if (errno == 0) errno = EIO;
+  return 0;
 }

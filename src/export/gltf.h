@@ -15,18 +15,18 @@
 // (12) and 8-bit RGBA colour (4), and 60 uint32 indices.
 #define GLTF_TUBEBYTES (GLTF_TUBEVERTICES * 28 + GLTF_TUBEINDICES * 4)
 
-// Writes the scene to fp (open in binary mode): a .glb when binary is
-// nonzero, else JSON with the buffer embedded as base64. One node
+// Writes the scene as a .glb to fp (open in binary mode). One node
 // "aggregate"; with several root trees one child node "root N" per tree that
 // has a tube (N the root's cell index), each with its own mesh; a node
-// "surface" when there are facets. Returns 1 when written; 0 on a write error,
-// or with errno EFBIG (nothing written) when the buffer passes the 4 GB a
-// .glb can address.
-int WriteGLTF(FILE *fp, int binary);
+// "surface" when there are facets. Returns 1 when written; 0 on a write
+// error, or with errno EFBIG (nothing written) when the buffer passes the
+// 4 GB a .glb can address.
+int WriteGLTF(FILE *fp);
 
-// Opens path for writing and calls WriteGLTF, binary when path ends in
-// ".glb" (any case). Returns 0 (errno set) when it cannot be created or
-// written.
+// Writes path: a .glb when it ends in ".glb" (any case); otherwise JSON
+// glTF with the buffer in a file beside it, named as path without its
+// extension and ".bin" (a.gltf: a.bin). Returns 0 (errno set) when a file
+// cannot be created or written.
 int SaveGLTFFile(const char *path);
 
 #endif
