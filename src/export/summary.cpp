@@ -5,7 +5,6 @@
 
 #include "app/records.h"
 #include "export/report.h"
-#include "growth/index.h"
 #include "surface/stl.h"
 
 GROWTHLOG growthlog;
@@ -112,8 +111,7 @@ static void WriteSettings(FILE *fp) {
   fprintf(fp, "    \"sourcetype\": %d,\n", g.sourcetype);
   Key(fp, "sourcename", 4), String(fp, source), fprintf(fp, ",\n");
   Key(fp, "stlname", 4), String(fp, g.stlname), fprintf(fp, ",\n");
-  fprintf(fp, "    \"nstltri\": %d,\n", nstltri);
-  fprintf(fp, "    \"search\": \"%s\"\n", growthsearch == SEARCH_SCAN ? "scan" : "index");
+  fprintf(fp, "    \"nstltri\": %d\n", nstltri);
   fprintf(fp, "  }\n");
 }
 
