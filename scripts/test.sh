@@ -5,7 +5,7 @@
 # UndefinedBehaviorSanitizer; last a short run of the file-reader fuzzers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh --test
 scripts/build.sh
 (cd build && ctest --output-on-failure -j2)
 

@@ -9,9 +9,12 @@
 #include <unistd.h>  // isatty()
 
 #include "app/startup.h"
+#include "export/gltf.h"
 #include "export/model.h"
+#include "export/ply.h"
 #include "export/report.h"
 #include "export/statistics.h"
+#include "export/summary.h"
 #include "forms/readback.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -109,6 +112,13 @@ static const BATCHOPTION batchoptions[] = {
    "write the constraint surface as ASCII STL"},
   {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
    "write the simulation information report"},
+  {"--gltf", NULL, "PATH", BOPT_PATH, R(gltffile), 0, 0, 0, 0, "a path",
+   "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
+   "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
+  {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
+   "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
+  {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
+   "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
@@ -339,7 +349,7 @@ void WriteBatchUsage(FILE *fp, const char *name) {
   fprintf(fp, "\n");
   fprintf(fp,
           "After growth, in this order: the CSV, the slice files, the statistics, then the writers in the order\n"
-          "listed above (--pov ... --info), each file exactly as the window's menu entry writes it.\n"
+          "listed above (--pov ... --summary); --pov ... --info exactly as the window's menu entry writes them.\n"
           "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created (checked\n"
           "before growth, nothing is written then), or a writer's file could not be created (reported, the\n"
           "other files are still written); 2 a refused option, nothing written; 255 a malformed STL file or\n"
@@ -387,23 +397,27 @@ static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int don
 }
 
 // The writers in the order they run, each with the menu entry's format and
-// variant; format -1 is the information report.
+// variant, or a writer of its own (save) for the files the window does not write.
 struct BATCHWRITER {
   const char *option;
   size_t offset;  // the path in BATCHRUN
   int format, variant;
+  int (*save)(const char *path);
 };
 
 static const BATCHWRITER batchwriters[] = {
-    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS},
-    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP},
-    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS},
-    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS},
-    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED},
-    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS},
-    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS},
-    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP},
-    {"--info", offsetof(BATCHRUN, infofile), -1, 0},
+    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS, NULL},
+    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP, NULL},
+    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS, NULL},
+    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS, NULL},
+    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED, NULL},
+    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS, NULL},
+    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS, NULL},
+    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP, NULL},
+    {"--info", offsetof(BATCHRUN, infofile), 0, 0, SaveInformationFile},
+    {"--gltf", offsetof(BATCHRUN, gltffile), 0, 0, SaveGLTFFile},
+    {"--ply", offsetof(BATCHRUN, plyfile), 0, 0, SavePLYFile},
+    {"--summary", offsetof(BATCHRUN, summaryfile), 0, 0, SaveSummaryFile},
 };
 
 // The window's save commands are silent when a file cannot be opened; a
@@ -415,7 +429,7 @@ static int RunWriters(const BATCHRUN *run, FILE *err) {
     const char *path = (const char *)run + w.offset;
     if (path[0] == '\0') continue;
     errno = 0;
-    int ok = w.format < 0 ? SaveInformationFile(path) : SaveModelFile(path, w.format, w.variant);
+    int ok = w.save ? w.save(path) : SaveModelFile(path, w.format, w.variant);
     if (!ok) {
       fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w.option, path,
               errno ? strerror(errno) : "cannot be opened");
@@ -490,12 +504,14 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   int progress = run->progress < 0 ? isatty(2) : run->progress;
   double shown = -1;
   long long step = 0;
+  StartGrowthLog();
   while (ncells < run->cells && (run->steps < 0 || step < run->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
     // count is seen after each one; it never passes the step limit.
     long long left = run->steps < 0 ? 1 << 20 : run->steps - step;
     long long before = step;
     step += IterateSystemSteps(left < (1 << 20) ? left : 1 << 20);
+    LogGrowth(step);
     if (progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
       if (now - shown > 0.1) {
