@@ -8,7 +8,9 @@
 // [SECTION] Extras: circles, axes, release points, spheres
 #include "gl/view/scene.h"
 
-#include <GL/glu.h>
+#define GL_GLEXT_PROTOTYPES  // buffer objects
+#include <GL/gl.h>
+#include <GL/glext.h>
 #include <math.h>
 #include <string.h>  // memcmp()
 
@@ -23,6 +25,38 @@
 // ---------------------------------------------------------------------------
 // [SECTION] Eye: projection, viewport and viewpoint of one eye
 
+static void NormaliseF(float v[3]) {
+  float r = sqrtf(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+  if (r == 0) return;
+  v[0] /= r;
+  v[1] /= r;
+  v[2] /= r;
+}
+
+static void CrossF(const float a[3], const float b[3], float c[3]) {
+  c[0] = a[1] * b[2] - a[2] * b[1];
+  c[1] = a[2] * b[0] - a[0] * b[2];
+  c[2] = a[0] * b[1] - a[1] * b[0];
+}
+
+// gluLookAt's matrix with gluLookAt's own arithmetic (the differences in
+// double, the rest in float), so that no GLU library is needed: GLU links
+// the window system's libGL, which must stay out of an offscreen process.
+static void LookAt(double ex, double ey, double ez, double cx, double cy, double cz, double ux, double uy,
+                   double uz) {
+  float forward[3] = {(float)(cx - ex), (float)(cy - ey), (float)(cz - ez)};
+  float up[3] = {(float)ux, (float)uy, (float)uz};
+  float side[3];
+  NormaliseF(forward);
+  CrossF(forward, up, side);
+  NormaliseF(side);
+  CrossF(side, forward, up);
+  GLfloat m[16] = {side[0], up[0], -forward[0], 0, side[1], up[1], -forward[1], 0,
+                   side[2], up[2], -forward[2], 0, 0,       0,     0,           1};
+  glMultMatrixf(m);
+  glTranslated(-ex, -ey, -ez);
+}
+
 void LookThrough(const EYEVIEW *v) {
   glViewport(v->x, v->y, v->width, v->height);
   glMatrixMode(GL_PROJECTION);
@@ -30,8 +64,8 @@ void LookThrough(const EYEVIEW *v) {
   glFrustum(v->left, v->right, v->bottom, v->top, v->near, v->far);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  gluLookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y,
-            v->eye.z + camera.vd.z, camera.vu.x, camera.vu.y, camera.vu.z);
+  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y, v->eye.z + camera.vd.z,
+         camera.vu.x, camera.vu.y, camera.vu.z);
 }
 
 // ---------------------------------------------------------------------------
@@ -115,20 +149,34 @@ static void Vertex(XYZ p) { glVertex3f(p.x, p.y, p.z); }
 
 int drawimmediate = 0;
 
-// Points and lines as vertex arrays: for every non-root cell in cell order,
-// the cell then its parent (the lines); the points are every other vertex of
-// the same arrays. Floats are converted from the doubles as glVertex3f and
-// glColor3f convert them, so the pictures match the immediate mode exactly.
+// Points and lines from buffer objects: for every non-root cell in cell
+// order, the cell then its parent (the lines); the points are every other
+// vertex of the same buffers. Floats are converted from the doubles as
+// glVertex3f and glColor3f convert them, so the pictures match the
+// immediate mode exactly. Appended cells are the only vertices uploaded;
+// the colours are worked out again only when a weight, maxweight or the
+// colouring changed, and uploaded only then.
 struct DLAARRAYS {
-  std::vector<GLfloat> xyz;  // 6 per drawn cell: cell, then parent
-  std::vector<GLfloat> rgb;  // 6 per drawn cell: the cell's colour twice
-  int ndrawn;                // non-root cells converted
-  int n;                     // cells converted, roots included
-  int size;                  // cells.size() when converted
-  unsigned revision;         // cellsrevision when converted
-  CELL last;                 // cell n - 1 when converted
+  std::vector<GLfloat> xyz;   // 6 per drawn cell: cell, then parent
+  std::vector<GLfloat> rgb;   // 6 per drawn cell: the cell's colour twice
+  std::vector<int> index;     // the cell of each drawn cell
+  std::vector<double> weight; // per drawn cell: the weight its colour is from
+  std::vector<double> logw;   // per drawn cell: log(weight + 1)
+  int ndrawn;                 // non-root cells converted
+  int n;                      // cells converted, roots included
+  int size;                   // cells.size() when converted
+  unsigned revision;          // cellsrevision when converted
+  CELL last;                  // cell n - 1 when converted
+  int coloured;               // cells with colours worked out (of ndrawn)
+  int byroot;                 // the colouring of those: by root (1) or weight (0)
+  int nroots;                 // nroots they were coloured with
+  double maxweight;           // maxweight they were coloured with
+  GLuint xyzbuffer, rgbbuffer;  // 0 until the first draw
+  int uploaded;               // drawn cells whose vertices are in xyzbuffer
+  int capacity;               // drawn cells both buffers hold
+  int rgbstale;               // rgbbuffer is behind rgb
 };
-static DLAARRAYS dlaarrays = {{}, {}, 0, 0, 0, 0, {}};
+static DLAARRAYS dlaarrays;
 
 static int SameCell(const CELL &a, const CELL &b) {
   return a.parent == b.parent && memcmp(&a.p, &b.p, sizeof(XYZ)) == 0;
@@ -152,14 +200,20 @@ static void SyncDLAArrays(void) {
   if (!OnlyAppended(a)) {
     a.ndrawn = 0;
     a.n = 0;
+    a.coloured = 0;
+    a.uploaded = 0;
   }
   int count = a.ndrawn;
   for (int i = a.n; i < ncells; i++)
     if (cells[i].parent >= 0) count++;
   a.xyz.resize(6 * (size_t)count);
   a.rgb.resize(6 * (size_t)count);
+  a.index.resize(count);
+  a.weight.resize(count);
+  a.logw.resize(count);
 
   GLfloat *v = a.xyz.data() + 6 * (size_t)a.ndrawn;
+  int k = a.ndrawn;
   for (int i = a.n; i < ncells; i++) {
     if (cells[i].parent < 0) continue;  // roots are not drawn
     const XYZ &p = cells[i].p;
@@ -171,6 +225,7 @@ static void SyncDLAArrays(void) {
     v[4] = q.y;
     v[5] = q.z;
     v += 6;
+    a.index[k++] = i;
   }
   a.ndrawn = count;
   a.n = ncells;
@@ -185,40 +240,53 @@ static void PutColour(GLfloat *c, COLOUR k) {
   c[2] = c[5] = k.b;
 }
 
-// Weights and maxweight change with every stuck particle: the colours are
-// worked out again for each frame, by ChooseColour's own rules.
+// ChooseColour's colours, by its own rules, for the drawn cells. By root a
+// colour never changes, so only new cells are coloured. By weight a colour
+// depends on the weight and maxweight alone: while maxweight holds, only
+// cells whose weight moved are coloured again; the logarithm of a weight is
+// kept until the weight moves. Sets rgbstale when a colour was written.
 static void UpdateDLAColours(int drawmode) {
   DLAARRAYS &a = dlaarrays;
-  GLfloat *c = a.rgb.data();
+  int byroot = ColourByRoot(drawmode);
+  if (a.coloured > 0 && (byroot != a.byroot || (byroot && growthstate.nroots != a.nroots))) a.coloured = 0;
+  a.byroot = byroot;
+  a.nroots = growthstate.nroots;
 
-  if (ColourByRoot(drawmode)) {
-    for (int i = 0; i < a.n; i++) {
-      if (cells[i].parent < 0) continue;
-      PutColour(c, ChooseColour(i, drawmode));
-      c += 6;
-    }
+  if (byroot) {
+    for (int k = a.coloured; k < a.ndrawn; k++) PutColour(&a.rgb[6 * (size_t)k], ChooseColour(a.index[k], drawmode));
+    if (a.coloured < a.ndrawn) a.rgbstale = 1;
+    a.coloured = a.ndrawn;
     return;
   }
 
-  // By weight a colour depends on the weight alone: reuse the one before
-  // when the weight repeats (weight 0 above all: the tips).
-  COLOUR tip = WeightColour(0);
-  double lastweight = 0;
-  COLOUR last = tip;
-  for (int i = 0; i < a.n; i++) {
-    if (cells[i].parent < 0) continue;
-    double w = cells[i].weight;
-    if (w == 0) {
-      PutColour(c, tip);
-    } else {
-      if (w != lastweight) {
-        lastweight = w;
-        last = WeightColour(w);
-      }
-      PutColour(c, last);
-    }
-    c += 6;
+  // Cells not coloured yet take their logarithm afresh.
+  for (int k = a.coloured; k < a.ndrawn; k++) {
+    double w = cells[a.index[k]].weight;
+    a.weight[k] = w;
+    a.logw[k] = log(w + 1);
   }
+  int all = a.coloured == 0 || growthstate.maxweight != a.maxweight;
+  int first = all ? 0 : a.coloured;
+  a.maxweight = growthstate.maxweight;
+  double top = log(growthstate.maxweight / 3 + 1);
+  const int *index = a.index.data();
+  double *weight = a.weight.data();
+  double *logw = a.logw.data();
+  GLfloat *c = a.rgb.data();
+  int changed = first < a.ndrawn;
+  for (int k = 0; k < a.ndrawn; k++) {
+    double w = cells[index[k]].weight;
+    int moved = w != weight[k];
+    if (moved) {
+      weight[k] = w;
+      logw[k] = log(w + 1);
+      changed = 1;
+    }
+    // The same arithmetic as WeightColour(w).
+    if (moved || k >= first) PutColour(c + 6 * (size_t)k, GetColour(logw[k], 0, top, 1));
+  }
+  if (changed) a.rgbstale = 1;
+  a.coloured = a.ndrawn;
 }
 
 void UpdateDLAArrays(int drawmode) {
@@ -226,23 +294,61 @@ void UpdateDLAArrays(int drawmode) {
   UpdateDLAColours(drawmode);
 }
 
+// Brings the buffer objects up to date: new vertices appended, the colours
+// whole when they changed. A buffer too small is replaced by one twice the
+// size, filled from the arrays.
+static void UploadDLABuffers(void) {
+  DLAARRAYS &a = dlaarrays;
+  if (a.xyzbuffer == 0) {
+    glGenBuffers(1, &a.xyzbuffer);
+    glGenBuffers(1, &a.rgbbuffer);
+    a.capacity = 0;
+    a.uploaded = 0;
+  }
+  const GLsizeiptr cellbytes = 6 * sizeof(GLfloat);
+  if (a.ndrawn > a.capacity) {
+    int capacity = a.capacity < 4096 ? 4096 : a.capacity;
+    while (capacity < a.ndrawn) capacity *= 2;
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glBufferData(GL_ARRAY_BUFFER, capacity * cellbytes, NULL, GL_DYNAMIC_DRAW);
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glBufferData(GL_ARRAY_BUFFER, capacity * cellbytes, NULL, GL_DYNAMIC_DRAW);
+    a.capacity = capacity;
+    a.uploaded = 0;
+    a.rgbstale = 1;
+  }
+  if (a.uploaded < a.ndrawn) {
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glBufferSubData(GL_ARRAY_BUFFER, a.uploaded * cellbytes, (a.ndrawn - a.uploaded) * cellbytes,
+                    a.xyz.data() + 6 * (size_t)a.uploaded);
+    a.uploaded = a.ndrawn;
+  }
+  if (a.rgbstale) {
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glBufferSubData(GL_ARRAY_BUFFER, 0, a.ndrawn * cellbytes, a.rgb.data());
+    a.rgbstale = 0;
+  }
+}
+
 static void DrawDLAArrays(int drawmode) {
   UpdateDLAArrays(drawmode);
   DLAARRAYS &a = dlaarrays;
   if (a.ndrawn == 0) return;
+  UploadDLABuffers();
 
+  // Points take the cell end of each line.
+  GLsizei stride = drawmode == DLADRAW_POINTS ? 6 * sizeof(GLfloat) : 0;
   glEnableClientState(GL_VERTEX_ARRAY);
   glEnableClientState(GL_COLOR_ARRAY);
-  if (drawmode == DLADRAW_POINTS) {
-    GLsizei stride = 6 * sizeof(GLfloat);  // the cell end of each line
-    glVertexPointer(3, GL_FLOAT, stride, a.xyz.data());
-    glColorPointer(3, GL_FLOAT, stride, a.rgb.data());
+  glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+  glVertexPointer(3, GL_FLOAT, stride, NULL);
+  glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+  glColorPointer(3, GL_FLOAT, stride, NULL);
+  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  if (drawmode == DLADRAW_POINTS)
     glDrawArrays(GL_POINTS, 0, a.ndrawn);
-  } else {
-    glVertexPointer(3, GL_FLOAT, 0, a.xyz.data());
-    glColorPointer(3, GL_FLOAT, 0, a.rgb.data());
+  else
     glDrawArrays(GL_LINES, 0, 2 * a.ndrawn);
-  }
   glDisableClientState(GL_COLOR_ARRAY);
   glDisableClientState(GL_VERTEX_ARRAY);
 
