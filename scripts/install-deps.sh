@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
-  freeglut3-dev libglu1-mesa-dev libgl1-mesa-dri libforms-dev mesa-utils
+  freeglut3-dev libglu1-mesa-dev libgl1-mesa-dri libforms-dev mesa-utils libosmesa6-dev
   xvfb xauth xdotool x11-utils x11-apps xfonts-base xfonts-75dpi
   imagemagick python3 python3-pil
   povray view3dscene admesh assimp-utils python3-ezdxf openscad
