@@ -274,6 +274,8 @@ static void UpdateDLAColours(int drawmode) {
   double *logw = a.logw.data();
   GLfloat *c = a.rgb.data();
   int changed = first < a.ndrawn;
+  // The tips (weight 0) share one colour, worked out once.
+  COLOUR tip = GetColour(0, 0, top, 1);
   for (int k = 0; k < a.ndrawn; k++) {
     double w = cells[index[k]].weight;
     int moved = w != weight[k];
@@ -283,7 +285,7 @@ static void UpdateDLAColours(int drawmode) {
       changed = 1;
     }
     // The same arithmetic as WeightColour(w).
-    if (moved || k >= first) PutColour(c + 6 * (size_t)k, GetColour(logw[k], 0, top, 1));
+    if (moved || k >= first) PutColour(c + 6 * (size_t)k, w == 0 ? tip : GetColour(logw[k], 0, top, 1));
   }
   if (changed) a.rgbstale = 1;
   a.coloured = a.ndrawn;
