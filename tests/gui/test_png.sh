@@ -6,7 +6,7 @@
 # Pictures are read with Pillow (/usr/bin/python3); a missing Xvfb, OSMesa
 # or Pillow fails the test.
 set -u
-mode=$1 batch=$(realpath "$2")
+mode=$1 batch=$(realpath "$2") window=${3:+$(realpath "$3")}
 tmp=$(mktemp -d)
 xvfb=""
 cleanup() { [ -n "$xvfb" ] && kill "$xvfb" 2>/dev/null; rm -rf "$tmp"; }
@@ -58,7 +58,6 @@ if [ "$mode" = options ]; then
 fi
 
 [ "$mode" = window ] || fail "unknown mode $mode"
-window=$(realpath "$3")
 : >display
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>display >xvfb.log 2>&1 &
 xvfb=$!
