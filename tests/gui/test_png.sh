@@ -51,6 +51,13 @@ if [ "$mode" = options ]; then
   done
   "$batch" --cells 300 --png p.png || fail "default size: status $?"
   /usr/bin/python3 compare.py p.png p800x600.png 1000 3 >/dev/null || fail "default picture"
+  # Aggregate off and no extras: black; with the extras: something drawn.
+  "$batch" --cells 300 --png off.png --dla-draw 1 --no-extras || fail "--dla-draw 1 --no-extras: status $?"
+  /usr/bin/python3 -c "from PIL import Image; import sys; sys.exit(Image.open('off.png').convert('RGB').getbbox() is not None)" ||
+    fail "--dla-draw 1 --no-extras drew something"
+  "$batch" --cells 300 --png extras.png --dla-draw 1 || fail "--dla-draw 1: status $?"
+  /usr/bin/python3 -c "from PIL import Image; import sys; sys.exit(Image.open('extras.png').convert('RGB').getbbox() is None)" ||
+    fail "--dla-draw 1 drew no extras"
   "$batch" --cells 300 --png /nonexistent/p.png 2>err.txt
   [ $? = 1 ] && grep -q 'cannot create' err.txt || fail "unwritable picture not reported with status 1"
   echo PASS
