@@ -63,7 +63,11 @@ struct FRAME {
   GLboolean vertexarray, colourarray;
 };
 
-// One frame of the aggregate alone, seen from outside its extent.
+// The eye's distance from the centre in radii of the aggregate: outside it
+// by default; inside it most lines are left out as out of view.
+static double eyedistance = 1.5;
+
+// One frame of the aggregate alone.
 static FRAME Draw(int drawmode, int immediate) {
   double radius = 1;
   for (int i = 0; i < ncells; i++)
@@ -75,7 +79,8 @@ static FRAME Draw(int drawmode, int immediate) {
   gluPerspective(60, kWidth / (double)kHeight, radius * 0.1, radius * 10);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  gluLookAt(1.3 * radius, 0.4 * radius, 0.7 * radius, 0, 0, 0, 0, 0, 1);
+  double d = eyedistance / 1.5;
+  gluLookAt(1.3 * d * radius, 0.4 * d * radius, 0.7 * d * radius, 0, 0, 0, 0, 0, 1);
   glDrawBuffer(GL_BACK);
   glClearColor(0, 0, 0, 0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -236,6 +241,21 @@ TEST(DrawArrays, RealGrowthMatchesImmediateMode) {
   ExpectBothModes(500, 4, "coloured by root");
   growthstate.nroots = 3;
   ExpectBothModes(500, 3, "by root, fewer roots");
+}
+
+// With the eye inside the aggregate most lines lie beyond a clipping plane
+// and are left out; those kept follow growth, and the view's changes.
+TEST(DrawArrays, LinesOutOfViewLeftOut) {
+  ResetProgram();
+  while (ncells < 3000) IterateSystemSteps(1000);
+  for (double d : {0.3, 0.3, 0.1, 1.5, 0.2}) {
+    eyedistance = d;
+    ExpectBothModes(100, 3, "eye inside");
+    int n = ncells + 300;
+    while (ncells < n) IterateSystemSteps(1000);
+    ExpectBothModes(100, 3, "grown, same view");
+  }
+  eyedistance = 1.5;
 }
 
 // LookThrough computes gluLookAt's matrix itself: the same floats, for

@@ -149,32 +149,44 @@ static void Vertex(XYZ p) { glVertex3f(p.x, p.y, p.z); }
 
 int drawimmediate = 0;
 
-// Points and lines from buffer objects: for every non-root cell in cell
+// Points and lines from buffer objects. For every non-root cell in cell
 // order, the cell then its parent (the lines); the points are every other
-// vertex of the same buffers. Floats are converted from the doubles as
-// glVertex3f and glColor3f convert them, so the pictures match the
-// immediate mode exactly. Appended cells are the only vertices uploaded;
-// the colours are worked out again only when a weight, maxweight or the
-// colouring changed, and uploaded only then.
+// vertex. Floats are converted from the doubles as glVertex3f and glColor3f
+// convert them, so the pictures match the immediate mode exactly.
+//
+// Only the lines that can show are sent: a line whose two ends lie beyond
+// the same clipping plane yields no fragment, so leaving it out changes no
+// pixel (the order of the others is kept). The test is made in double with a
+// margin far above the rounding of GL's float transform. The lines kept are
+// worked out again when the view changes; with the view held, new cells are
+// tested as they come. Their positions and colours sit in compact buffers:
+// the positions are uploaded as they are appended, the colours whenever one
+// moved. A colour is worked out again only when its weight, maxweight or the
+// colouring changed; the logarithm of a weight is kept until it moves.
 struct DLAARRAYS {
-  std::vector<GLfloat> xyz;   // 6 per drawn cell: cell, then parent
-  std::vector<GLfloat> rgb;   // 6 per drawn cell: the cell's colour twice
-  std::vector<int> index;     // the cell of each drawn cell
-  std::vector<double> weight; // per drawn cell: the weight its colour is from
-  std::vector<double> logw;   // per drawn cell: log(weight + 1)
-  int ndrawn;                 // non-root cells converted
-  int n;                      // cells converted, roots included
-  int size;                   // cells.size() when converted
-  unsigned revision;          // cellsrevision when converted
-  CELL last;                  // cell n - 1 when converted
-  int coloured;               // cells with colours worked out (of ndrawn)
-  int byroot;                 // the colouring of those: by root (1) or weight (0)
-  int nroots;                 // nroots they were coloured with
-  double maxweight;           // maxweight they were coloured with
-  GLuint xyzbuffer, rgbbuffer;  // 0 until the first draw
-  int uploaded;               // drawn cells whose vertices are in xyzbuffer
-  int capacity;               // drawn cells both buffers hold
-  int rgbstale;               // rgbbuffer is behind rgb
+  std::vector<GLfloat> xyz;    // 6 per drawn cell: cell, then parent
+  std::vector<int> index;      // the cell of each drawn cell
+  std::vector<double> weight;  // per drawn cell: the weight logw is from (NaN: none)
+  std::vector<double> logw;    // per drawn cell: log(weight + 1)
+  int ndrawn;                  // non-root cells converted
+  int n;                       // cells converted, roots included
+  int size;                    // cells.size() when converted
+  unsigned revision;           // cellsrevision when converted
+  CELL last;                   // cell n - 1 when converted
+  // The lines that can show, for the view in clip.
+  double clip[16];             // projection times model-view, column major
+  int tested;                  // drawn cells tested against clip
+  std::vector<int> shown;      // drawn cells kept, in order
+  std::vector<GLfloat> sxyz;   // 6 per kept cell
+  std::vector<GLfloat> srgb;   // 6 per kept cell: its colour twice
+  std::vector<double> sweight; // per kept cell: the weight its colour is from
+  int coloured;                // kept cells with colours worked out
+  int byroot, nroots;          // the colouring they were worked out with
+  double maxweight;
+  GLuint xyzbuffer, rgbbuffer; // 0 until the first draw
+  int uploaded;                // kept cells whose positions are in xyzbuffer
+  int capacity;                // kept cells both buffers hold
+  int rgbstale;                // rgbbuffer is behind srgb
 };
 static DLAARRAYS dlaarrays;
 
@@ -195,21 +207,29 @@ static int OnlyAppended(const DLAARRAYS &a) {
   return a.n == 0 || SameCell(cells[a.n - 1], a.last);
 }
 
+static void ForgetShown(DLAARRAYS &a) {
+  a.tested = 0;
+  a.shown.clear();
+  a.sxyz.clear();
+  a.srgb.clear();
+  a.sweight.clear();
+  a.coloured = 0;
+  a.uploaded = 0;
+}
+
 static void SyncDLAArrays(void) {
   DLAARRAYS &a = dlaarrays;
   if (!OnlyAppended(a)) {
     a.ndrawn = 0;
     a.n = 0;
-    a.coloured = 0;
-    a.uploaded = 0;
+    ForgetShown(a);
   }
   int count = a.ndrawn;
   for (int i = a.n; i < ncells; i++)
     if (cells[i].parent >= 0) count++;
   a.xyz.resize(6 * (size_t)count);
-  a.rgb.resize(6 * (size_t)count);
   a.index.resize(count);
-  a.weight.resize(count);
+  a.weight.resize(count, NAN);
   a.logw.resize(count);
 
   GLfloat *v = a.xyz.data() + 6 * (size_t)a.ndrawn;
@@ -225,7 +245,9 @@ static void SyncDLAArrays(void) {
     v[4] = q.y;
     v[5] = q.z;
     v += 6;
-    a.index[k++] = i;
+    a.index[k] = i;
+    a.weight[k] = NAN;
+    k++;
   }
   a.ndrawn = count;
   a.n = ncells;
@@ -234,73 +256,109 @@ static void SyncDLAArrays(void) {
   if (ncells > 0) a.last = cells[ncells - 1];
 }
 
+// Bit k set: the clip-space point lies beyond plane k (x > w, x < -w, y,
+// z likewise), by a margin no float rounding reaches.
+static int Outside(const double *m, const GLfloat *v) {
+  double c[4];
+  for (int r = 0; r < 4; r++) c[r] = m[r] * v[0] + m[4 + r] * v[1] + m[8 + r] * v[2] + m[12 + r];
+  int bits = 0;
+  for (int k = 0; k < 3; k++) {
+    double margin = 1e-3 * (fabs(c[k]) + fabs(c[3])) + 1e-30;
+    if (c[k] - c[3] > margin) bits |= 1 << (2 * k);
+    if (-c[k] - c[3] > margin) bits |= 2 << (2 * k);
+  }
+  return bits;
+}
+
+// The lines that can show under the current matrices: all again when they
+// changed, else only the drawn cells added since.
+static void SyncShown(void) {
+  DLAARRAYS &a = dlaarrays;
+  GLdouble proj[16], model[16], m[16];
+  glGetDoublev(GL_PROJECTION_MATRIX, proj);
+  glGetDoublev(GL_MODELVIEW_MATRIX, model);
+  for (int c = 0; c < 4; c++)
+    for (int r = 0; r < 4; r++) {
+      double sum = 0;
+      for (int k = 0; k < 4; k++) sum += proj[4 * k + r] * model[4 * c + k];
+      m[4 * c + r] = sum;
+    }
+  if (memcmp(m, a.clip, sizeof(m)) != 0) {
+    ForgetShown(a);
+    memcpy(a.clip, m, sizeof(m));
+  }
+  for (int k = a.tested; k < a.ndrawn; k++) {
+    const GLfloat *v = &a.xyz[6 * (size_t)k];
+    if (Outside(m, v) & Outside(m, v + 3)) continue;
+    a.shown.push_back(k);
+    a.sxyz.insert(a.sxyz.end(), v, v + 6);
+  }
+  a.tested = a.ndrawn;
+  a.srgb.resize(a.sxyz.size());
+  a.sweight.resize(a.shown.size(), NAN);
+}
+
 static void PutColour(GLfloat *c, COLOUR k) {
   c[0] = c[3] = k.r;
   c[1] = c[4] = k.g;
   c[2] = c[5] = k.b;
 }
 
-// ChooseColour's colours, by its own rules, for the drawn cells. By root a
+// ChooseColour's colours, by its own rules, for the kept cells. By root a
 // colour never changes, so only new cells are coloured. By weight a colour
 // depends on the weight and maxweight alone: while maxweight holds, only
-// cells whose weight moved are coloured again; the logarithm of a weight is
-// kept until the weight moves. Sets rgbstale when a colour was written.
+// cells whose weight moved are coloured again. Sets rgbstale when a colour
+// was written.
 static void UpdateDLAColours(int drawmode) {
   DLAARRAYS &a = dlaarrays;
+  int nshown = (int)a.shown.size();
   int byroot = ColourByRoot(drawmode);
-  if (a.coloured > 0 && (byroot != a.byroot || (byroot && growthstate.nroots != a.nroots))) a.coloured = 0;
+  if (byroot != a.byroot || (byroot && growthstate.nroots != a.nroots)) a.coloured = 0;
   a.byroot = byroot;
   a.nroots = growthstate.nroots;
 
   if (byroot) {
-    for (int k = a.coloured; k < a.ndrawn; k++) PutColour(&a.rgb[6 * (size_t)k], ChooseColour(a.index[k], drawmode));
-    if (a.coloured < a.ndrawn) a.rgbstale = 1;
-    a.coloured = a.ndrawn;
+    for (int s = a.coloured; s < nshown; s++)
+      PutColour(&a.srgb[6 * (size_t)s], ChooseColour(a.index[a.shown[s]], drawmode));
+    if (a.coloured < nshown) a.rgbstale = 1;
+    a.coloured = nshown;
     return;
   }
 
-  // Cells not coloured yet take their logarithm afresh.
-  for (int k = a.coloured; k < a.ndrawn; k++) {
-    double w = cells[a.index[k]].weight;
-    a.weight[k] = w;
-    a.logw[k] = log(w + 1);
-  }
-  int all = a.coloured == 0 || growthstate.maxweight != a.maxweight;
-  int first = all ? 0 : a.coloured;
+  if (growthstate.maxweight != a.maxweight) a.coloured = 0;
   a.maxweight = growthstate.maxweight;
   double top = log(growthstate.maxweight / 3 + 1);
-  const int *index = a.index.data();
-  double *weight = a.weight.data();
-  double *logw = a.logw.data();
-  GLfloat *c = a.rgb.data();
-  int changed = first < a.ndrawn;
-  // The tips (weight 0) share one colour, worked out once.
-  COLOUR tip = GetColour(0, 0, top, 1);
-  for (int k = 0; k < a.ndrawn; k++) {
-    double w = cells[index[k]].weight;
-    int moved = w != weight[k];
-    if (moved) {
-      weight[k] = w;
-      logw[k] = log(w + 1);
-      changed = 1;
+  COLOUR tip = GetColour(0, 0, top, 1);  // weight 0, the tips: one colour
+  int changed = 0;
+  for (int s = 0; s < nshown; s++) {
+    int k = a.shown[s];
+    double w = cells[a.index[k]].weight;
+    if (s < a.coloured && w == a.sweight[s]) continue;
+    if (w != a.weight[k]) {
+      a.weight[k] = w;
+      a.logw[k] = log(w + 1);
     }
     // The same arithmetic as WeightColour(w).
-    if (moved || k >= first) PutColour(c + 6 * (size_t)k, w == 0 ? tip : GetColour(logw[k], 0, top, 1));
+    PutColour(&a.srgb[6 * (size_t)s], w == 0 ? tip : GetColour(a.logw[k], 0, top, 1));
+    a.sweight[s] = w;
+    changed = 1;
   }
   if (changed) a.rgbstale = 1;
-  a.coloured = a.ndrawn;
+  a.coloured = nshown;
 }
 
 void UpdateDLAArrays(int drawmode) {
   SyncDLAArrays();
+  SyncShown();
   UpdateDLAColours(drawmode);
 }
 
-// Brings the buffer objects up to date: new vertices appended, the colours
+// Brings the buffer objects up to date: new positions appended, the colours
 // whole when they changed. A buffer too small is replaced by one twice the
 // size, filled from the arrays.
 static void UploadDLABuffers(void) {
   DLAARRAYS &a = dlaarrays;
+  int nshown = (int)a.shown.size();
   if (a.xyzbuffer == 0) {
     glGenBuffers(1, &a.xyzbuffer);
     glGenBuffers(1, &a.rgbbuffer);
@@ -308,9 +366,9 @@ static void UploadDLABuffers(void) {
     a.uploaded = 0;
   }
   const GLsizeiptr cellbytes = 6 * sizeof(GLfloat);
-  if (a.ndrawn > a.capacity) {
+  if (nshown > a.capacity) {
     int capacity = a.capacity < 4096 ? 4096 : a.capacity;
-    while (capacity < a.ndrawn) capacity *= 2;
+    while (capacity < nshown) capacity *= 2;
     glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
     glBufferData(GL_ARRAY_BUFFER, capacity * cellbytes, NULL, GL_DYNAMIC_DRAW);
     glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
@@ -319,15 +377,15 @@ static void UploadDLABuffers(void) {
     a.uploaded = 0;
     a.rgbstale = 1;
   }
-  if (a.uploaded < a.ndrawn) {
+  if (a.uploaded < nshown) {
     glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
-    glBufferSubData(GL_ARRAY_BUFFER, a.uploaded * cellbytes, (a.ndrawn - a.uploaded) * cellbytes,
-                    a.xyz.data() + 6 * (size_t)a.uploaded);
-    a.uploaded = a.ndrawn;
+    glBufferSubData(GL_ARRAY_BUFFER, a.uploaded * cellbytes, (nshown - a.uploaded) * cellbytes,
+                    a.sxyz.data() + 6 * (size_t)a.uploaded);
+    a.uploaded = nshown;
   }
   if (a.rgbstale) {
     glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
-    glBufferSubData(GL_ARRAY_BUFFER, 0, a.ndrawn * cellbytes, a.rgb.data());
+    glBufferSubData(GL_ARRAY_BUFFER, 0, nshown * cellbytes, a.srgb.data());
     a.rgbstale = 0;
   }
 }
@@ -336,28 +394,30 @@ static void DrawDLAArrays(int drawmode) {
   UpdateDLAArrays(drawmode);
   DLAARRAYS &a = dlaarrays;
   if (a.ndrawn == 0) return;
-  UploadDLABuffers();
-
-  // Points take the cell end of each line.
-  GLsizei stride = drawmode == DLADRAW_POINTS ? 6 * sizeof(GLfloat) : 0;
-  glEnableClientState(GL_VERTEX_ARRAY);
-  glEnableClientState(GL_COLOR_ARRAY);
-  glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
-  glVertexPointer(3, GL_FLOAT, stride, NULL);
-  glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
-  glColorPointer(3, GL_FLOAT, stride, NULL);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
-  if (drawmode == DLADRAW_POINTS)
-    glDrawArrays(GL_POINTS, 0, a.ndrawn);
-  else
-    glDrawArrays(GL_LINES, 0, 2 * a.ndrawn);
-  glDisableClientState(GL_COLOR_ARRAY);
-  glDisableClientState(GL_VERTEX_ARRAY);
+  int nshown = (int)a.shown.size();
+  if (nshown > 0) {
+    UploadDLABuffers();
+    // Points take the cell end of each line.
+    GLsizei stride = drawmode == DLADRAW_POINTS ? 6 * sizeof(GLfloat) : 0;
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glVertexPointer(3, GL_FLOAT, stride, NULL);
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glColorPointer(3, GL_FLOAT, stride, NULL);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    if (drawmode == DLADRAW_POINTS)
+      glDrawArrays(GL_POINTS, 0, nshown);
+    else
+      glDrawArrays(GL_LINES, 0, 2 * nshown);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
+  }
 
   // Drawing from a colour array leaves the current colour undefined; the
   // immediate mode leaves the last cell's, which later drawing may rely on.
-  const GLfloat *last = a.rgb.data() + 6 * (size_t)(a.ndrawn - 1);
-  glColor3f(last[0], last[1], last[2]);
+  COLOUR last = ChooseColour(a.index[a.ndrawn - 1], drawmode);
+  glColor3f(last.r, last.g, last.b);
 }
 
 void DrawDLA(int drawmode) {
