@@ -10,7 +10,8 @@
 //   build/dla3d-batch --cells 1000000 --csv big.csv
 //   xvfb-run -a -s '-screen 0 1024x768x24' build/bench/bench_window big.csv 1000000 20
 // BENCH_DLADRAW=1 (aggregate off), BENCH_INFO=0 (F2), BENCH_EXTRAS=0 (F1)
-// take parts out of the frame.
+// take parts out of the frame; BENCH_FRAMERATE=F asks for F redisplays a
+// second instead of 30.
 #include <GL/freeglut.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -109,6 +110,7 @@ int main(int argc, char **argv) {
   if (getenv("BENCH_DLADRAW")) options.dladrawmode = atoi(getenv("BENCH_DLADRAW"));
   if (getenv("BENCH_INFO")) options.showinfo = atoi(getenv("BENCH_INFO"));
   if (getenv("BENCH_EXTRAS")) options.showextras = atoi(getenv("BENCH_EXTRAS"));
+  if (getenv("BENCH_FRAMERATE")) options.framerate = atof(getenv("BENCH_FRAMERATE"));
 
   // Phase 0: the batch program's loop (runs of steps; the cell count seen
   // after each stuck particle).
