@@ -21,10 +21,11 @@ void DrawDLA(int drawmode);
 extern int drawimmediate;
 
 // Brings the vertex arrays up to date with the cells (appending new ones,
-// rebuilding after any other change) and works out their colours for
-// DLADRAW_POINTS or DLADRAW_LINES (only what changed). DrawDLA does this
-// every frame, then uploads what changed to its buffer objects; declared
-// for the benchmark.
+// rebuilding after any other change), picks the lines that can show under
+// the current projection and model-view matrices (a GL context must be
+// current) and works out their colours for DLADRAW_POINTS or DLADRAW_LINES
+// (only what changed). DrawDLA does this every frame, then uploads what
+// changed to its buffer objects; declared for the benchmark.
 void UpdateDLAArrays(int drawmode);
 
 // The constraint surface in an STLDRAW_* mode from its display list;
