@@ -11,6 +11,7 @@
 #define GL_GLEXT_PROTOTYPES  // buffer objects
 #include <GL/gl.h>
 #include <GL/glext.h>
+#include <malloc.h>  // mallopt()
 #include <math.h>
 #include <string.h>  // memcmp()
 
@@ -420,8 +421,23 @@ static void DrawDLAArrays(int drawmode) {
   glColor3f(last.r, last.g, last.b);
 }
 
+// Mesa's software rasteriser bins every frame's primitives in memory it
+// takes with malloc and frees after the frame. With glibc's defaults the
+// freed heap is trimmed back to the system each time, and the next frame
+// faults the pages in again: at a million cells that costs more than the
+// drawing itself. Freed memory up to 256 MB stays with the process instead,
+// and blocks up to 32 MB come from the heap.
+static void KeepFrameMemory(void) {
+  static int kept = 0;
+  if (kept) return;
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+  kept = 1;
+}
+
 void DrawDLA(int drawmode) {
   if (drawmode < DLADRAW_POINTS || drawmode > DLADRAW_TUBES) return;
+  KeepFrameMemory();
   CreateEnvironment(drawmode);
 
   if ((drawmode == DLADRAW_POINTS || drawmode == DLADRAW_LINES) && !drawimmediate) {
