@@ -27,6 +27,7 @@ static double seconds;
 static int phase;           // 1 idle, no drawing; 2 idle and display
 static double phasestart;
 static long idlecalls, frames;
+static double displaytime;  // seconds spent in the display callback this phase
 static int cellsatstart;
 static double rates[3][3];  // steps/s, cells/s, frames/s per phase
 
@@ -53,15 +54,17 @@ static void Report(int k, const char *what, double steps, double elapsed, int ce
   rates[k][0] = steps / elapsed;
   rates[k][1] = cells / elapsed;
   rates[k][2] = frames / elapsed;
-  printf("%-34s %10.0f steps/s %8.1f cells/s %6.1f frames/s (%d cells at the end)\n", what, rates[k][0],
-         rates[k][1], rates[k][2], ncells);
+  printf("%-34s %10.0f steps/s %8.1f cells/s %6.1f frames/s %6.1f ms a display (%d cells at the end)\n", what,
+         rates[k][0], rates[k][1], rates[k][2], frames ? 1000 * displaytime / frames : 0.0, ncells);
   fflush(stdout);
 }
 
 static void NoDrawing(void) { frames++; }
 
 static void CountedDisplay(void) {
+  double start = GetRunTime();
   HandleDisplay();
+  displaytime += GetRunTime() - start;
   frames++;
 }
 
@@ -82,6 +85,7 @@ static void CountedIdle(void) {
   phase++;
   idlecalls = 0;
   frames = 0;
+  displaytime = 0;
   cellsatstart = ncells;
   phasestart = GetRunTime();
 }
