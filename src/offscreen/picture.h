@@ -8,6 +8,8 @@
 // extras) from the records, camera.screenwidth x camera.screenheight
 // pixels, into pixels (4 bytes red, green, blue, alpha; rows from the
 // bottom, as glReadPixels gives them). Returns 1, or 0 after a message to err.
+// Once per process: the scene keeps its buffer objects and surface list
+// from frame to frame, and each call makes a new context.
 int DrawPicture(unsigned char *pixels, FILE *err);
 
 // DrawPicture at width x height, written to path as a PNG (RGB). Returns 1,
