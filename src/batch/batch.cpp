@@ -22,6 +22,7 @@
 #include "surface/slice.h"
 #include "surface/stl.h"
 #include "surface/transform.h"
+#include "view/camera.h"
 
 // [SECTION] The option table: every option is one row here. A row writes
 // either a growth setting (into run->growth, copied to growthstate when the
@@ -31,7 +32,7 @@
 // "X,Y,Z" value into an XYZ; BOPT_TRANSFORM: three triples appended to
 // run->transforms; BOPT_SEARCH: "index" or "scan".
 enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SAMPLE, BOPT_TRIPLE,
-       BOPT_TRANSFORM, BOPT_SEARCH };
+       BOPT_TRANSFORM, BOPT_SEARCH, BOPT_SIZE };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -119,6 +120,20 @@ static const BATCHOPTION batchoptions[] = {
    "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
   {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
    "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
+  {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",
+   "last, draw the aggregate as the window shows it, without the overlays, into a PNG file"},
+  {"--size", NULL, "WxH", BOPT_SIZE, R(pngwidth), offsetof(BATCHRUN, pngheight), 1, 8192, 0,
+   "WIDTHxHEIGHT, each an integer from 1 to 8192", "size of the --png picture in pixels (800x600)"},
+  {"--dla-draw", NULL, "CODE", BOPT_INT, R(dladrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+   "aggregate drawing mode: 1 off, 2 points, 3 lines, 5 tubes; also the colours of the writers (3)"},
+  {"--stl-draw", NULL, "CODE", BOPT_INT, R(stldrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+   "surface drawing mode: 1 off, 2 faces wireframe, 3 mid points, 4 vertices, 5 solid (2)"},
+  {"--no-extras", NULL, "", BOPT_FLAG, R(noextras), 0, 0, 0, 1, "",
+   "no circles, axes, release points or spheres in the picture (F1)"},
+  {"--camera-rotate", NULL, "DX,DY,DZ", BOPT_TRIPLE, R(camerarotate), 0, -NOLIMIT, NOLIMIT, 0,
+   "three numbers DX,DY,DZ", "turn the camera from home for --png: degrees about up, right, view direction"},
+  {"--aperture", NULL, "DEG", BOPT_DOUBLE, R(aperture), 0, 0.1, 179, 0, "0.1 to 179",
+   "vertical field of view of the --png picture, degrees (60)"},
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
@@ -184,6 +199,28 @@ static int ParseTriple(const char *s, XYZ *v) {
   return 1;
 }
 
+// "WxH": two integers of digits alone, joined by a lower-case x.
+static int ParseSize(const char *s, long long *w, long long *h) {
+  const char *x = strchr(s, 'x');
+  if (x == NULL || x == s || x[1] == '\0' || strlen(s) > 32) return 0;
+  for (const char *c = s; *c; c++)
+    if (c != x && (*c < '0' || *c > '9')) return 0;
+  *w = atoll(s);
+  *h = atoll(x + 1);
+  return 1;
+}
+
+static int StoreSize(BATCHRUN *run, const BATCHOPTION *o, const char *text, FILE *err) {
+  long long w, h;
+  if (!ParseSize(text, &w, &h) || w < o->lo || w > o->hi || h < o->lo || h > o->hi) {
+    fprintf(err, "%s: %s: \"%s\" is not a size (allowed: %s)\n", programname, o->name, text, o->range);
+    return 0;
+  }
+  *(int *)Field(run, o, o->offset) = (int)w;
+  *(int *)Field(run, o, o->offset2) = (int)h;
+  return 1;
+}
+
 static int StoreTriple(const BATCHOPTION *o, const char *text, XYZ *v, FILE *err) {
   if (ParseTriple(text, v)) return 1;
   fprintf(err, "%s: %s: \"%s\" is not three comma-separated numbers (allowed: %s)\n", programname, o->name, text,
@@ -227,6 +264,8 @@ static void SetRunDefaults(BATCHRUN *run) {
   run->steps = -1;
   run->progress = -1;
   run->slicenormal.z = 1;  // the slicing form's start value
+  run->pngwidth = 800;     // the window's first size
+  run->pngheight = 600;
 }
 
 static int Given(const BATCHRUN *run, const char *name) {
@@ -247,6 +286,16 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
       fprintf(err, "%s: %s needs --slices N (allowed: an integer from 2 to 2147483647)\n", programname, name);
       return BATCH_USAGE;
     }
+  const char *needpng[] = {"--size", "--camera-rotate", "--aperture"};
+  for (const char *name : needpng)
+    if (Given(run, name) && !Given(run, "--png")) {
+      fprintf(err, "%s: %s needs --png PATH\n", programname, name);
+      return BATCH_USAGE;
+    }
+  if (Given(run, "--png") && batchpicture == NULL) {
+    fprintf(err, "%s: --png: this program was built without offscreen drawing (OSMesa)\n", programname);
+    return BATCH_USAGE;
+  }
   return BATCH_OK;
 }
 
@@ -302,6 +351,9 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
       case BOPT_PAIR:
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         if (!StoreValue(run, o, o->offset2, argv[++i], err)) return BATCH_USAGE;
+        break;
+      case BOPT_SIZE:
+        if (!StoreSize(run, o, argv[++i], err)) return BATCH_USAGE;
         break;
       case BOPT_TRIPLE:
         if (!StoreTriple(o, argv[++i], (XYZ *)Field(run, o, o->offset), err)) return BATCH_USAGE;
@@ -460,9 +512,29 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
+int (*batchpicture)(const char *path, int width, int height, FILE *err) = NULL;
+
+// The drawing state the picture and the writers' colours depend on.
+static void ApplyDrawingOptions(const BATCHRUN *run) {
+  if (Given(run, "--dla-draw")) options.dladrawmode = run->dladrawmode;
+  if (Given(run, "--stl-draw")) options.stldrawmode = run->stldrawmode;
+  if (run->noextras) options.showextras = 0;
+}
+
+// The picture at the window's size, camera from home turned as asked.
+static int WritePicture(const BATCHRUN *run, FILE *err) {
+  camera.screenwidth = run->pngwidth;
+  camera.screenheight = run->pngheight;
+  if (Given(run, "--aperture")) camera.aperture = run->aperture;
+  const XYZ &r = run->camerarotate;
+  if (Given(run, "--camera-rotate")) RotateCamera(r.x * DTOR, r.y * DTOR, r.z * DTOR);
+  return batchpicture(run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
+}
+
 int RunBatch(BATCHRUN *run, FILE *err) {
   ResetProgram();  // the window's state after start-up, camera home included
   options.debug = run->debug;
+  ApplyDrawingOptions(run);
   growthsearch = run->search;
   ApplyBatchSettings(run);
 
@@ -533,5 +605,18 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     if (!DoSliceIn(run->slicedir, options.nslices, SliceNormalForCut())) return BATCH_FATAL;
   }
   if (run->stats) RunStatisticsToCompletion();
-  return RunWriters(run, err);
+  status = RunWriters(run, err);
+  if (run->pngfile[0] && WritePicture(run, err) != BATCH_OK) status = BATCH_FILEERROR;
+  return status;
+}
+
+int BatchMain(int argc, char **argv) {
+  static BATCHRUN run;
+  int status = ParseBatchOptions(argc, argv, &run, stderr);
+  if (status != BATCH_OK) return status;
+  if (run.help) {
+    WriteBatchUsage(stdout, argv[0]);
+    return BATCH_OK;
+  }
+  return RunBatch(&run, stderr);
 }
