@@ -220,8 +220,10 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
 // Steps 3 to 6: the move of the particle at *p. 0 when the step out of the
 // release sphere was refused (the particle is then back at q). The settings
 // come as arguments so that a run of steps can read them once.
+// With owe set, one root's rand draws are owed rather than made (their
+// values are not needed); the plain scan makes them, as the reference.
 static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit, double bias,
-                               int nroots, int associate, double rotation) {
+                               int nroots, int associate, double rotation, int owe) {
   // 3. One random step of one branch length.
   XYZ u;
   u.x = GrowthDrand48() - 0.5;
@@ -252,9 +254,11 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
       target = cells[ncells % nroots].p;
     } else {
       // x % 1 is 0: one root needs the draws but not the divisions.
-      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      if (nroots == 1 && owe) SkipGrowthRand(3);
+      int one = nroots == 1;
+      int kx = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
+      int ky = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
+      int kz = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
       target.x = cells[kx].p.x;
       target.y = cells[ky].p.y;
       target.z = cells[kz].p.z;
@@ -316,7 +320,7 @@ void IterateSystem(void) {
   g.lifespan++;
 
   if (!MoveParticle(&g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
-                    g.associate, g.rotation))
+                    g.associate, g.rotation, growthsearch == SEARCH_INDEX))
     return;
   FinishStep(q);
 }
@@ -343,7 +347,7 @@ long IterateSystemSteps(long n) {
     XYZ q = p;
     lifespan++;
     k++;
-    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation)) continue;
+    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation, 1)) continue;
     double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
     if (dx * dx + dy * dy + dz * dz < safe2) {
       GrowthDrand48();  // 8: the stickiness number, with nothing touched
