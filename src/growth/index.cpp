@@ -510,3 +510,21 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   SetEmptyBall(p, free);
   return 0;
 }
+
+double IndexClearance(XYZ p) {
+  const SEARCHINDEX &s = searchindex;
+  int ix, iy, iz;
+  if (!s.valid || s.overflow || !FiniteBucket(p, &ix, &iy, &iz)) return 0;
+  double slack = Slack(p);
+  int saturated;
+  double free = FieldsFree(p, slack, &saturated);
+  if (saturated) {
+    double bound = CoarseFree(p, ix, iy, iz, slack);
+    if (bound > free) free = bound;
+  }
+  // Every cell lies within maxdist of the origin.
+  double outside = Modulus(p) - s.maxdist - slack;
+  if (outside > free) free = outside;
+  double safe = (free - s.reach) * (1 - MARGIN);
+  return safe > 0 ? safe : 0;
+}

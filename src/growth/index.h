@@ -96,4 +96,9 @@ void IndexAppendedCell(unsigned revision);
 // cannot answer (overflow, not-a-number particle): use the plain scan.
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok);
 
+// The radius of a ball around p that holds no point within reach of any
+// cell (association aside), from the fields, the coarse levels and the
+// aggregate's extent; 0 when none is proven. The index must be current.
+double IndexClearance(XYZ p);
+
 #endif

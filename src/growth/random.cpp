@@ -90,5 +90,19 @@ void SeedGrowthRandom(int seed) {
   GrowthSrand48(seed);
 }
 
+uint64_t walkrandom[4];
+
+void SeedWalkRandom(int seed) {
+  // splitmix64 spreads the seed over the four words
+  uint64_t z = (uint64_t)(uint32_t)seed ^ 0x5745414C4B464153ULL;
+  for (int k = 0; k < 4; k++) {
+    z += 0x9E3779B97F4A7C15ULL;
+    uint64_t x = z;
+    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
+    x = (x ^ (x >> 27)) * 0x94D049BB133111EBULL;
+    walkrandom[k] = x ^ (x >> 31);
+  }
+}
+
 // Before any srand the library behaves as if seeded with 1.
 static int randready = (GrowthSrand(1), 1);

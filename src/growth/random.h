@@ -48,4 +48,26 @@ inline int GrowthRand(void) {
   return (int)(val >> 1);
 }
 
+// The fast walk's own generator (xoshiro256**), apart from drand48 and
+// rand so that the exact walk's numbers stay untouched.
+extern uint64_t walkrandom[4];
+
+// Seeds the fast walk's generator (the growth seeds it with the growth seed).
+void SeedWalkRandom(int seed);
+
+// Uniform in [0, 1), 53 bits.
+inline double WalkUniform(void) {
+  uint64_t *s = walkrandom;
+  uint64_t x = s[1] * 5;
+  uint64_t result = ((x << 7) | (x >> 57)) * 9;
+  uint64_t t = s[1] << 17;
+  s[2] ^= s[0];
+  s[3] ^= s[1];
+  s[1] ^= s[2];
+  s[0] ^= s[3];
+  s[2] ^= t;
+  s[3] = (s[3] << 45) | (s[3] >> 19);
+  return (double)(result >> 11) * (1.0 / 9007199254740992.0);
+}
+
 #endif

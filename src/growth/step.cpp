@@ -5,10 +5,9 @@
 #include "growth/growth.h"
 #include "growth/index.h"
 #include "growth/random.h"
+#include "growth/walk.h"
 #include "surface/constraint.h"
 #include "surface/stl.h"
-
-#define LIFESPAN 10000  // steps a particle wanders before it is replaced
 
 static void Veto(const char *why) {
   if (options.debug) fwrite(why, strlen(why), 1, stderr);
@@ -311,7 +310,7 @@ void IterateSystem(void) {
   GROWTHSTATE &g = growthstate;
 
   // 1. Release a new particle at the start of every life span.
-  if (g.lifespan % LIFESPAN == 0) {
+  if (g.lifespan % GROWTH_LIFESPAN == 0) {
     g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
     seeds[nseeds % NSEEDS] = g.particle;
     nseeds++;
@@ -326,6 +325,11 @@ void IterateSystem(void) {
 }
 
 long IterateSystemSteps(long n) {
+  if (growthwalk == WALK_FAST) return FastWalkSteps(n);
+  return IterateExactSteps(n);
+}
+
+long IterateExactSteps(long n) {
   GROWTHSTATE &g = growthstate;
   const SEARCHINDEX &s = searchindex;
   if (n <= 0) return 0;
@@ -343,7 +347,7 @@ long IterateSystemSteps(long n) {
   XYZ p = g.particle;
   int lifespan = g.lifespan;
   long k = 0;
-  while (k < n && lifespan % LIFESPAN != 0) {
+  while (k < n && lifespan % GROWTH_LIFESPAN != 0) {
     XYZ q = p;
     lifespan++;
     k++;
