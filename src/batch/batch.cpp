@@ -503,6 +503,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     }
   }
   if (progress) ShowProgress(err, run, step, 1);
+  SettleWeights();  // the fast walk's deferred weights
 
   if (csv) {
     WriteCellsCSV(csv);

@@ -199,7 +199,11 @@ static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2
       double dxy = g2[0][i] + g2[1][j];
       if (dxy >= cap2) continue;
       uint8_t *row = data + Voxel(lo[0] + i, lo[1] + j, 0);
-      for (int k = r.k0; k < r.k1; k++) {
+      // Only the row's voxels within the cap can change.
+      int k0 = r.k0, k1 = r.k1;
+      while (k0 < k1 && dxy + g2[2][k0] >= cap2) k0++;
+      while (k1 > k0 && dxy + g2[2][k1 - 1] >= cap2) k1--;
+      for (int k = k0; k < k1; k++) {
         double m = (dxy + g2[2][k]) * scale;
         uint8_t q = fieldroot[(int)(m < top ? m : top)];
         uint8_t &v = row[(lo[2] + k) & 7];
@@ -243,6 +247,7 @@ static void Insert(int c) {
     s.next.resize(size);
     s.hops.resize(size);
     s.parent.resize(size);
+    s.owed.resize(size);
   }
   int parent = cells[c].parent;
   s.parent[c] = parent;
@@ -269,6 +274,7 @@ static void Insert(int c) {
 
 static void Rebuild(void) {
   SEARCHINDEX &s = searchindex;
+  SettleWeights();
   s.valid = 1;
   s.revision = cellsrevision;
   s.n = ncells;
@@ -286,6 +292,8 @@ static void Rebuild(void) {
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
+  s.owed.assign(s.next.size(), 0);
+  s.owing = 0;
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
   s.maxweight = 0;
@@ -509,6 +517,27 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
   }
   SetEmptyBall(p, free);
   return 0;
+}
+
+void SettleWeights(void) {
+  SEARCHINDEX &s = searchindex;
+  if (!s.owing) return;
+  // A cell's share reaches its parent after its own children's: children
+  // come after their parents.
+  double *owed = s.owed.data();
+  for (int j = s.n - 1; j >= 0; j--) {
+    double share = owed[j];
+    if (share == 0) continue;
+    owed[j] = 0;
+    cells[j].weight += share;
+    if (s.parent[j] >= 0) owed[s.parent[j]] += share;
+  }
+  s.owing = 0;
+  s.maxweight = 0;
+  for (int i = 0; i < ncells; i++)
+    if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+  s.maxweightknown = 1;
+  growthstate.maxweight = s.maxweight;
 }
 
 double IndexClearance(XYZ p) {

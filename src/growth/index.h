@@ -49,6 +49,10 @@ struct SEARCHINDEX {
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
+  // The fast walk's shares not yet added along the way to the root: per
+  // cell, the sum of 1/d of the cells that stuck to it.
+  std::vector<double> owed;
+  int owing;
   HASHTABLE buckets;  // level 0: newest cell of the bucket; others: 1
   // A ball around centre that holds no point within reach of a cell.
   int ball;
@@ -95,6 +99,10 @@ void IndexAppendedCell(unsigned revision);
 // touching cell was found (its index in *best). *ok is 0 when the index
 // cannot answer (overflow, not-a-number particle): use the plain scan.
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok);
+
+// Adds the shares the fast walk owes to the weights of the cells and their
+// ancestors, and brings maxweight up to date (cells in growth order).
+void SettleWeights(void);
 
 // The radius of a ball around p that holds no point within reach of any
 // cell (association aside), from the fields, the coarse levels and the

@@ -208,6 +208,15 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
   if (indexed) IndexAppendedCell(revision);
 
   int fast = indexed && searchindex.valid;
+  if (fast && growthwalk == WALK_FAST) {
+    // The fast walk owes the shares and adds them up once (SettleWeights):
+    // the walk to the root for every cell would cost more than the jumps.
+    searchindex.owed[best] += 1.0 / HopsFrom(best, fast);
+    searchindex.owing = 1;
+    KeepIndexedTotals();
+    g.lifespan = 0;
+    return;
+  }
   AddShare(best, HopsFrom(best, fast), fast);
   if (fast)
     KeepIndexedTotals();
