@@ -177,6 +177,7 @@ TEST(Walks, BatchRefusesWhatTheFastWalkCannotDo) {
 TEST(Walks, FastRunsRepeatForASeed) {
   std::string err;
   auto grow = [&](const char *walk, const char *seed) {
+    ResetGrowthForTest();  // the batch expects a fresh program
     EXPECT_EQ(Batch({"--walk", walk, "--seed", seed, "--cells", "700", "--rotation", "1"}, &err),
               BATCH_OK) << err;
     growthwalk = WALK_EXACT;
