@@ -190,7 +190,6 @@ static int BrickOutOfReach(const BRICKRANGE &r, double g2[3][20], double cap2) {
 // above the true value).
 static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2[3][20], double cap2) {
   double scale = (1 - 1e-9) / (f->unit * f->unit);
-  double top = FIELD_CAP * FIELD_CAP;
   int b = Brick(f, lo[0] + r.i0, lo[1] + r.j0, lo[2] + r.k0, 1);
   uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
   for (int i = r.i0; i < r.i1; i++) {
@@ -203,9 +202,10 @@ static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2
       int k0 = r.k0, k1 = r.k1;
       while (k0 < k1 && dxy + g2[2][k0] >= cap2) k0++;
       while (k1 > k0 && dxy + g2[2][k1 - 1] >= cap2) k1--;
+      // Inside the cap m stays below top: no clamp needed.
       for (int k = k0; k < k1; k++) {
         double m = (dxy + g2[2][k]) * scale;
-        uint8_t q = fieldroot[(int)(m < top ? m : top)];
+        uint8_t q = fieldroot[(int)m];
         uint8_t &v = row[(lo[2] + k) & 7];
         v = q < v ? q : v;
       }
