@@ -267,7 +267,7 @@ static void Insert(int c) {
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.buckets, Key(k, ix >> k, iy >> k, iz >> k), 1);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.occupied, Key(k, ix >> k, iy >> k, iz >> k), 1);
   FieldAdd(&s.fine, cells[c].p);
   FieldAdd(&s.coarse, cells[c].p);
 }
@@ -289,6 +289,7 @@ static void Rebuild(void) {
   FieldReset(&s.coarse, 14, s.h * 4);
   s.overflow = 0;
   Clear(&s.buckets);
+  Clear(&s.occupied);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
@@ -444,12 +445,12 @@ static int ScanBlock(XYZ p, int head[8], int associate, int nroots, int rootclas
 
 // Coarser blocks: cells outside a block are at least its room away, and
 // those inside at least as far as their occupied buckets' boxes. Climbs
-// while the blocks are empty; the first occupied one ends the climb.
-// Returns the best of the levels' bounds.
-static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack) {
+// from level first while the blocks are empty; the first occupied one ends
+// the climb. Returns the best of the levels' bounds.
+static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first) {
   const SEARCHINDEX &s = searchindex;
   double free = -HUGE_VAL;
-  for (int k = 1; k < INDEX_LEVELS; k++) {
+  for (int k = first; k < INDEX_LEVELS; k++) {
     double hk = s.h * (double)(1 << k);
     double rx, ry, rz;
     int kx = Span(p.x, ix >> k, hk, &rx), ky = Span(p.y, iy >> k, hk, &ry), kz = Span(p.z, iz >> k, hk, &rz);
@@ -458,7 +459,7 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack) {
     int occupied = 0;
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(&s.buckets, Key(k, bx, by, bz)) < 0) continue;
+      if (Lookup(&s.occupied, Key(k, bx, by, bz)) < 0) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);
@@ -512,7 +513,7 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     if (nearest < free) free = nearest;
     if (fieldfree > free) free = fieldfree;
   } else {
-    double bound = CoarseFree(p, ix, iy, iz, slack);
+    double bound = CoarseFree(p, ix, iy, iz, slack, 1);
     if (bound > free) free = bound;
   }
   SetEmptyBall(p, free);
@@ -548,7 +549,9 @@ double IndexClearance(XYZ p) {
   int saturated;
   double free = FieldsFree(p, slack, &saturated);
   if (saturated) {
-    double bound = CoarseFree(p, ix, iy, iz, slack);
+    // No cell within the coarse field's cap: the blocks of levels 1 to 3
+    // (all their points within 42 reaches) hold none, and bound no more.
+    double bound = CoarseFree(p, ix, iy, iz, slack, 4);
     if (bound > free) free = bound;
   }
   // Every cell lies within maxdist of the origin.

@@ -53,7 +53,8 @@ struct SEARCHINDEX {
   // cell, the sum of 1/d of the cells that stuck to it.
   std::vector<double> owed;
   int owing;
-  HASHTABLE buckets;  // level 0: newest cell of the bucket; others: 1
+  HASHTABLE buckets;  // level 0: newest cell of the bucket
+  HASHTABLE occupied;  // levels 1 and up: 1 for a bucket holding a cell (few: they stay in cache)
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
