@@ -247,7 +247,6 @@ static void Insert(int c) {
     s.next.resize(size);
     s.hops.resize(size);
     s.parent.resize(size);
-    s.owed.resize(size);
   }
   int parent = cells[c].parent;
   s.parent[c] = parent;
@@ -293,7 +292,7 @@ static void Rebuild(void) {
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
-  s.owed.assign(s.next.size(), 0);
+  s.owed.clear();  // made by the fast walk's first stick
   s.owing = 0;
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
@@ -526,7 +525,8 @@ void SettleWeights(void) {
   // A cell's share reaches its parent after its own children's: children
   // come after their parents.
   double *owed = s.owed.data();
-  for (int j = s.n - 1; j >= 0; j--) {
+  int n = s.n < (int)s.owed.size() ? s.n : (int)s.owed.size();
+  for (int j = n - 1; j >= 0; j--) {
     double share = owed[j];
     if (share == 0) continue;
     owed[j] = 0;

@@ -50,7 +50,8 @@ struct SEARCHINDEX {
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
   // The fast walk's shares not yet added along the way to the root: per
-  // cell, the sum of 1/d of the cells that stuck to it.
+  // cell, the sum of 1/d of the cells that stuck to it (empty for the
+  // exact walk).
   std::vector<double> owed;
   int owing;
   HASHTABLE buckets;  // level 0: newest cell of the bucket

@@ -211,7 +211,9 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
   if (fast && growthwalk == WALK_FAST) {
     // The fast walk owes the shares and adds them up once (SettleWeights):
     // the walk to the root for every cell would cost more than the jumps.
-    searchindex.owed[best] += 1.0 / HopsFrom(best, fast);
+    std::vector<double> &owed = searchindex.owed;
+    if ((int)owed.size() < ncells) owed.resize(2 * (size_t)ncells, 0);
+    owed[best] += 1.0 / HopsFrom(best, fast);
     searchindex.owing = 1;
     KeepIndexedTotals();
     g.lifespan = 0;
