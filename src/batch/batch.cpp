@@ -18,6 +18,7 @@
 #include "forms/readback.h"
 #include "growth/growth.h"
 #include "growth/index.h"
+#include "growth/walk.h"
 #include "surface/samples.h"
 #include "surface/slice.h"
 #include "surface/stl.h"
@@ -30,9 +31,9 @@
 
 // BOPT_SAMPLE: an int that must be a sample surface code; BOPT_TRIPLE: one
 // "X,Y,Z" value into an XYZ; BOPT_TRANSFORM: three triples appended to
-// run->transforms; BOPT_SEARCH: "index" or "scan".
+// run->transforms; BOPT_SEARCH: "index" or "scan"; BOPT_WALK: "exact" or "fast".
 enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SAMPLE, BOPT_TRIPLE,
-       BOPT_TRANSFORM, BOPT_SEARCH, BOPT_SIZE };
+       BOPT_TRANSFORM, BOPT_SEARCH, BOPT_SIZE, BOPT_WALK };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -139,6 +140,9 @@ static const BATCHOPTION batchoptions[] = {
    "no progress bar (default when standard error is not a terminal)"},
   {"--search", NULL, "HOW", BOPT_SEARCH, R(search), 0, 0, 0, 0, "index or scan",
    "how a step finds the cell it touches: index, or scan every cell (index)"},
+  {"--walk", NULL, "HOW", BOPT_WALK, R(walk), 0, 0, 0, 0, "exact or fast",
+   "exact: every step as specified; fast: jumps across space the index proves free (same statistics, "
+   "not the same cells; needs --search index) (exact)"},
   {"-d", NULL, "", BOPT_FLAG, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
   {"--help", "-h", "", BOPT_HELP, R(help), 0, 0, 0, 1, "", "this text"},
 };
@@ -280,6 +284,11 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
     fprintf(err, "%s: --sample and --stl both give the constraint surface: use one of them\n", programname);
     return BATCH_USAGE;
   }
+  if (run->walk == WALK_FAST && run->search != SEARCH_INDEX) {
+    fprintf(err, "%s: --walk fast jumps where the index proves space free: it needs --search index\n",
+            programname);
+    return BATCH_USAGE;
+  }
   const char *needslices[] = {"--slice-normal", "--slice-dir"};
   for (const char *name : needslices)
     if (Given(run, name) && !Given(run, "--slices")) {
@@ -342,6 +351,18 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
           run->search = SEARCH_INDEX;
         else if (strcmp(how, "scan") == 0)
           run->search = SEARCH_SCAN;
+        else {
+          fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
+          return BATCH_USAGE;
+        }
+        break;
+      }
+      case BOPT_WALK: {
+        const char *how = argv[++i];
+        if (strcmp(how, "exact") == 0)
+          run->walk = WALK_EXACT;
+        else if (strcmp(how, "fast") == 0)
+          run->walk = WALK_FAST;
         else {
           fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
           return BATCH_USAGE;
@@ -536,6 +557,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   options.debug = run->debug;
   ApplyDrawingOptions(run);
   growthsearch = run->search;
+  growthwalk = run->walk;
   ApplyBatchSettings(run);
 
   FILEMESSAGE msg;
@@ -593,6 +615,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     }
   }
   if (progress) ShowProgress(err, run, step, 1);
+  SettleWeights();  // the fast walk's deferred weights
 
   if (csv) {
     WriteCellsCSV(csv);

@@ -25,6 +25,7 @@ struct BATCHRUN {
   int debug;
   int help;
   int search;                      // SEARCH_INDEX or SEARCH_SCAN
+  int walk;                        // WALK_EXACT or WALK_FAST
   char seedfile[256];              // empty: roots from the root distribution
   char stlfile[256];               // empty: no constraint surface
   char csvfile[256];               // empty: nothing written
