@@ -1,6 +1,7 @@
 // Growth speed: steps per second at several aggregate sizes against the
 // step's floor (its random draws and square roots alone), and whole batch
-// runs from one root with the index and, once, with the plain scan.
+// runs from one root with the index, once with the plain scan, and with the
+// fast walk.
 #include <benchmark/benchmark.h>
 #include <math.h>
 #include <stdio.h>
@@ -11,6 +12,7 @@
 #include "growth/growth.h"
 #include "growth/index.h"
 #include "growth/random.h"
+#include "growth/walk.h"
 
 namespace {
 
@@ -106,26 +108,31 @@ void BM_StepFloorLibc(benchmark::State &state) {
 }
 BENCHMARK(BM_StepFloorLibc);
 
-// dla3d-batch --cells N [--search scan], default settings, one root.
+// dla3d-batch --cells N [--search scan] [--walk fast], default settings,
+// one root.
 void BM_Batch(benchmark::State &state) {
   for (auto _ : state) {
-    BATCHRUN run;
+    static BATCHRUN run;
     char cells[32];
     snprintf(cells, sizeof(cells), "%d", (int)state.range(0));
     char *argv[] = {(char *)"dla3d-batch", (char *)"--no-progress", (char *)"--cells", cells,
-                    (char *)"--search", (char *)(state.range(1) ? "scan" : "index")};
-    if (ParseBatchOptions(6, argv, &run, stderr) != BATCH_OK || RunBatch(&run, stderr) != BATCH_OK)
+                    (char *)"--search", (char *)(state.range(1) ? "scan" : "index"),
+                    (char *)"--walk", (char *)(state.range(2) ? "fast" : "exact")};
+    if (ParseBatchOptions(8, argv, &run, stderr) != BATCH_OK || RunBatch(&run, stderr) != BATCH_OK)
       state.SkipWithError("batch run failed");
   }
   state.counters["cells"] = ncells;
   growthsearch = SEARCH_INDEX;
+  growthwalk = WALK_EXACT;
 }
 BENCHMARK(BM_Batch)
-    ->ArgNames({"cells", "scan"})
-    ->Args({20000, 0})
-    ->Args({20000, 1})
-    ->Args({100000, 0})
-    ->Args({1000000, 0})
+    ->ArgNames({"cells", "scan", "fast"})
+    ->Args({20000, 0, 0})
+    ->Args({20000, 1, 0})
+    ->Args({100000, 0, 0})
+    ->Args({1000000, 0, 0})
+    ->Args({100000, 0, 1})
+    ->Args({1000000, 0, 1})
     ->Iterations(1)
     ->Unit(benchmark::kSecond);
 

@@ -5,7 +5,7 @@
 # UndefinedBehaviorSanitizer; last a short run of the file-reader fuzzers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh --test
 scripts/build.sh
 # The default suite, then the soak (60 s of random keys and menu choices).
 (cd build && ctest --output-on-failure -j2 -LE soak && ctest --output-on-failure -L soak)

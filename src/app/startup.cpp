@@ -6,6 +6,7 @@
 #include "export/statistics.h"
 #include "growth/growth.h"
 #include "growth/index.h"
+#include "growth/walk.h"
 #include "surface/stl.h"
 #include "view/camera.h"
 
@@ -26,6 +27,7 @@ static void ClearState(void) {
   UpdateSTL();
   boxcountstate.nboxes = 0;
   growthsearch = SEARCH_INDEX;
+  growthwalk = WALK_EXACT;
 }
 
 void ResetProgram(void) {

@@ -9,16 +9,21 @@
 #include <unistd.h>  // isatty()
 
 #include "app/startup.h"
+#include "export/gltf.h"
 #include "export/model.h"
+#include "export/ply.h"
 #include "export/report.h"
 #include "export/statistics.h"
+#include "export/summary.h"
 #include "forms/readback.h"
 #include "growth/growth.h"
 #include "growth/index.h"
+#include "growth/walk.h"
 #include "surface/samples.h"
 #include "surface/slice.h"
 #include "surface/stl.h"
 #include "surface/transform.h"
+#include "view/camera.h"
 
 // [SECTION] The option table: every option is one row here. A row writes
 // either a growth setting (into run->growth, copied to growthstate when the
@@ -26,9 +31,9 @@
 
 // BOPT_SAMPLE: an int that must be a sample surface code; BOPT_TRIPLE: one
 // "X,Y,Z" value into an XYZ; BOPT_TRANSFORM: three triples appended to
-// run->transforms; BOPT_SEARCH: "index" or "scan".
+// run->transforms; BOPT_SEARCH: "index" or "scan"; BOPT_WALK: "exact" or "fast".
 enum { BOPT_INT, BOPT_LONG, BOPT_DOUBLE, BOPT_PAIR, BOPT_FLAG, BOPT_PATH, BOPT_HELP, BOPT_SAMPLE, BOPT_TRIPLE,
-       BOPT_TRANSFORM, BOPT_SEARCH };
+       BOPT_TRANSFORM, BOPT_SEARCH, BOPT_SIZE, BOPT_WALK };
 enum { BT_GROWTH, BT_RUN };
 
 struct BATCHOPTION {
@@ -109,11 +114,35 @@ static const BATCHOPTION batchoptions[] = {
    "write the constraint surface as ASCII STL"},
   {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
    "write the simulation information report"},
+  {"--gltf", NULL, "PATH", BOPT_PATH, R(gltffile), 0, 0, 0, 0, "a path",
+   "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
+   "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
+  {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
+   "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
+  {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
+   "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
+  {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",
+   "last, draw the aggregate as the window shows it, without the overlays, into a PNG file"},
+  {"--size", NULL, "WxH", BOPT_SIZE, R(pngwidth), offsetof(BATCHRUN, pngheight), 1, 8192, 0,
+   "WIDTHxHEIGHT, each an integer from 1 to 8192", "size of the --png picture in pixels (800x600)"},
+  {"--dla-draw", NULL, "CODE", BOPT_INT, R(dladrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+   "aggregate drawing mode: 1 off, 2 points, 3 lines, 5 tubes; also the colours of the writers (3)"},
+  {"--stl-draw", NULL, "CODE", BOPT_INT, R(stldrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+   "surface drawing mode: 1 off, 2 faces wireframe, 3 mid points, 4 vertices, 5 solid (2)"},
+  {"--no-extras", NULL, "", BOPT_FLAG, R(noextras), 0, 0, 0, 1, "",
+   "no circles, axes, release points or spheres in the picture (F1)"},
+  {"--camera-rotate", NULL, "DX,DY,DZ", BOPT_TRIPLE, R(camerarotate), 0, -NOLIMIT, NOLIMIT, 0,
+   "three numbers DX,DY,DZ", "turn the camera from home for --png: degrees about up, right, view direction"},
+  {"--aperture", NULL, "DEG", BOPT_DOUBLE, R(aperture), 0, 0.1, 179, 0, "0.1 to 179",
+   "vertical field of view of the --png picture, degrees (60)"},
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
   {"--search", NULL, "HOW", BOPT_SEARCH, R(search), 0, 0, 0, 0, "index or scan",
    "how a step finds the cell it touches: index, or scan every cell (index)"},
+  {"--walk", NULL, "HOW", BOPT_WALK, R(walk), 0, 0, 0, 0, "exact or fast",
+   "exact: every step as specified; fast: jumps across space the index proves free (same statistics, "
+   "not the same cells; needs --search index) (exact)"},
   {"-d", NULL, "", BOPT_FLAG, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
   {"--help", "-h", "", BOPT_HELP, R(help), 0, 0, 0, 1, "", "this text"},
 };
@@ -174,6 +203,28 @@ static int ParseTriple(const char *s, XYZ *v) {
   return 1;
 }
 
+// "WxH": two integers of digits alone, joined by a lower-case x.
+static int ParseSize(const char *s, long long *w, long long *h) {
+  const char *x = strchr(s, 'x');
+  if (x == NULL || x == s || x[1] == '\0' || strlen(s) > 32) return 0;
+  for (const char *c = s; *c; c++)
+    if (c != x && (*c < '0' || *c > '9')) return 0;
+  *w = atoll(s);
+  *h = atoll(x + 1);
+  return 1;
+}
+
+static int StoreSize(BATCHRUN *run, const BATCHOPTION *o, const char *text, FILE *err) {
+  long long w, h;
+  if (!ParseSize(text, &w, &h) || w < o->lo || w > o->hi || h < o->lo || h > o->hi) {
+    fprintf(err, "%s: %s: \"%s\" is not a size (allowed: %s)\n", programname, o->name, text, o->range);
+    return 0;
+  }
+  *(int *)Field(run, o, o->offset) = (int)w;
+  *(int *)Field(run, o, o->offset2) = (int)h;
+  return 1;
+}
+
 static int StoreTriple(const BATCHOPTION *o, const char *text, XYZ *v, FILE *err) {
   if (ParseTriple(text, v)) return 1;
   fprintf(err, "%s: %s: \"%s\" is not three comma-separated numbers (allowed: %s)\n", programname, o->name, text,
@@ -217,6 +268,8 @@ static void SetRunDefaults(BATCHRUN *run) {
   run->steps = -1;
   run->progress = -1;
   run->slicenormal.z = 1;  // the slicing form's start value
+  run->pngwidth = 800;     // the window's first size
+  run->pngheight = 600;
 }
 
 static int Given(const BATCHRUN *run, const char *name) {
@@ -231,12 +284,27 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
     fprintf(err, "%s: --sample and --stl both give the constraint surface: use one of them\n", programname);
     return BATCH_USAGE;
   }
+  if (run->walk == WALK_FAST && run->search != SEARCH_INDEX) {
+    fprintf(err, "%s: --walk fast jumps where the index proves space free: it needs --search index\n",
+            programname);
+    return BATCH_USAGE;
+  }
   const char *needslices[] = {"--slice-normal", "--slice-dir"};
   for (const char *name : needslices)
     if (Given(run, name) && !Given(run, "--slices")) {
       fprintf(err, "%s: %s needs --slices N (allowed: an integer from 2 to 2147483647)\n", programname, name);
       return BATCH_USAGE;
     }
+  const char *needpng[] = {"--size", "--camera-rotate", "--aperture"};
+  for (const char *name : needpng)
+    if (Given(run, name) && !Given(run, "--png")) {
+      fprintf(err, "%s: %s needs --png PATH\n", programname, name);
+      return BATCH_USAGE;
+    }
+  if (Given(run, "--png") && batchpicture == NULL) {
+    fprintf(err, "%s: --png: this program was built without offscreen drawing (OSMesa)\n", programname);
+    return BATCH_USAGE;
+  }
   return BATCH_OK;
 }
 
@@ -289,9 +357,24 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
         }
         break;
       }
+      case BOPT_WALK: {
+        const char *how = argv[++i];
+        if (strcmp(how, "exact") == 0)
+          run->walk = WALK_EXACT;
+        else if (strcmp(how, "fast") == 0)
+          run->walk = WALK_FAST;
+        else {
+          fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
+          return BATCH_USAGE;
+        }
+        break;
+      }
       case BOPT_PAIR:
         if (!StoreValue(run, o, o->offset, argv[++i], err)) return BATCH_USAGE;
         if (!StoreValue(run, o, o->offset2, argv[++i], err)) return BATCH_USAGE;
+        break;
+      case BOPT_SIZE:
+        if (!StoreSize(run, o, argv[++i], err)) return BATCH_USAGE;
         break;
       case BOPT_TRIPLE:
         if (!StoreTriple(o, argv[++i], (XYZ *)Field(run, o, o->offset), err)) return BATCH_USAGE;
@@ -339,7 +422,7 @@ void WriteBatchUsage(FILE *fp, const char *name) {
   fprintf(fp, "\n");
   fprintf(fp,
           "After growth, in this order: the CSV, the slice files, the statistics, then the writers in the order\n"
-          "listed above (--pov ... --info), each file exactly as the window's menu entry writes it.\n"
+          "listed above (--pov ... --summary); --pov ... --info exactly as the window's menu entry writes them.\n"
           "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created (checked\n"
           "before growth, nothing is written then), or a writer's file could not be created (reported, the\n"
           "other files are still written); 2 a refused option, nothing written; 255 a malformed STL file or\n"
@@ -387,23 +470,27 @@ static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int don
 }
 
 // The writers in the order they run, each with the menu entry's format and
-// variant; format -1 is the information report.
+// variant, or a writer of its own (save) for the files the window does not write.
 struct BATCHWRITER {
   const char *option;
   size_t offset;  // the path in BATCHRUN
   int format, variant;
+  int (*save)(const char *path);
 };
 
 static const BATCHWRITER batchwriters[] = {
-    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS},
-    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP},
-    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS},
-    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS},
-    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED},
-    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS},
-    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS},
-    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP},
-    {"--info", offsetof(BATCHRUN, infofile), -1, 0},
+    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS, NULL},
+    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP, NULL},
+    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS, NULL},
+    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS, NULL},
+    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED, NULL},
+    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS, NULL},
+    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS, NULL},
+    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP, NULL},
+    {"--info", offsetof(BATCHRUN, infofile), 0, 0, SaveInformationFile},
+    {"--gltf", offsetof(BATCHRUN, gltffile), 0, 0, SaveGLTFFile},
+    {"--ply", offsetof(BATCHRUN, plyfile), 0, 0, SavePLYFile},
+    {"--summary", offsetof(BATCHRUN, summaryfile), 0, 0, SaveSummaryFile},
 };
 
 // The window's save commands are silent when a file cannot be opened; a
@@ -415,7 +502,7 @@ static int RunWriters(const BATCHRUN *run, FILE *err) {
     const char *path = (const char *)run + w.offset;
     if (path[0] == '\0') continue;
     errno = 0;
-    int ok = w.format < 0 ? SaveInformationFile(path) : SaveModelFile(path, w.format, w.variant);
+    int ok = w.save ? w.save(path) : SaveModelFile(path, w.format, w.variant);
     if (!ok) {
       fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w.option, path,
               errno ? strerror(errno) : "cannot be opened");
@@ -446,10 +533,31 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
+int (*batchpicture)(const char *path, int width, int height, FILE *err) = NULL;
+
+// The drawing state the picture and the writers' colours depend on.
+static void ApplyDrawingOptions(const BATCHRUN *run) {
+  if (Given(run, "--dla-draw")) options.dladrawmode = run->dladrawmode;
+  if (Given(run, "--stl-draw")) options.stldrawmode = run->stldrawmode;
+  if (run->noextras) options.showextras = 0;
+}
+
+// The picture at the window's size, camera from home turned as asked.
+static int WritePicture(const BATCHRUN *run, FILE *err) {
+  camera.screenwidth = run->pngwidth;
+  camera.screenheight = run->pngheight;
+  if (Given(run, "--aperture")) camera.aperture = run->aperture;
+  const XYZ &r = run->camerarotate;
+  if (Given(run, "--camera-rotate")) RotateCamera(r.x * DTOR, r.y * DTOR, r.z * DTOR);
+  return batchpicture(run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
+}
+
 int RunBatch(BATCHRUN *run, FILE *err) {
   ResetProgram();  // the window's state after start-up, camera home included
   options.debug = run->debug;
+  ApplyDrawingOptions(run);
   growthsearch = run->search;
+  growthwalk = run->walk;
   ApplyBatchSettings(run);
 
   FILEMESSAGE msg;
@@ -490,12 +598,14 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   int progress = run->progress < 0 ? isatty(2) : run->progress;
   double shown = -1;
   long long step = 0;
+  StartGrowthLog();
   while (ncells < run->cells && (run->steps < 0 || step < run->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
     // count is seen after each one; it never passes the step limit.
     long long left = run->steps < 0 ? 1 << 20 : run->steps - step;
     long long before = step;
     step += IterateSystemSteps(left < (1 << 20) ? left : 1 << 20);
+    LogGrowth(step);
     if (progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
       if (now - shown > 0.1) {
@@ -505,6 +615,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     }
   }
   if (progress) ShowProgress(err, run, step, 1);
+  SettleWeights();  // the fast walk's deferred weights
 
   if (csv) {
     WriteCellsCSV(csv);
@@ -517,5 +628,18 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     if (!DoSliceIn(run->slicedir, options.nslices, SliceNormalForCut())) return BATCH_FATAL;
   }
   if (run->stats) RunStatisticsToCompletion();
-  return RunWriters(run, err);
+  status = RunWriters(run, err);
+  if (run->pngfile[0] && WritePicture(run, err) != BATCH_OK) status = BATCH_FILEERROR;
+  return status;
+}
+
+int BatchMain(int argc, char **argv) {
+  static BATCHRUN run;
+  int status = ParseBatchOptions(argc, argv, &run, stderr);
+  if (status != BATCH_OK) return status;
+  if (run.help) {
+    WriteBatchUsage(stdout, argv[0]);
+    return BATCH_OK;
+  }
+  return RunBatch(&run, stderr);
 }

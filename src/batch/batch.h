@@ -25,6 +25,7 @@ struct BATCHRUN {
   int debug;
   int help;
   int search;                      // SEARCH_INDEX or SEARCH_SCAN
+  int walk;                        // WALK_EXACT or WALK_FAST
   char seedfile[256];              // empty: roots from the root distribution
   char stlfile[256];               // empty: no constraint surface
   char csvfile[256];               // empty: nothing written
@@ -38,6 +39,15 @@ struct BATCHRUN {
   // The writers, each empty when not asked for.
   char povfile[256], povsweepfile[256], geomfile[256], vrmlfile[256], vrmlcapsfile[256];
   char dxfpointsfile[256], geompointsfile[256], stloutfile[256], infofile[256];
+  char gltffile[256], plyfile[256], summaryfile[256];
+  // The picture, last of all, and the drawing state it and the colours of
+  // the writers depend on (applied only when given).
+  char pngfile[256];
+  int pngwidth, pngheight;         // 800 x 600
+  int dladrawmode, stldrawmode;    // DLADRAW_*, STLDRAW_*
+  int noextras;
+  XYZ camerarotate;                // degrees, as RotateCamera turns
+  double aperture;                 // degrees
 };
 
 // Exit statuses of the batch program.
@@ -59,6 +69,15 @@ void WriteBatchUsage(FILE *fp, const char *programname);
 // (status BATCH_FILEERROR); a slice file that cannot be created ends the
 // run with BATCH_FATAL.
 int RunBatch(BATCHRUN *run, FILE *err);
+
+// Draws the scene offscreen as the window's mono frame shows it without the
+// overlays (camera, draw modes and extras from the records) and writes it as
+// a PNG of width x height pixels. Returns 1, or 0 after a message to err.
+// Set by a program built with offscreen drawing; NULL refuses --png.
+extern int (*batchpicture)(const char *path, int width, int height, FILE *err);
+
+// The whole program: options, usage or the run. Returns the exit status.
+int BatchMain(int argc, char **argv);
 
 // The aggregate as "index,parent,x,y,z,weight" lines, numbers with "%.17g".
 void WriteCellsCSV(FILE *fp);

@@ -1,15 +1,4 @@
-// dla3d-batch: the growth engine without a display.
-#include <stdio.h>
-
+// dla3d-batch without offscreen drawing: --png is refused.
 #include "batch/batch.h"
 
-int main(int argc, char **argv) {
-  static BATCHRUN run;
-  int status = ParseBatchOptions(argc, argv, &run, stderr);
-  if (status != BATCH_OK) return status;
-  if (run.help) {
-    WriteBatchUsage(stdout, argv[0]);
-    return BATCH_OK;
-  }
-  return RunBatch(&run, stderr);
-}
+int main(int argc, char **argv) { return BatchMain(argc, argv); }

@@ -6,6 +6,7 @@
 
 static void SeedGenerators(void) {
   SeedGrowthRandom(growthstate.seed);  // srand then srand48
+  SeedWalkRandom(growthstate.seed);    // the fast walk's own numbers
 }
 
 // InitialiseGrowth reads the first nroots entries of roots and keeps the

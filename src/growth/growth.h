@@ -38,6 +38,8 @@ int ReadRootsStream(FILE *fp, const char *name, FILEMESSAGE *msg);
 // source type gives; unknown codes behave like the sphere (1).
 XYZ GetNewParticle(int sourcetype, double r);
 
+#define GROWTH_LIFESPAN 10000  // steps a particle wanders before it is replaced
+
 // One step of the wandering particle: release, random step, drift, swirl,
 // search, stickiness, the three vetoes, and on success a new cell.
 void IterateSystem(void);
@@ -45,6 +47,10 @@ void IterateSystem(void);
 // n growth steps or fewer (at least one when n > 0), exactly as that many
 // calls of IterateSystem would take them; quicker while the particle walks
 // inside a ball the search index proved empty. Returns the steps taken.
+long IterateExactSteps(long n);
+
+// IterateExactSteps, or with growthwalk WALK_FAST the fast walk's steps
+// (walk.h), where a jump counts the steps it replaces.
 long IterateSystemSteps(long n);
 
 #endif

@@ -152,53 +152,81 @@ static void FieldRange(const FIELD *f, double c, int *lo, int *n, double g2[20])
   }
 }
 
+// The voxels of a brick that FieldAdd visits: i0 .. i1 - 1 along x (and
+// likewise j, k) as offsets into the ranges that start at lo.
+struct BRICKRANGE {
+  int i0, i1, j0, j1, k0, k1;
+};
+
+static BRICKRANGE BrickRange(int bx, int by, int bz, const int lo[3], const int n[3]) {
+  BRICKRANGE r = {bx * 8 - lo[0], 0, by * 8 - lo[1], 0, bz * 8 - lo[2], 0};
+  r.i1 = r.i0 + 8;
+  r.j1 = r.j0 + 8;
+  r.k1 = r.k0 + 8;
+  if (r.i0 < 0) r.i0 = 0;
+  if (r.j0 < 0) r.j0 = 0;
+  if (r.k0 < 0) r.k0 = 0;
+  if (r.i1 > n[0]) r.i1 = n[0];
+  if (r.j1 > n[1]) r.j1 = n[1];
+  if (r.k1 > n[2]) r.k1 = n[2];
+  return r;
+}
+
+static double SmallestOf(const double *g2, int from, int to) {
+  double m = g2[from];
+  for (int i = from; i < to; i++)
+    if (g2[i] < m) m = g2[i];
+  return m;
+}
+
+// 1 when even the brick's voxel nearest to the cell is beyond the cap.
+static int BrickOutOfReach(const BRICKRANGE &r, double g2[3][20], double cap2) {
+  return SmallestOf(g2[0], r.i0, r.i1) + SmallestOf(g2[1], r.j0, r.j1) + SmallestOf(g2[2], r.k0, r.k1) >= cap2;
+}
+
+// Lowers the brick's voxels to the distance to the cell. Values come from
+// squared distances without a square root or a branch: the squared distance
+// in squared units, rounded down, indexes the floor of its root (never
+// above the true value).
+static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2[3][20], double cap2) {
+  double scale = (1 - 1e-9) / (f->unit * f->unit);
+  int b = Brick(f, lo[0] + r.i0, lo[1] + r.j0, lo[2] + r.k0, 1);
+  uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+  for (int i = r.i0; i < r.i1; i++) {
+    if (g2[0][i] >= cap2) continue;
+    for (int j = r.j0; j < r.j1; j++) {
+      double dxy = g2[0][i] + g2[1][j];
+      if (dxy >= cap2) continue;
+      uint8_t *row = data + Voxel(lo[0] + i, lo[1] + j, 0);
+      // Only the row's voxels within the cap can change.
+      int k0 = r.k0, k1 = r.k1;
+      while (k0 < k1 && dxy + g2[2][k0] >= cap2) k0++;
+      while (k1 > k0 && dxy + g2[2][k1 - 1] >= cap2) k1--;
+      // Inside the cap m stays below top: no clamp needed.
+      for (int k = k0; k < k1; k++) {
+        double m = (dxy + g2[2][k]) * scale;
+        uint8_t q = fieldroot[(int)m];
+        uint8_t &v = row[(lo[2] + k) & 7];
+        v = q < v ? q : v;
+      }
+    }
+  }
+}
+
 // Lowers the field around a new cell at p: every voxel whose box comes
-// within the cap of p. Rounded down, so each value stays a lower bound.
+// within the cap of p, brick by brick so that each brick is looked up once.
+// Rounded down, so each value stays a lower bound.
 static void FieldAdd(FIELD *f, XYZ p) {
   double cap = FIELD_CAP * f->unit, cap2 = cap * cap;
   double c[3] = {p.x, p.y, p.z};
   int lo[3], n[3];
   double g2[3][20];
   for (int a = 0; a < 3; a++) FieldRange(f, c[a], &lo[a], &n[a], g2[a]);
-  // Values from squared distances without a square root or a branch: the
-  // squared distance in squared units, rounded down, indexes the floor of
-  // its root (never above the true value).
-  double scale = (1 - 1e-9) / (f->unit * f->unit);
-  double top = FIELD_CAP * FIELD_CAP;
-  // Brick by brick, so that each brick is looked up once.
   for (int bx = lo[0] >> 3; bx <= (lo[0] + n[0] - 1) >> 3; bx++)
     for (int by = lo[1] >> 3; by <= (lo[1] + n[1] - 1) >> 3; by++)
       for (int bz = lo[2] >> 3; bz <= (lo[2] + n[2] - 1) >> 3; bz++) {
-        int i0 = bx * 8 - lo[0], j0 = by * 8 - lo[1], k0 = bz * 8 - lo[2];
-        int i1 = i0 + 8, j1 = j0 + 8, k1 = k0 + 8;
-        if (i0 < 0) i0 = 0;
-        if (j0 < 0) j0 = 0;
-        if (k0 < 0) k0 = 0;
-        if (i1 > n[0]) i1 = n[0];
-        if (j1 > n[1]) j1 = n[1];
-        if (k1 > n[2]) k1 = n[2];
-        // The brick's nearest voxel to p: nothing to do when even it is out of reach.
-        double m0 = g2[0][i0], m1 = g2[1][j0], m2 = g2[2][k0];
-        for (int i = i0; i < i1; i++) if (g2[0][i] < m0) m0 = g2[0][i];
-        for (int j = j0; j < j1; j++) if (g2[1][j] < m1) m1 = g2[1][j];
-        for (int k = k0; k < k1; k++) if (g2[2][k] < m2) m2 = g2[2][k];
-        if (m0 + m1 + m2 >= cap2) continue;
-        int b = Brick(f, lo[0] + i0, lo[1] + j0, lo[2] + k0, 1);
-        uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
-        for (int i = i0; i < i1; i++) {
-          if (g2[0][i] >= cap2) continue;
-          for (int j = j0; j < j1; j++) {
-            double dxy = g2[0][i] + g2[1][j];
-            if (dxy >= cap2) continue;
-            uint8_t *row = data + Voxel(lo[0] + i, lo[1] + j, 0);
-            for (int k = k0; k < k1; k++) {
-              double m = (dxy + g2[2][k]) * scale;
-              uint8_t q = fieldroot[(int)(m < top ? m : top)];
-              uint8_t &v = row[(lo[2] + k) & 7];
-              v = q < v ? q : v;
-            }
-          }
-        }
+        BRICKRANGE r = BrickRange(bx, by, bz, lo, n);
+        if (!BrickOutOfReach(r, g2, cap2)) LowerBrick(f, r, lo, g2, cap2);
       }
 }
 
@@ -238,13 +266,14 @@ static void Insert(int c) {
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.buckets, Key(k, ix >> k, iy >> k, iz >> k), 1);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.occupied, Key(k, ix >> k, iy >> k, iz >> k), 1);
   FieldAdd(&s.fine, cells[c].p);
   FieldAdd(&s.coarse, cells[c].p);
 }
 
 static void Rebuild(void) {
   SEARCHINDEX &s = searchindex;
+  SettleWeights();
   s.valid = 1;
   s.revision = cellsrevision;
   s.n = ncells;
@@ -259,9 +288,12 @@ static void Rebuild(void) {
   FieldReset(&s.coarse, 14, s.h * 4);
   s.overflow = 0;
   Clear(&s.buckets);
+  Clear(&s.occupied);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
+  s.owed.clear();  // made by the fast walk's first stick
+  s.owing = 0;
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
   s.maxweight = 0;
@@ -324,94 +356,109 @@ static void SetEmptyBall(XYZ p, double free) {
   }
 }
 
-int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
+// 1 while p stays in the last proven empty ball; forgets the ball when p
+// has left it.
+static int StillInEmptyBall(XYZ p) {
   SEARCHINDEX &s = searchindex;
-  *ok = 0;
-  if (s.overflow) return 0;
-  if (s.ball) {
-    double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
-    if (dx * dx + dy * dy + dz * dz < s.safe2) {
-      *ok = 1;
-      return 0;
-    }
-    s.ball = 0;
-  }
-  int ix, iy, iz;
-  if (!isfinite(p.x) || !isfinite(p.y) || !isfinite(p.z) || !Bucket(p, &ix, &iy, &iz)) return 0;
-  double slack = MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + s.h * (1 << INDEX_LEVELS));
+  if (!s.ball) return 0;
+  double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
+  if (dx * dx + dy * dy + dz * dz < s.safe2) return 1;
+  s.ball = 0;
+  return 0;
+}
 
-  // The fields first: a byte tells most particles how far they may go
-  // before a cell could be within reach.
-  int saturated;
-  double fieldfree = FieldFree(&s.fine, p, slack, &saturated);
-  if (saturated) fieldfree = FieldFree(&s.coarse, p, slack, &saturated);
-  if (!saturated && fieldfree >= s.reach) {
-    *ok = 1;
-    SetEmptyBall(p, fieldfree);
-    return 0;
-  }
+// Rounding slack of the bounds around p.
+static double Slack(XYZ p) {
+  return MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + searchindex.h * (1 << INDEX_LEVELS));
+}
 
+// The fine field's bound at p, or the coarse one's where the fine field has
+// no cell within its cap; *saturated when neither has.
+static double FieldsFree(XYZ p, double slack, int *saturated) {
+  SEARCHINDEX &s = searchindex;
+  double free = FieldFree(&s.fine, p, slack, saturated);
+  if (*saturated) free = FieldFree(&s.coarse, p, slack, saturated);
+  return free;
+}
+
+// The 2x2x2 block of level-0 buckets around bucket (ix, iy, iz) that keeps
+// p at least half a bucket from its faces: its first bucket in lo, and the
+// distance from p to its nearest face, less the slack.
+static double BlockAround(XYZ p, int ix, int iy, int iz, double slack, int lo[3]) {
+  const SEARCHINDEX &s = searchindex;
   double rx, ry, rz;
-  int lx = Span(p.x, ix, s.h, &rx), ly = Span(p.y, iy, s.h, &ry), lz = Span(p.z, iz, s.h, &rz);
+  lo[0] = Span(p.x, ix, s.h, &rx);
+  lo[1] = Span(p.y, iy, s.h, &ry);
+  lo[2] = Span(p.z, iz, s.h, &rz);
   double room = rx < ry ? rx : ry;
   if (rz < room) room = rz;
-  room -= slack;
-  if (!(room >= s.reach)) return 0;  // rounding left a near cell outside the block
+  return room - slack;
+}
 
-  int head[8];
+// The newest cell of each of the block's buckets (-1: empty); 1 when any.
+static int BlockHeads(const int lo[3], int head[8]) {
   int any = 0;
   for (int k = 0; k < 8; k++) {
-    head[k] = Lookup(&s.buckets, Key(0, lx + (k & 1), ly + ((k >> 1) & 1), lz + (k >> 2)));
+    head[k] = Lookup(&searchindex.buckets, Key(0, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2)));
     any |= head[k] >= 0;
   }
-  *ok = 1;
-  double free = room > fieldfree ? room : fieldfree;  // no cell is closer than this
-  if (any) {
-    // The scan's loop over the block's cells, newest first. All three
-    // differences are taken before the rejections, which then run in the
-    // scan's order: the same outcome, and the true nearest distance too.
-    double nearest = 1e300;
-    double dmin = 1e32;
-    double reach2 = growthstate.branchlength * growthstate.branchlength;
-    int found = -1;
-    for (;;) {
-      int j = 0;
-      for (int k = 1; k < 8; k++)
-        if (head[k] > head[j]) j = k;
-      int i = head[j];
-      if (i < 0) break;
-      head[j] = s.next[i];
-      double dx = cells[i].p.x - p.x;
-      double dy = cells[i].p.y - p.y;
-      double dz = cells[i].p.z - p.z;
-      double d2 = dx * dx + dy * dy + dz * dz;
-      if (d2 < nearest) nearest = d2;
-      if (associate && i % nroots != rootclass) continue;
-      if (dx > dmin || dy > dmin || dz > dmin) continue;
-      if (d2 < dmin) found = i;
-      if (d2 < dmin) dmin = d2;
-      if (reach2 > dmin) {
-        *best = found;
-        return 1;
-      }
-    }
-    nearest = sqrt(nearest) - slack;
-    if (nearest < free) free = nearest;
-    if (fieldfree > free) free = fieldfree;
-  }
+  return any;
+}
 
-  // Coarser blocks: cells outside a block are at least its room away, and
-  // those inside at least as far as their occupied buckets' boxes. Climb
-  // while the blocks are empty; the first occupied one ends the climb.
-  for (int k = 1; k < INDEX_LEVELS && !any; k++) {
+// The scan's loop over the block's cells, newest first, merging the
+// buckets' lists. All three differences are taken before the rejections,
+// which then run in the scan's order: the same outcome, and the true
+// nearest squared distance (*nearest2) too. Returns 1 on a touch, the cell
+// in *best.
+static int ScanBlock(XYZ p, int head[8], int associate, int nroots, int rootclass, int *best,
+                     double *nearest2) {
+  const SEARCHINDEX &s = searchindex;
+  double nearest = 1e300;
+  double dmin = 1e32;
+  double reach2 = growthstate.branchlength * growthstate.branchlength;
+  int found = -1;
+  for (;;) {
+    int j = 0;
+    for (int k = 1; k < 8; k++)
+      if (head[k] > head[j]) j = k;
+    int i = head[j];
+    if (i < 0) break;
+    head[j] = s.next[i];
+    double dx = cells[i].p.x - p.x;
+    double dy = cells[i].p.y - p.y;
+    double dz = cells[i].p.z - p.z;
+    double d2 = dx * dx + dy * dy + dz * dz;
+    if (d2 < nearest) nearest = d2;
+    if (associate && i % nroots != rootclass) continue;
+    if (dx > dmin || dy > dmin || dz > dmin) continue;
+    if (d2 < dmin) found = i;
+    if (d2 < dmin) dmin = d2;
+    if (reach2 > dmin) {
+      *best = found;
+      return 1;
+    }
+  }
+  *nearest2 = nearest;
+  return 0;
+}
+
+// Coarser blocks: cells outside a block are at least its room away, and
+// those inside at least as far as their occupied buckets' boxes. Climbs
+// from level first while the blocks are empty; the first occupied one ends
+// the climb. Returns the best of the levels' bounds.
+static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first) {
+  const SEARCHINDEX &s = searchindex;
+  double free = -HUGE_VAL;
+  for (int k = first; k < INDEX_LEVELS; k++) {
     double hk = s.h * (double)(1 << k);
+    double rx, ry, rz;
     int kx = Span(p.x, ix >> k, hk, &rx), ky = Span(p.y, iy >> k, hk, &ry), kz = Span(p.z, iz >> k, hk, &rz);
     double bound = rx < ry ? rx : ry;
     if (rz < bound) bound = rz;
     int occupied = 0;
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(&s.buckets, Key(k, bx, by, bz)) < 0) continue;
+      if (Lookup(&s.occupied, Key(k, bx, by, bz)) < 0) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);
@@ -421,6 +468,95 @@ int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int 
     if (bound > free) free = bound;
     if (occupied) break;
   }
+  return free;
+}
+
+// Bucket numbers of a finite p; 0 when p is not finite or out of range.
+static int FiniteBucket(XYZ p, int *ix, int *iy, int *iz) {
+  return isfinite(p.x) && isfinite(p.y) && isfinite(p.z) && Bucket(p, ix, iy, iz);
+}
+
+int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
+  SEARCHINDEX &s = searchindex;
+  *ok = 0;
+  if (s.overflow) return 0;
+  if (StillInEmptyBall(p)) {
+    *ok = 1;
+    return 0;
+  }
+  int ix, iy, iz;
+  if (!FiniteBucket(p, &ix, &iy, &iz)) return 0;
+  double slack = Slack(p);
+
+  // The fields first: a byte tells most particles how far they may go
+  // before a cell could be within reach.
+  int saturated;
+  double fieldfree = FieldsFree(p, slack, &saturated);
+  if (!saturated && fieldfree >= s.reach) {
+    *ok = 1;
+    SetEmptyBall(p, fieldfree);
+    return 0;
+  }
+
+  int lo[3];
+  double room = BlockAround(p, ix, iy, iz, slack, lo);
+  if (!(room >= s.reach)) return 0;  // rounding left a near cell outside the block
+  int head[8];
+  int any = BlockHeads(lo, head);
+  *ok = 1;
+  double free = room > fieldfree ? room : fieldfree;  // no cell is closer than this
+  if (any) {
+    double nearest2;
+    if (ScanBlock(p, head, associate, nroots, rootclass, best, &nearest2)) return 1;
+    double nearest = sqrt(nearest2) - slack;
+    if (nearest < free) free = nearest;
+    if (fieldfree > free) free = fieldfree;
+  } else {
+    double bound = CoarseFree(p, ix, iy, iz, slack, 1);
+    if (bound > free) free = bound;
+  }
   SetEmptyBall(p, free);
   return 0;
+}
+
+void SettleWeights(void) {
+  SEARCHINDEX &s = searchindex;
+  if (!s.owing) return;
+  // A cell's share reaches its parent after its own children's: children
+  // come after their parents.
+  double *owed = s.owed.data();
+  int n = s.n < (int)s.owed.size() ? s.n : (int)s.owed.size();
+  for (int j = n - 1; j >= 0; j--) {
+    double share = owed[j];
+    if (share == 0) continue;
+    owed[j] = 0;
+    cells[j].weight += share;
+    if (s.parent[j] >= 0) owed[s.parent[j]] += share;
+  }
+  s.owing = 0;
+  s.maxweight = 0;
+  for (int i = 0; i < ncells; i++)
+    if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+  s.maxweightknown = 1;
+  growthstate.maxweight = s.maxweight;
+}
+
+double IndexClearance(XYZ p) {
+  const SEARCHINDEX &s = searchindex;
+  int ix, iy, iz;
+  if (!s.valid || s.overflow || !FiniteBucket(p, &ix, &iy, &iz)) return 0;
+  double slack = Slack(p);
+  int saturated;
+  double free = FieldsFree(p, slack, &saturated);
+  if (saturated) {
+    // No cell within the coarse field's cap: the blocks of levels 1 to 3
+    // (all their points within 42 reaches) hold none, and bound no more.
+    double bound = CoarseFree(p, ix, iy, iz, slack, 4);
+    if (bound > free) free = bound;
+  }
+  // Every cell lies within maxdist of the origin.
+  double outside = Modulus(p) - s.maxdist - slack;
+  if (outside > free) free = outside;
+  double safe = (free - s.reach) * (1 - MARGIN);
+  return safe > 0 ? safe : 0;
 }

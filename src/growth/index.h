@@ -49,7 +49,13 @@ struct SEARCHINDEX {
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
-  HASHTABLE buckets;  // level 0: newest cell of the bucket; others: 1
+  // The fast walk's shares not yet added along the way to the root: per
+  // cell, the sum of 1/d of the cells that stuck to it (empty for the
+  // exact walk).
+  std::vector<double> owed;
+  int owing;
+  HASHTABLE buckets;  // level 0: newest cell of the bucket
+  HASHTABLE occupied;  // levels 1 and up: 1 for a bucket holding a cell (few: they stay in cache)
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
@@ -95,5 +101,14 @@ void IndexAppendedCell(unsigned revision);
 // touching cell was found (its index in *best). *ok is 0 when the index
 // cannot answer (overflow, not-a-number particle): use the plain scan.
 int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok);
+
+// Adds the shares the fast walk owes to the weights of the cells and their
+// ancestors, and brings maxweight up to date (cells in growth order).
+void SettleWeights(void);
+
+// The radius of a ball around p that holds no point within reach of any
+// cell (association aside), from the fields, the coarse levels and the
+// aggregate's extent; 0 when none is proven. The index must be current.
+double IndexClearance(XYZ p);
 
 #endif

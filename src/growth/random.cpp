@@ -3,12 +3,14 @@
 uint64_t drand48state = 0;  // the library's state before any srand48
 int32_t randstate[RANDOM_DEGREE];
 int randfront = RANDOM_SEP, randrear = 0;
+uint64_t randpending = 0;
 
 void GrowthSrand48(long seed) {
   drand48state = ((uint64_t)(uint32_t)seed << 16) | 0x330E;
 }
 
 void GrowthSrand(unsigned int seed) {
+  randpending = 0;
   if (seed == 0) seed = 1;
   randstate[0] = (int32_t)seed;
   // state[i] = 16807 state[i - 1] mod (2^31 - 1), in 31 bits (Schrage)
@@ -25,9 +27,81 @@ void GrowthSrand(unsigned int seed) {
   for (int k = 0; k < 10 * RANDOM_DEGREE; k++) GrowthRand();
 }
 
+// The additive generator writes o(t) = o(t - 31) + o(t - 3) mod 2^32 into
+// the slot at randfront; the 31 slots hold the last 31 values, the oldest at
+// randfront. Jumping n draws ahead: x^n mod (x^31 - x^28 - 1) gives the
+// weights c(j) with o(t + n) = sum over j of c(j) o(t + j).
+#define RAND_POLY 31
+
+// a = a * b mod the characteristic polynomial, coefficients mod 2^32.
+static void PolyMulMod(uint32_t a[RAND_POLY], const uint32_t b[RAND_POLY]) {
+  uint32_t product[2 * RAND_POLY - 1] = {0};
+  for (int i = 0; i < RAND_POLY; i++)
+    for (int j = 0; j < RAND_POLY; j++) product[i + j] += a[i] * b[j];
+  for (int k = 2 * RAND_POLY - 2; k >= RAND_POLY; k--) {  // x^31 = x^28 + 1
+    product[k - 3] += product[k];
+    product[k - RAND_POLY] += product[k];
+  }
+  for (int i = 0; i < RAND_POLY; i++) a[i] = product[i];
+}
+
+// a = a * x mod the characteristic polynomial.
+static void PolyTimesX(uint32_t a[RAND_POLY]) {
+  uint32_t top = a[RAND_POLY - 1];
+  for (int i = RAND_POLY - 1; i > 0; i--) a[i] = a[i - 1];
+  a[0] = top;
+  a[RAND_POLY - 3] += top;
+}
+
+static void JumpRand(uint64_t n) {
+  uint32_t c[RAND_POLY] = {1};
+  for (int bit = 63 - __builtin_clzll(n); bit >= 0; bit--) {
+    uint32_t square[RAND_POLY];
+    for (int i = 0; i < RAND_POLY; i++) square[i] = c[i];
+    PolyMulMod(c, square);
+    if ((n >> bit) & 1) PolyTimesX(c);
+  }
+  // The window of the last 31 values, oldest first, and the 30 after it.
+  uint32_t w[2 * RAND_POLY - 1];
+  for (int k = 0; k < RAND_POLY; k++) w[k] = (uint32_t)randstate[(randfront + k) % RANDOM_DEGREE];
+  for (int k = RAND_POLY; k < 2 * RAND_POLY - 1; k++) w[k] = w[k - RAND_POLY] + w[k - 3];
+  int front = (int)((randfront + n) % RANDOM_DEGREE);
+  for (int m = 0; m < RAND_POLY; m++) {
+    uint32_t v = 0;
+    for (int j = 0; j < RAND_POLY; j++) v += c[j] * w[m + j];
+    randstate[(front + m) % RANDOM_DEGREE] = (int32_t)v;
+  }
+  randfront = front;
+  randrear = (front + RANDOM_DEGREE - RANDOM_SEP) % RANDOM_DEGREE;
+}
+
+void FlushGrowthRand(void) {
+  uint64_t n = randpending;
+  randpending = 0;
+  if (n < 2000) {  // cheaper one by one
+    while (n-- > 0) GrowthRand();
+    return;
+  }
+  JumpRand(n);
+}
+
 void SeedGrowthRandom(int seed) {
   GrowthSrand((unsigned int)seed);
   GrowthSrand48(seed);
+}
+
+uint64_t walkrandom[4];
+
+void SeedWalkRandom(int seed) {
+  // splitmix64 spreads the seed over the four words
+  uint64_t z = (uint64_t)(uint32_t)seed ^ 0x5745414C4B464153ULL;
+  for (int k = 0; k < 4; k++) {
+    z += 0x9E3779B97F4A7C15ULL;
+    uint64_t x = z;
+    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
+    x = (x ^ (x >> 27)) * 0x94D049BB133111EBULL;
+    walkrandom[k] = x ^ (x >> 31);
+  }
 }
 
 // Before any srand the library behaves as if seeded with 1.

@@ -5,10 +5,9 @@
 #include "growth/growth.h"
 #include "growth/index.h"
 #include "growth/random.h"
+#include "growth/walk.h"
 #include "surface/constraint.h"
 #include "surface/stl.h"
-
-#define LIFESPAN 10000  // steps a particle wanders before it is replaced
 
 static void Veto(const char *why) {
   if (options.debug) fwrite(why, strlen(why), 1, stderr);
@@ -116,80 +115,76 @@ static int PokesThroughGap(void) {
   return 0;
 }
 
-// Steps 9 to 14, once a particle touched and stuck: rare next to the walk,
-// and kept out of line so that the walk's own code stays small.
-__attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
+// Steps 9 to 11: 1 when a veto puts the particle back at q, where it was
+// before this step.
+static int Vetoed(int best, XYZ q, int indexed) {
   GROWTHSTATE &g = growthstate;
-  // 9-11. The vetoes put the particle back where it was before this step.
-  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best))) {
-    Veto("*** Self intersection\n");
-    g.particle = q;
-    return;
-  }
-  if (CutsSurface(best)) {
-    Veto("*** Cuts constraint surface\n");
-    g.particle = q;
-    return;
-  }
-  if (PokesThroughGap()) {
-    Veto("*** Gap poke through\n");
-    g.particle = q;
-    return;
-  }
+  const char *why = NULL;
+  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best)))
+    why = "*** Self intersection\n";
+  else if (CutsSurface(best))
+    why = "*** Cuts constraint surface\n";
+  else if (PokesThroughGap())
+    why = "*** Gap poke through\n";
+  if (why == NULL) return 0;
+  Veto(why);
+  g.particle = q;
+  return 1;
+}
 
-  // 12. Stick.
-  unsigned revision = cellsrevision;
-  AppendCell(g.particle, 0, best);
-  if (indexed) IndexAppendedCell(revision);
-
-  // 13. The count stops at index 0 as well as at -1, so cells under root 0
-  // get a larger share than the same shape under another root (kept).
-  SEARCHINDEX &s = searchindex;
-  int fast = indexed && s.valid;
+// Step 13's count of parent steps from cell best. It stops at index 0 as
+// well as at -1, so cells under root 0 get a larger share than the same
+// shape under another root (kept). The index keeps each cell's count.
+static int HopsFrom(int best, int fast) {
+  if (fast) return 1 + searchindex.hops[best];
   int d = 1;
   int j = best;
-  if (fast) {
-    d += s.hops[best];  // the index keeps each cell's count of parent steps
-  } else {
-    do {
-      j = cells[j].parent;
-      d++;
-    } while (j > 0);
-  }
+  do {
+    j = cells[j].parent;
+    d++;
+  } while (j > 0);
+  return d;
+}
 
-  // 14. Weights only grow and cells only come, so the index keeps both
-  // maxima over all cells (retained ones included) and updates them as the
-  // weights change.
+// Step 13's weights along the path from best to its root, with the
+// largest weight over all cells kept up to date where the index knows it
+// (weights only grow and cells only come). The packed parents keep the
+// walk out of the cells' cache misses, which then overlap.
+static void AddShare(int best, int d, int fast) {
+  SEARCHINDEX &s = searchindex;
   if (fast && s.maxweightknown) {
     double share = 1.0 / d, maxweight = s.maxweight;
-    // The packed parents keep the walk out of the cells' cache misses,
-    // which then overlap.
     CELL *c = cells.data();
     const int *parent = s.parent.data();
-    for (j = best; j >= 0; j = parent[j]) {
+    for (int j = best; j >= 0; j = parent[j]) {
       double w = c[j].weight + share;
       c[j].weight = w;
       if (w > maxweight) maxweight = w;
     }
     s.maxweight = maxweight;
-  } else {
-    for (j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
-  }
-  if (fast) {
-    if (!s.maxweightknown) {
-      s.maxweight = 0;
-      for (int i = 0; i < ncells; i++)
-        if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
-      s.maxweightknown = 1;
-    }
-    g.maxweight = s.maxweight;
-    if (s.maxdist > g.radius) g.radius = s.maxdist;
-    g.lifespan = 0;
     return;
   }
+  for (int j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+  if (fast) {
+    s.maxweight = 0;
+    for (int i = 0; i < ncells; i++)
+      if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+    s.maxweightknown = 1;
+  }
+}
 
-  // 14. Bookkeeping over every cell: a restart may have kept cells that lie
-  // beyond the starting radius.
+// Step 14 from the index's maxima over all cells (retained ones included).
+static void KeepIndexedTotals(void) {
+  GROWTHSTATE &g = growthstate;
+  const SEARCHINDEX &s = searchindex;
+  g.maxweight = s.maxweight;
+  if (s.maxdist > g.radius) g.radius = s.maxdist;
+}
+
+// Step 14 over every cell: a restart may have kept cells that lie beyond
+// the starting radius.
+static void ScanTotals(void) {
+  GROWTHSTATE &g = growthstate;
   double maxweight = 0;
   double radius = g.radius;
   for (int i = 0; i < ncells; i++) {
@@ -199,14 +194,46 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
   }
   g.maxweight = maxweight;
   g.radius = radius;
+}
+
+// Steps 9 to 14, once a particle touched and stuck: rare next to the walk,
+// and kept out of line so that the walk's own code stays small.
+__attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
+  GROWTHSTATE &g = growthstate;
+  if (Vetoed(best, q, indexed)) return;
+
+  // 12. Stick.
+  unsigned revision = cellsrevision;
+  AppendCell(g.particle, 0, best);
+  if (indexed) IndexAppendedCell(revision);
+
+  int fast = indexed && searchindex.valid;
+  if (fast && growthwalk == WALK_FAST) {
+    // The fast walk owes the shares and adds them up once (SettleWeights):
+    // the walk to the root for every cell would cost more than the jumps.
+    std::vector<double> &owed = searchindex.owed;
+    if ((int)owed.size() < ncells) owed.resize(2 * (size_t)ncells, 0);
+    owed[best] += 1.0 / HopsFrom(best, fast);
+    searchindex.owing = 1;
+    KeepIndexedTotals();
+    g.lifespan = 0;
+    return;
+  }
+  AddShare(best, HopsFrom(best, fast), fast);
+  if (fast)
+    KeepIndexedTotals();
+  else
+    ScanTotals();
   g.lifespan = 0;
 }
 
 // Steps 3 to 6: the move of the particle at *p. 0 when the step out of the
 // release sphere was refused (the particle is then back at q). The settings
 // come as arguments so that a run of steps can read them once.
+// With owe set, one root's rand draws are owed rather than made (their
+// values are not needed); the plain scan makes them, as the reference.
 static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit, double bias,
-                               int nroots, int associate, double rotation) {
+                               int nroots, int associate, double rotation, int owe) {
   // 3. One random step of one branch length.
   XYZ u;
   u.x = GrowthDrand48() - 0.5;
@@ -237,9 +264,11 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
       target = cells[ncells % nroots].p;
     } else {
       // x % 1 is 0: one root needs the draws but not the divisions.
-      int kx = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int ky = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
-      int kz = nroots == 1 ? (GrowthRand(), 0) : GrowthRand() % nroots;
+      if (nroots == 1 && owe) SkipGrowthRand(3);
+      int one = nroots == 1;
+      int kx = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
+      int ky = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
+      int kz = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
       target.x = cells[kx].p.x;
       target.y = cells[ky].p.y;
       target.z = cells[kz].p.z;
@@ -292,7 +321,7 @@ void IterateSystem(void) {
   GROWTHSTATE &g = growthstate;
 
   // 1. Release a new particle at the start of every life span.
-  if (g.lifespan % LIFESPAN == 0) {
+  if (g.lifespan % GROWTH_LIFESPAN == 0) {
     g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
     seeds[nseeds % NSEEDS] = g.particle;
     nseeds++;
@@ -301,12 +330,17 @@ void IterateSystem(void) {
   g.lifespan++;
 
   if (!MoveParticle(&g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
-                    g.associate, g.rotation))
+                    g.associate, g.rotation, growthsearch == SEARCH_INDEX))
     return;
   FinishStep(q);
 }
 
 long IterateSystemSteps(long n) {
+  if (growthwalk == WALK_FAST) return FastWalkSteps(n);
+  return IterateExactSteps(n);
+}
+
+long IterateExactSteps(long n) {
   GROWTHSTATE &g = growthstate;
   const SEARCHINDEX &s = searchindex;
   if (n <= 0) return 0;
@@ -324,11 +358,11 @@ long IterateSystemSteps(long n) {
   XYZ p = g.particle;
   int lifespan = g.lifespan;
   long k = 0;
-  while (k < n && lifespan % LIFESPAN != 0) {
+  while (k < n && lifespan % GROWTH_LIFESPAN != 0) {
     XYZ q = p;
     lifespan++;
     k++;
-    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation)) continue;
+    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation, 1)) continue;
     double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
     if (dx * dx + dy * dy + dz * dz < safe2) {
       GrowthDrand48();  // 8: the stickiness number, with nothing touched

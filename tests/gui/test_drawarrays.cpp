@@ -1,7 +1,9 @@
-// Points and lines drawn from the vertex arrays give the same pixels as the
+// Points and lines drawn from the buffer objects give the same pixels as the
 // vertex-by-vertex reference (drawimmediate), for colours by weight and by
-// root, after cells were appended between frames and after restarts. Needs
-// an X display: run through test_drawarrays.sh, which starts a private Xvfb.
+// root, after cells were appended between frames, weights raised, the
+// buffers outgrown, and after restarts; and LookThrough's look-at matrix is
+// gluLookAt's. Needs an X display: run through test_drawarrays.sh, which
+// starts a private Xvfb.
 #include <GL/freeglut.h>
 #include <GL/glu.h>
 #include <gtest/gtest.h>
@@ -11,9 +13,11 @@
 #include <vector>
 
 #include "app/records.h"
+#include "app/startup.h"
 #include "gl/view/scene.h"
 #include "growth/growth.h"
 #include "lib/vector.h"
+#include "view/camera.h"
 
 static const int kWidth = 320;
 static const int kHeight = 240;
@@ -59,7 +63,11 @@ struct FRAME {
   GLboolean vertexarray, colourarray;
 };
 
-// One frame of the aggregate alone, seen from outside its extent.
+// The eye's distance from the centre in radii of the aggregate: outside it
+// by default; inside it most lines are left out as out of view.
+static double eyedistance = 1.5;
+
+// One frame of the aggregate alone.
 static FRAME Draw(int drawmode, int immediate) {
   double radius = 1;
   for (int i = 0; i < ncells; i++)
@@ -71,7 +79,8 @@ static FRAME Draw(int drawmode, int immediate) {
   gluPerspective(60, kWidth / (double)kHeight, radius * 0.1, radius * 10);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  gluLookAt(1.3 * radius, 0.4 * radius, 0.7 * radius, 0, 0, 0, 0, 0, 1);
+  double d = eyedistance / 1.5;
+  gluLookAt(1.3 * d * radius, 0.4 * d * radius, 0.7 * d * radius, 0, 0, 0, 0, 0, 1);
   glDrawBuffer(GL_BACK);
   glClearColor(0, 0, 0, 0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -209,6 +218,68 @@ TEST(DrawArrays, RootsAloneDrawNothing) {
   // Nothing drawn: the colour set before stays current either way.
   EXPECT_EQ(arr.colour[0], 0.25f);
   EXPECT_EQ(ref.colour[0], 0.25f);
+}
+
+// Growth itself between frames: the weights of the ancestors rise with each
+// stuck particle, the buffers are outgrown (4096 drawn cells, then 8192).
+TEST(DrawArrays, RealGrowthMatchesImmediateMode) {
+  ResetProgram();
+  for (int n : {50, 1000, 1001, 4500, 9000}) {
+    while (ncells < n) IterateSystemSteps(1000);
+    ExpectBothModes(n < 100 ? 20 : 300, 3, "grown");
+  }
+  // Weights moved with no new cell, then maxweight alone: the colours follow.
+  for (int i = 1; i < ncells; i += 7) cells[i].weight += 2.5;
+  ExpectBothModes(500, 3, "weights raised in place");
+  growthstate.maxweight *= 4;
+  ExpectBothModes(500, 3, "maxweight raised");
+  // Tubes in between, then lines again; association on with several roots.
+  ExpectSamePicture(DLADRAW_TUBES, 500, 3, "tubes");
+  ExpectBothModes(500, 3, "after tubes");
+  growthstate.nroots = 4;
+  growthstate.associate = 1;
+  ExpectBothModes(500, 4, "coloured by root");
+  growthstate.nroots = 3;
+  ExpectBothModes(500, 3, "by root, fewer roots");
+}
+
+// With the eye inside the aggregate most lines lie beyond a clipping plane
+// and are left out; those kept follow growth, and the view's changes.
+TEST(DrawArrays, LinesOutOfViewLeftOut) {
+  ResetProgram();
+  while (ncells < 3000) IterateSystemSteps(1000);
+  for (double d : {0.3, 0.3, 0.1, 1.5, 0.2}) {
+    eyedistance = d;
+    ExpectBothModes(100, 3, "eye inside");
+    int n = ncells + 300;
+    while (ncells < n) IterateSystemSteps(1000);
+    ExpectBothModes(100, 3, "grown, same view");
+  }
+  eyedistance = 1.5;
+}
+
+// LookThrough computes gluLookAt's matrix itself: the same floats, for
+// every eye of many turned, zoomed and dollied cameras.
+TEST(DrawArrays, LookThroughIsGluLookAt) {
+  ResetProgram();
+  srand48(11);
+  for (int k = 0; k < 300; k++) {
+    RotateCamera(drand48() * 2 - 1, drand48() * 2 - 1, drand48() * 2 - 1);
+    DollyCamera(k % 3 == 0);
+    camera.vp.x += drand48() - 0.5;  // the eye off the orbit, as panning leaves it
+    FrameCamera();
+    for (int eye : {EYE_MONO, EYE_RIGHT, EYE_LEFT}) {
+      EYEVIEW v = EyeView(eye);
+      LookThrough(&v);
+      GLfloat ours[16], glu[16];
+      glGetFloatv(GL_MODELVIEW_MATRIX, ours);
+      glLoadIdentity();
+      gluLookAt(v.eye.x, v.eye.y, v.eye.z, v.eye.x + camera.vd.x, v.eye.y + camera.vd.y, v.eye.z + camera.vd.z,
+                camera.vu.x, camera.vu.y, camera.vu.z);
+      glGetFloatv(GL_MODELVIEW_MATRIX, glu);
+      for (int i = 0; i < 16; i++) ASSERT_EQ(ours[i], glu[i]) << "camera " << k << " eye " << eye << " entry " << i;
+    }
+  }
 }
 
 static void NoDisplay(void) {}

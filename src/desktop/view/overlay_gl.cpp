@@ -5,10 +5,11 @@
 #include "app/records.h"
 #include "view/overlay.h"
 
-void DrawGLText(int x, int y, const char *s) {
+// DrawGLText for a window of width x height pixels.
+static void DrawText(int x, int y, const char *s, int width, int height) {
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
-  glOrtho(0, glutGet(GLUT_WINDOW_WIDTH), 0, glutGet(GLUT_WINDOW_HEIGHT), -1, 1);
+  glOrtho(0, width, 0, height, -1, 1);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
 
@@ -32,8 +33,16 @@ void DrawGLText(int x, int y, const char *s) {
   }
 }
 
+void DrawGLText(int x, int y, const char *s) {
+  DrawText(x, y, s, glutGet(GLUT_WINDOW_WIDTH), glutGet(GLUT_WINDOW_HEIGHT));
+}
+
+// Each glutGet of the window size is a round trip to the X server; the size
+// cannot change within one frame, so a block asks once.
 static void DrawLines(const OVERLAYLINE *lines, int n) {
-  for (int i = 0; i < n; i++) DrawGLText(lines[i].x, lines[i].y, lines[i].text);
+  int width = glutGet(GLUT_WINDOW_WIDTH);
+  int height = glutGet(GLUT_WINDOW_HEIGHT);
+  for (int i = 0; i < n; i++) DrawText(lines[i].x, lines[i].y, lines[i].text, width, height);
 }
 
 void DrawInfo(void) {

@@ -8,7 +8,10 @@
 // [SECTION] Extras: circles, axes, release points, spheres
 #include "gl/view/scene.h"
 
-#include <GL/glu.h>
+#define GL_GLEXT_PROTOTYPES  // buffer objects
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <malloc.h>  // mallopt()
 #include <math.h>
 #include <string.h>  // memcmp()
 
@@ -23,6 +26,38 @@
 // ---------------------------------------------------------------------------
 // [SECTION] Eye: projection, viewport and viewpoint of one eye
 
+static void NormaliseF(float v[3]) {
+  float r = sqrtf(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+  if (r == 0) return;
+  v[0] /= r;
+  v[1] /= r;
+  v[2] /= r;
+}
+
+static void CrossF(const float a[3], const float b[3], float c[3]) {
+  c[0] = a[1] * b[2] - a[2] * b[1];
+  c[1] = a[2] * b[0] - a[0] * b[2];
+  c[2] = a[0] * b[1] - a[1] * b[0];
+}
+
+// gluLookAt's matrix with gluLookAt's own arithmetic (the differences in
+// double, the rest in float), so that no GLU library is needed: GLU links
+// the window system's libGL, which must stay out of an offscreen process.
+static void LookAt(double ex, double ey, double ez, double cx, double cy, double cz, double ux, double uy,
+                   double uz) {
+  float forward[3] = {(float)(cx - ex), (float)(cy - ey), (float)(cz - ez)};
+  float up[3] = {(float)ux, (float)uy, (float)uz};
+  float side[3];
+  NormaliseF(forward);
+  CrossF(forward, up, side);
+  NormaliseF(side);
+  CrossF(side, forward, up);
+  GLfloat m[16] = {side[0], up[0], -forward[0], 0, side[1], up[1], -forward[1], 0,
+                   side[2], up[2], -forward[2], 0, 0,       0,     0,           1};
+  glMultMatrixf(m);
+  glTranslated(-ex, -ey, -ez);
+}
+
 void LookThrough(const EYEVIEW *v) {
   glViewport(v->x, v->y, v->width, v->height);
   glMatrixMode(GL_PROJECTION);
@@ -30,8 +65,8 @@ void LookThrough(const EYEVIEW *v) {
   glFrustum(v->left, v->right, v->bottom, v->top, v->near, v->far);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  gluLookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y,
-            v->eye.z + camera.vd.z, camera.vu.x, camera.vu.y, camera.vu.z);
+  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y, v->eye.z + camera.vd.z,
+         camera.vu.x, camera.vu.y, camera.vu.z);
 }
 
 // ---------------------------------------------------------------------------
@@ -115,20 +150,46 @@ static void Vertex(XYZ p) { glVertex3f(p.x, p.y, p.z); }
 
 int drawimmediate = 0;
 
-// Points and lines as vertex arrays: for every non-root cell in cell order,
-// the cell then its parent (the lines); the points are every other vertex of
-// the same arrays. Floats are converted from the doubles as glVertex3f and
-// glColor3f convert them, so the pictures match the immediate mode exactly.
+// Points and lines from buffer objects. For every non-root cell in cell
+// order, the cell then its parent (the lines); the points are every other
+// vertex. Floats are converted from the doubles as glVertex3f and glColor3f
+// convert them, so the pictures match the immediate mode exactly.
+//
+// Only the lines that can show are sent: a line whose two ends lie beyond
+// the same clipping plane yields no fragment, so leaving it out changes no
+// pixel (the order of the others is kept). The test is made in double with a
+// margin far above the rounding of GL's float transform. The lines kept are
+// worked out again when the view changes; with the view held, new cells are
+// tested as they come. Their positions and colours sit in compact buffers:
+// the positions are uploaded as they are appended, the colours whenever one
+// moved. A colour is worked out again only when its weight, maxweight or the
+// colouring changed; the logarithm of a weight is kept until it moves.
 struct DLAARRAYS {
-  std::vector<GLfloat> xyz;  // 6 per drawn cell: cell, then parent
-  std::vector<GLfloat> rgb;  // 6 per drawn cell: the cell's colour twice
-  int ndrawn;                // non-root cells converted
-  int n;                     // cells converted, roots included
-  int size;                  // cells.size() when converted
-  unsigned revision;         // cellsrevision when converted
-  CELL last;                 // cell n - 1 when converted
+  std::vector<GLfloat> xyz;    // 6 per drawn cell: cell, then parent
+  std::vector<int> index;      // the cell of each drawn cell
+  std::vector<double> weight;  // per drawn cell: the weight logw is from (NaN: none)
+  std::vector<double> logw;    // per drawn cell: log(weight + 1)
+  int ndrawn;                  // non-root cells converted
+  int n;                       // cells converted, roots included
+  int size;                    // cells.size() when converted
+  unsigned revision;           // cellsrevision when converted
+  CELL last;                   // cell n - 1 when converted
+  // The lines that can show, for the view in clip.
+  double clip[16];             // projection times model-view, column major
+  int tested;                  // drawn cells tested against clip
+  std::vector<int> shown;      // drawn cells kept, in order
+  std::vector<GLfloat> sxyz;   // 6 per kept cell
+  std::vector<GLfloat> srgb;   // 6 per kept cell: its colour twice
+  std::vector<double> sweight; // per kept cell: the weight its colour is from
+  int coloured;                // kept cells with colours worked out
+  int byroot, nroots;          // the colouring they were worked out with
+  double maxweight;
+  GLuint xyzbuffer, rgbbuffer; // 0 until the first draw
+  int uploaded;                // kept cells whose positions are in xyzbuffer
+  int capacity;                // kept cells both buffers hold
+  int rgbstale;                // rgbbuffer is behind srgb
 };
-static DLAARRAYS dlaarrays = {{}, {}, 0, 0, 0, 0, {}};
+static DLAARRAYS dlaarrays;
 
 static int SameCell(const CELL &a, const CELL &b) {
   return a.parent == b.parent && memcmp(&a.p, &b.p, sizeof(XYZ)) == 0;
@@ -147,19 +208,33 @@ static int OnlyAppended(const DLAARRAYS &a) {
   return a.n == 0 || SameCell(cells[a.n - 1], a.last);
 }
 
+static void ForgetShown(DLAARRAYS &a) {
+  a.tested = 0;
+  a.shown.clear();
+  a.sxyz.clear();
+  a.srgb.clear();
+  a.sweight.clear();
+  a.coloured = 0;
+  a.uploaded = 0;
+}
+
 static void SyncDLAArrays(void) {
   DLAARRAYS &a = dlaarrays;
   if (!OnlyAppended(a)) {
     a.ndrawn = 0;
     a.n = 0;
+    ForgetShown(a);
   }
   int count = a.ndrawn;
   for (int i = a.n; i < ncells; i++)
     if (cells[i].parent >= 0) count++;
   a.xyz.resize(6 * (size_t)count);
-  a.rgb.resize(6 * (size_t)count);
+  a.index.resize(count);
+  a.weight.resize(count, NAN);
+  a.logw.resize(count);
 
   GLfloat *v = a.xyz.data() + 6 * (size_t)a.ndrawn;
+  int k = a.ndrawn;
   for (int i = a.n; i < ncells; i++) {
     if (cells[i].parent < 0) continue;  // roots are not drawn
     const XYZ &p = cells[i].p;
@@ -171,6 +246,9 @@ static void SyncDLAArrays(void) {
     v[4] = q.y;
     v[5] = q.z;
     v += 6;
+    a.index[k] = i;
+    a.weight[k] = NAN;
+    k++;
   }
   a.ndrawn = count;
   a.n = ncells;
@@ -179,81 +257,187 @@ static void SyncDLAArrays(void) {
   if (ncells > 0) a.last = cells[ncells - 1];
 }
 
+// Bit k set: the clip-space point lies beyond plane k (x > w, x < -w, y,
+// z likewise), by a margin no float rounding reaches.
+static int Outside(const double *m, const GLfloat *v) {
+  double c[4];
+  for (int r = 0; r < 4; r++) c[r] = m[r] * v[0] + m[4 + r] * v[1] + m[8 + r] * v[2] + m[12 + r];
+  int bits = 0;
+  for (int k = 0; k < 3; k++) {
+    double margin = 1e-3 * (fabs(c[k]) + fabs(c[3])) + 1e-30;
+    if (c[k] - c[3] > margin) bits |= 1 << (2 * k);
+    if (-c[k] - c[3] > margin) bits |= 2 << (2 * k);
+  }
+  return bits;
+}
+
+// The lines that can show under the current matrices: all again when they
+// changed, else only the drawn cells added since.
+static void SyncShown(void) {
+  DLAARRAYS &a = dlaarrays;
+  GLdouble proj[16], model[16], m[16];
+  glGetDoublev(GL_PROJECTION_MATRIX, proj);
+  glGetDoublev(GL_MODELVIEW_MATRIX, model);
+  for (int c = 0; c < 4; c++)
+    for (int r = 0; r < 4; r++) {
+      double sum = 0;
+      for (int k = 0; k < 4; k++) sum += proj[4 * k + r] * model[4 * c + k];
+      m[4 * c + r] = sum;
+    }
+  if (memcmp(m, a.clip, sizeof(m)) != 0) {
+    ForgetShown(a);
+    memcpy(a.clip, m, sizeof(m));
+  }
+  for (int k = a.tested; k < a.ndrawn; k++) {
+    const GLfloat *v = &a.xyz[6 * (size_t)k];
+    if (Outside(m, v) & Outside(m, v + 3)) continue;
+    a.shown.push_back(k);
+    a.sxyz.insert(a.sxyz.end(), v, v + 6);
+  }
+  a.tested = a.ndrawn;
+  a.srgb.resize(a.sxyz.size());
+  a.sweight.resize(a.shown.size(), NAN);
+}
+
 static void PutColour(GLfloat *c, COLOUR k) {
   c[0] = c[3] = k.r;
   c[1] = c[4] = k.g;
   c[2] = c[5] = k.b;
 }
 
-// Weights and maxweight change with every stuck particle: the colours are
-// worked out again for each frame, by ChooseColour's own rules.
+// ChooseColour's colours, by its own rules, for the kept cells. By root a
+// colour never changes, so only new cells are coloured. By weight a colour
+// depends on the weight and maxweight alone: while maxweight holds, only
+// cells whose weight moved are coloured again. Sets rgbstale when a colour
+// was written.
 static void UpdateDLAColours(int drawmode) {
   DLAARRAYS &a = dlaarrays;
-  GLfloat *c = a.rgb.data();
+  int nshown = (int)a.shown.size();
+  int byroot = ColourByRoot(drawmode);
+  if (byroot != a.byroot || (byroot && growthstate.nroots != a.nroots)) a.coloured = 0;
+  a.byroot = byroot;
+  a.nroots = growthstate.nroots;
 
-  if (ColourByRoot(drawmode)) {
-    for (int i = 0; i < a.n; i++) {
-      if (cells[i].parent < 0) continue;
-      PutColour(c, ChooseColour(i, drawmode));
-      c += 6;
-    }
+  if (byroot) {
+    for (int s = a.coloured; s < nshown; s++)
+      PutColour(&a.srgb[6 * (size_t)s], ChooseColour(a.index[a.shown[s]], drawmode));
+    if (a.coloured < nshown) a.rgbstale = 1;
+    a.coloured = nshown;
     return;
   }
 
-  // By weight a colour depends on the weight alone: reuse the one before
-  // when the weight repeats (weight 0 above all: the tips).
-  COLOUR tip = WeightColour(0);
-  double lastweight = 0;
-  COLOUR last = tip;
-  for (int i = 0; i < a.n; i++) {
-    if (cells[i].parent < 0) continue;
-    double w = cells[i].weight;
-    if (w == 0) {
-      PutColour(c, tip);
-    } else {
-      if (w != lastweight) {
-        lastweight = w;
-        last = WeightColour(w);
-      }
-      PutColour(c, last);
+  if (growthstate.maxweight != a.maxweight) a.coloured = 0;
+  a.maxweight = growthstate.maxweight;
+  double top = log(growthstate.maxweight / 3 + 1);
+  COLOUR tip = GetColour(0, 0, top, 1);  // weight 0, the tips: one colour
+  int changed = 0;
+  for (int s = 0; s < nshown; s++) {
+    int k = a.shown[s];
+    double w = cells[a.index[k]].weight;
+    if (s < a.coloured && w == a.sweight[s]) continue;
+    if (w != a.weight[k]) {
+      a.weight[k] = w;
+      a.logw[k] = log(w + 1);
     }
-    c += 6;
+    // The same arithmetic as WeightColour(w).
+    PutColour(&a.srgb[6 * (size_t)s], w == 0 ? tip : GetColour(a.logw[k], 0, top, 1));
+    a.sweight[s] = w;
+    changed = 1;
   }
+  if (changed) a.rgbstale = 1;
+  a.coloured = nshown;
 }
 
 void UpdateDLAArrays(int drawmode) {
   SyncDLAArrays();
+  SyncShown();
   UpdateDLAColours(drawmode);
+}
+
+// Brings the buffer objects up to date: new positions appended, the colours
+// whole when they changed. A buffer too small is replaced by one twice the
+// size, filled from the arrays.
+static void UploadDLABuffers(void) {
+  DLAARRAYS &a = dlaarrays;
+  int nshown = (int)a.shown.size();
+  if (a.xyzbuffer == 0) {
+    glGenBuffers(1, &a.xyzbuffer);
+    glGenBuffers(1, &a.rgbbuffer);
+    a.capacity = 0;
+    a.uploaded = 0;
+  }
+  const GLsizeiptr cellbytes = 6 * sizeof(GLfloat);
+  if (nshown > a.capacity) {
+    int capacity = a.capacity < 4096 ? 4096 : a.capacity;
+    while (capacity < nshown) capacity *= 2;
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glBufferData(GL_ARRAY_BUFFER, capacity * cellbytes, NULL, GL_DYNAMIC_DRAW);
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glBufferData(GL_ARRAY_BUFFER, capacity * cellbytes, NULL, GL_DYNAMIC_DRAW);
+    a.capacity = capacity;
+    a.uploaded = 0;
+    a.rgbstale = 1;
+  }
+  if (a.uploaded < nshown) {
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glBufferSubData(GL_ARRAY_BUFFER, a.uploaded * cellbytes, (nshown - a.uploaded) * cellbytes,
+                    a.sxyz.data() + 6 * (size_t)a.uploaded);
+    a.uploaded = nshown;
+  }
+  if (a.rgbstale) {
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glBufferSubData(GL_ARRAY_BUFFER, 0, nshown * cellbytes, a.srgb.data());
+    a.rgbstale = 0;
+  }
 }
 
 static void DrawDLAArrays(int drawmode) {
   UpdateDLAArrays(drawmode);
   DLAARRAYS &a = dlaarrays;
   if (a.ndrawn == 0) return;
-
-  glEnableClientState(GL_VERTEX_ARRAY);
-  glEnableClientState(GL_COLOR_ARRAY);
-  if (drawmode == DLADRAW_POINTS) {
-    GLsizei stride = 6 * sizeof(GLfloat);  // the cell end of each line
-    glVertexPointer(3, GL_FLOAT, stride, a.xyz.data());
-    glColorPointer(3, GL_FLOAT, stride, a.rgb.data());
-    glDrawArrays(GL_POINTS, 0, a.ndrawn);
-  } else {
-    glVertexPointer(3, GL_FLOAT, 0, a.xyz.data());
-    glColorPointer(3, GL_FLOAT, 0, a.rgb.data());
-    glDrawArrays(GL_LINES, 0, 2 * a.ndrawn);
+  int nshown = (int)a.shown.size();
+  if (nshown > 0) {
+    UploadDLABuffers();
+    // Points take the cell end of each line.
+    GLsizei stride = drawmode == DLADRAW_POINTS ? 6 * sizeof(GLfloat) : 0;
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glBindBuffer(GL_ARRAY_BUFFER, a.xyzbuffer);
+    glVertexPointer(3, GL_FLOAT, stride, NULL);
+    glBindBuffer(GL_ARRAY_BUFFER, a.rgbbuffer);
+    glColorPointer(3, GL_FLOAT, stride, NULL);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    if (drawmode == DLADRAW_POINTS)
+      glDrawArrays(GL_POINTS, 0, nshown);
+    else
+      glDrawArrays(GL_LINES, 0, 2 * nshown);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
   }
-  glDisableClientState(GL_COLOR_ARRAY);
-  glDisableClientState(GL_VERTEX_ARRAY);
 
   // Drawing from a colour array leaves the current colour undefined; the
   // immediate mode leaves the last cell's, which later drawing may rely on.
-  const GLfloat *last = a.rgb.data() + 6 * (size_t)(a.ndrawn - 1);
-  glColor3f(last[0], last[1], last[2]);
+  COLOUR last = ChooseColour(a.index[a.ndrawn - 1], drawmode);
+  glColor3f(last.r, last.g, last.b);
+}
+
+// Mesa's software rasteriser bins every frame's primitives in memory it
+// takes with malloc and frees after the frame. With glibc's defaults the
+// freed heap is trimmed back to the system each time, and the next frame
+// faults the pages in again: at a million cells that costs more than the
+// drawing itself. Freed memory up to 256 MB stays with the process instead,
+// and blocks up to 32 MB come from the heap.
+static void KeepFrameMemory(void) {
+  static int kept = 0;
+  if (kept) return;
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+  kept = 1;
 }
 
 void DrawDLA(int drawmode) {
   if (drawmode < DLADRAW_POINTS || drawmode > DLADRAW_TUBES) return;
+  KeepFrameMemory();
   CreateEnvironment(drawmode);
 
   if ((drawmode == DLADRAW_POINTS || drawmode == DLADRAW_LINES) && !drawimmediate) {

@@ -5,14 +5,15 @@
 
 #include "view/camera.h"
 
-// Viewport, frustum and gluLookAt of one eye; leaves the model-view current.
+// Viewport, frustum and the look-at matrix of one eye (the same matrix as
+// gluLookAt); leaves the model-view current.
 void LookThrough(const EYEVIEW *view);
 
 // Fixed OpenGL state (depth, blending, material, lights) for a drawing mode.
 void CreateEnvironment(int drawmode);
 
-// The aggregate in a DLADRAW_* mode. Points and lines come from vertex
-// arrays kept in step with the cells.
+// The aggregate in a DLADRAW_* mode. Points and lines come from buffer
+// objects kept in step with the cells.
 void DrawDLA(int drawmode);
 
 // Non-zero draws points and lines vertex by vertex instead (glBegin/glEnd):
@@ -20,9 +21,11 @@ void DrawDLA(int drawmode);
 extern int drawimmediate;
 
 // Brings the vertex arrays up to date with the cells (appending new ones,
-// rebuilding after any other change) and works out their colours for
-// DLADRAW_POINTS or DLADRAW_LINES. DrawDLA does this every frame; declared
-// for the benchmark.
+// rebuilding after any other change), picks the lines that can show under
+// the current projection and model-view matrices (a GL context must be
+// current) and works out their colours for DLADRAW_POINTS or DLADRAW_LINES
+// (only what changed). DrawDLA does this every frame, then uploads what
+// changed to its buffer objects; declared for the benchmark.
 void UpdateDLAArrays(int drawmode);
 
 // The constraint surface in an STLDRAW_* mode from its display list;

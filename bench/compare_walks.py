@@ -1,0 +1,121 @@
+#!/usr/bin/python3
+"""Grows aggregates with the exact and the fast walk over several seeds and
+prints their statistics side by side: the radius-of-gyration dimension, the
+final radius, the branch distribution (shares of cells with 0, 1, 2, 3 and
+more children), steps and time. The fast walk agrees when each mean lies
+within the exact walk's seed-to-seed spread (one standard deviation).
+
+Usage: bench/compare_walks.py [--batch build/dla3d-batch] [--cells 100000]
+                              [--seeds 10] [--first-seed 1] [-- extra options]
+"""
+import argparse
+import math
+import os
+import subprocess
+import sys
+import tempfile
+import time
+
+
+def read_cells(path):
+    cells = []
+    with open(path) as f:
+        next(f)  # index,parent,x,y,z,weight
+        for line in f:
+            parts = line.split(",")
+            cells.append((int(parts[1]), float(parts[2]), float(parts[3]), float(parts[4])))
+    return cells
+
+
+def gyration_dimension(cells):
+    """Slope of log(n) against log(Rg(n)) over the first n cells, n from
+    1000 (or a hundredth) to all, twelve sizes spaced evenly in log n."""
+    n = len(cells)
+    first = max(50, min(1000, n // 100))
+    sizes = sorted({int(round(first * (n / first) ** (k / 11))) for k in range(12)})
+    sx = sy = sz = s2 = 0.0
+    points = []
+    want = 0
+    for i, (_, x, y, z) in enumerate(cells, 1):
+        sx += x
+        sy += y
+        sz += z
+        s2 += x * x + y * y + z * z
+        if want < len(sizes) and i == sizes[want]:
+            rg2 = s2 / i - (sx / i) ** 2 - (sy / i) ** 2 - (sz / i) ** 2
+            points.append((math.log(math.sqrt(rg2)), math.log(i)))
+            want += 1
+    mx = sum(p[0] for p in points) / len(points)
+    my = sum(p[1] for p in points) / len(points)
+    sxy = sum((p[0] - mx) * (p[1] - my) for p in points)
+    sxx = sum((p[0] - mx) ** 2 for p in points)
+    return sxy / sxx
+
+
+def statistics(cells):
+    children = [0] * len(cells)
+    for parent, _, _, _ in cells:
+        if parent >= 0:
+            children[parent] += 1
+    shares = [0] * 5
+    for c in children:
+        shares[min(c, 4)] += 1
+    radius = max(math.sqrt(x * x + y * y + z * z) for _, x, y, z in cells)
+    out = {"Rg dimension": gyration_dimension(cells), "final radius": radius}
+    for k in range(5):
+        out["children %s" % (k if k < 4 else "4+")] = shares[k] / len(cells)
+    return out
+
+
+def grow(batch, walk, seed, cells, extra, csv):
+    start = time.time()
+    subprocess.run([batch, "--no-progress", "--walk", walk, "--seed", str(seed), "--cells", str(cells),
+                    "--csv", csv] + extra, check=True)
+    return time.time() - start
+
+
+def mean_sd(values):
+    m = sum(values) / len(values)
+    sd = math.sqrt(sum((v - m) ** 2 for v in values) / (len(values) - 1)) if len(values) > 1 else 0.0
+    return m, sd
+
+
+def main():
+    ap = argparse.ArgumentParser()
+    ap.add_argument("--batch", default="build/dla3d-batch")
+    ap.add_argument("--cells", type=int, default=100000)
+    ap.add_argument("--seeds", type=int, default=10)
+    ap.add_argument("--first-seed", type=int, default=1)
+    ap.add_argument("extra", nargs="*", help="further dla3d-batch options, after --")
+    args = ap.parse_args()
+
+    results = {"exact": [], "fast": []}
+    seconds = {"exact": [], "fast": []}
+    with tempfile.TemporaryDirectory() as tmp:
+        csv = os.path.join(tmp, "cells.csv")
+        for seed in range(args.first_seed, args.first_seed + args.seeds):
+            for walk in ("exact", "fast"):
+                seconds[walk].append(grow(args.batch, walk, seed, args.cells, args.extra, csv))
+                results[walk].append(statistics(read_cells(csv)))
+            print("seed %d: exact %.1f s, fast %.1f s" % (seed, seconds["exact"][-1], seconds["fast"][-1]),
+                  file=sys.stderr)
+
+    print("%d cells, seeds %d to %d%s" % (args.cells, args.first_seed, args.first_seed + args.seeds - 1,
+                                          (", options " + " ".join(args.extra)) if args.extra else ""))
+    print("%-14s %22s %22s %8s  %s" % ("", "exact mean +- sd", "fast mean +- sd", "diff/sd", "verdict"))
+    disagree = 0
+    for key in results["exact"][0]:
+        em, es = mean_sd([r[key] for r in results["exact"]])
+        fm, fs = mean_sd([r[key] for r in results["fast"]])
+        ratio = abs(fm - em) / es if es > 0 else (0.0 if fm == em else math.inf)
+        verdict = "agree" if ratio <= 1 else "DIFFER"
+        disagree += verdict != "agree"
+        print("%-14s %12.4f +- %7.4f %12.4f +- %7.4f %8.2f  %s" % (key, em, es, fm, fs, ratio, verdict))
+    em, es = mean_sd(seconds["exact"])
+    fm, fs = mean_sd(seconds["fast"])
+    print("%-14s %12.1f +- %7.1f %12.1f +- %7.1f" % ("seconds", em, es, fm, fs))
+    return 1 if disagree else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,79 @@
+#include "export/ply.h"
+
+#include <stdint.h>  // int32_t
+#include <string.h>  // memcpy()
+
+#include "app/records.h"
+
+void CellRoots(std::vector<int> *root) {
+  std::vector<int> &r = *root;
+  r.assign(ncells > 0 ? ncells : 0, -1);
+  // Parents come before their children, so one pass in index order settles
+  // almost every cell; a chain that runs forward is walked to its end.
+  for (int i = 0; i < ncells; i++) {
+    int c = i;
+    for (int hops = 0; hops <= ncells; hops++) {
+      int q = cells[c].parent;
+      if (q < 0 || q >= ncells) break;
+      if (r[q] >= 0) {
+        r[i] = r[q];
+        break;
+      }
+      c = q;
+    }
+    if (r[i] < 0) r[i] = c;
+  }
+}
+
+// PLY's binary_little_endian, whatever the machine's order.
+static void PutLE(unsigned char *out, const void *value, int size) {
+  unsigned char bytes[8];
+  memcpy(bytes, value, size);
+  const uint16_t one = 1;
+  int little = *(const unsigned char *)&one == 1;
+  for (int k = 0; k < size; k++) out[k] = little ? bytes[k] : bytes[size - 1 - k];
+}
+
+int WritePLY(FILE *fp) {
+  int nedges = 0;
+  for (int i = 0; i < ncells; i++)
+    if (cells[i].parent >= 0) nedges++;
+  fprintf(fp, "ply\nformat binary_little_endian 1.0\n");
+  fprintf(fp, "comment dla3d %g: the cells of a diffusion limited aggregation\n", versionid / 100.0);
+  fprintf(fp, "comment root is the index of the root cell of the cell's tree\n");
+  fprintf(fp, "comment an edge runs from a cell's parent (vertex1) to the cell (vertex2)\n");
+  fprintf(fp, "element vertex %d\n", ncells);
+  fprintf(fp, "property float x\nproperty float y\nproperty float z\n");
+  fprintf(fp, "property double weight\nproperty int root\n");
+  fprintf(fp, "element edge %d\n", nedges);
+  fprintf(fp, "property int vertex1\nproperty int vertex2\n");
+  fprintf(fp, "end_header\n");
+
+  std::vector<int> root;
+  CellRoots(&root);
+  unsigned char record[24];
+  for (int i = 0; i < ncells; i++) {
+    float xyz[3] = {(float)cells[i].p.x, (float)cells[i].p.y, (float)cells[i].p.z};
+    int32_t r = root[i];
+    for (int k = 0; k < 3; k++) PutLE(record + 4 * k, &xyz[k], 4);
+    PutLE(record + 12, &cells[i].weight, 8);
+    PutLE(record + 20, &r, 4);
+    fwrite(record, 1, 24, fp);
+  }
+  for (int i = 0; i < ncells; i++) {
+    if (cells[i].parent < 0) continue;
+    int32_t ends[2] = {cells[i].parent, i};
+    PutLE(record, &ends[0], 4);
+    PutLE(record + 4, &ends[1], 4);
+    fwrite(record, 1, 8, fp);
+  }
+  return fflush(fp) == 0 && !ferror(fp);
+}
+
+int SavePLYFile(const char *path) {
+  if (path == NULL || path[0] == '\0') return 0;
+  FILE *fp = fopen(path, "wb");
+  if (fp == NULL) return 0;
+  int ok = WritePLY(fp);
+  return fclose(fp) == 0 && ok;
+}

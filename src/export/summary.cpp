@@ -1,0 +1,185 @@
+#include "export/summary.h"
+
+#include <math.h>    // log(), pow(), sqrt(), isfinite()
+#include <string.h>  // strlen()
+
+#include "app/records.h"
+#include "export/report.h"
+#include "surface/stl.h"
+#include "view/overlay.h"
+
+GROWTHLOG growthlog;
+
+// The k-th checkpoint: GROWTHLOG_FIRST times 10^(k/10), rounded.
+static int Checkpoint(int k) { return (int)floor(GROWTHLOG_FIRST * pow(10, k / 10.0) + 0.5); }
+
+void StartGrowthLog(void) {
+  growthlog = GROWTHLOG();
+  growthlog.start = GetRunTime();
+  growthlog.next = GROWTHLOG_FIRST;
+}
+
+void LogGrowth(long long steps) {
+  growthlog.steps = steps;
+  growthlog.growthseconds = GetRunTime() - growthlog.start;
+  if (ncells < growthlog.next) return;
+  growthlog.n.push_back(ncells);
+  growthlog.rg.push_back(RadiusOfGyration(ncells));
+  int k = 0;
+  while (Checkpoint(k) <= ncells) k++;
+  growthlog.next = Checkpoint(k);
+}
+
+double RadiusOfGyration(int n) {
+  if (n < 1) return 0;
+  // Two passes: the centroid first, so that an aggregate far from the origin
+  // loses no digits.
+  XYZ c = {0, 0, 0};
+  for (int i = 0; i < n; i++) c.x += cells[i].p.x, c.y += cells[i].p.y, c.z += cells[i].p.z;
+  c.x /= n, c.y /= n, c.z /= n;
+  double sum = 0;
+  for (int i = 0; i < n; i++) {
+    double dx = cells[i].p.x - c.x, dy = cells[i].p.y - c.y, dz = cells[i].p.z - c.z;
+    sum += dx * dx + dy * dy + dz * dz;
+  }
+  return sqrt(sum / n);
+}
+
+double FitSlope(const double *x, const double *y, int n) {
+  if (n < 2) return 0;
+  double mx = 0, my = 0;
+  for (int i = 0; i < n; i++) mx += x[i], my += y[i];
+  mx /= n, my /= n;
+  double sxy = 0, sxx = 0;
+  for (int i = 0; i < n; i++) sxy += (x[i] - mx) * (y[i] - my), sxx += (x[i] - mx) * (x[i] - mx);
+  return sxx > 0 ? sxy / sxx : 0;
+}
+
+// [SECTION] a small JSON writer: data numbers with every digit, no NaN
+
+static void Number(FILE *fp, double v) {
+  if (isfinite(v))
+    fprintf(fp, "%.17g", v);
+  else
+    fprintf(fp, "null");
+}
+
+static void String(FILE *fp, const char *s) {
+  fputc('"', fp);
+  for (; *s; s++) {
+    unsigned char c = (unsigned char)*s;
+    if (c == '"' || c == '\\')
+      fprintf(fp, "\\%c", c);
+    else if (c < 0x20)
+      fprintf(fp, "\\u%04x", c);
+    else
+      fputc(c, fp);
+  }
+  fputc('"', fp);
+}
+
+static void Key(FILE *fp, const char *key, int indent) {
+  fprintf(fp, "%*s", indent, "");
+  String(fp, key);
+  fprintf(fp, ": ");
+}
+
+// A fitted dimension, null when there was nothing to fit.
+static void Dimension(FILE *fp, double d) {
+  if (d > 0 && isfinite(d))
+    Number(fp, d);
+  else
+    fprintf(fp, "null");
+}
+
+static void WriteSettings(FILE *fp) {
+  const GROWTHSTATE &g = growthstate;
+  const char *source = SourceTypeText(g.sourcetype, 0) + strlen("Source type: ");
+  fprintf(fp, "  \"settings\": {\n");
+  fprintf(fp, "    \"seed\": %d,\n", g.seed);
+  Key(fp, "bias", 4), Number(fp, g.bias), fprintf(fp, ",\n");
+  Key(fp, "branchlength", 4), Number(fp, g.branchlength), fprintf(fp, ",\n");
+  Key(fp, "stickiness", 4), Number(fp, g.stickiness), fprintf(fp, ",\n");
+  Key(fp, "rotation", 4), Number(fp, g.rotation), fprintf(fp, ",\n");
+  Key(fp, "thickstart", 4), Number(fp, g.thickstart), fprintf(fp, ",\n");
+  Key(fp, "thickend", 4), Number(fp, g.thickend), fprintf(fp, ",\n");
+  fprintf(fp, "    \"nroots\": %d,\n", g.nroots);
+  Key(fp, "rootrange", 4), Number(fp, g.rootrange), fprintf(fp, ",\n");
+  fprintf(fp, "    \"rootdistribution\": %d,\n", g.rootdistribution);
+  Key(fp, "rootname", 4), String(fp, g.rootname), fprintf(fp, ",\n");
+  fprintf(fp, "    \"associate\": %s,\n", g.associate ? "true" : "false");
+  Key(fp, "intersectrange", 4), Number(fp, g.intersectrange), fprintf(fp, ",\n");
+  fprintf(fp, "    \"sourcetype\": %d,\n", g.sourcetype);
+  Key(fp, "sourcename", 4), String(fp, source), fprintf(fp, ",\n");
+  Key(fp, "stlname", 4), String(fp, g.stlname), fprintf(fp, ",\n");
+  fprintf(fp, "    \"nstltri\": %d\n", nstltri);
+  fprintf(fp, "  }\n");
+}
+
+// The statistics of --stats (the report's figures), or nulls when none ran.
+static void WriteStatistics(FILE *fp) {
+  if (stats.timestep < 1) {
+    fprintf(fp, "  \"statistics_timestep\": null,\n  \"branch_distribution\": null,\n");
+    fprintf(fp, "  \"box_counts\": null,\n  \"dimension_boxcount\": null,\n");
+    return;
+  }
+  fprintf(fp, "  \"statistics_timestep\": %d,\n", stats.timestep);
+  fprintf(fp, "  \"branch_distribution\": [");
+  for (int k = 0; k < 10; k++) fprintf(fp, "%s%d", k ? ", " : "", stats.branchcount[k]);
+  fprintf(fp, "],\n");
+  // The levels the report lists; the slope of log N against log(1/size).
+  std::vector<double> x, y;
+  fprintf(fp, "  \"box_counts\": [");
+  for (int i = 0; i < 10; i++) {
+    if (!(stats.boxcount[i] > 0 && stats.boxsize[i] > 0)) continue;
+    fprintf(fp, "%s{\"size\": ", x.empty() ? "" : ", ");
+    Number(fp, stats.boxsize[i]);
+    fprintf(fp, ", \"n\": %d}", stats.boxcount[i]);
+    x.push_back(log(1 / stats.boxsize[i]));
+    y.push_back(log((double)stats.boxcount[i]));
+  }
+  fprintf(fp, "],\n");
+  Key(fp, "dimension_boxcount", 2);
+  Dimension(fp, x.size() >= 2 ? FitSlope(x.data(), y.data(), (int)x.size()) : 0);
+  fprintf(fp, ",\n");
+}
+
+int WriteSummary(FILE *fp) {
+  const GROWTHLOG &g = growthlog;
+  fprintf(fp, "{\n");
+  fprintf(fp, "  \"program\": \"dla3d\",\n");
+  fprintf(fp, "  \"version\": %g,\n", versionid / 100.0);
+  fprintf(fp, "  \"cells\": %d,\n", ncells);
+  fprintf(fp, "  \"steps\": %lld,\n", g.steps);
+  Key(fp, "radius", 2), Number(fp, growthstate.radius), fprintf(fp, ",\n");
+  Key(fp, "radius_of_gyration", 2), Number(fp, RadiusOfGyration(ncells)), fprintf(fp, ",\n");
+  // Rg grows as N^(1/D): D is the inverse slope of log Rg against log N.
+  std::vector<double> x, y;
+  fprintf(fp, "  \"gyration_checkpoints\": [");
+  for (size_t k = 0; k < g.n.size(); k++) {
+    fprintf(fp, "%s{\"cells\": %d, \"radius_of_gyration\": ", k ? ", " : "", g.n[k]);
+    Number(fp, g.rg[k]);
+    fprintf(fp, "}");
+    if (g.rg[k] > 0) x.push_back(log((double)g.n[k])), y.push_back(log(g.rg[k]));
+  }
+  fprintf(fp, "],\n");
+  double slope = x.size() >= 2 ? FitSlope(x.data(), y.data(), (int)x.size()) : 0;
+  Key(fp, "dimension_gyration", 2), Dimension(fp, slope > 0 ? 1 / slope : 0), fprintf(fp, ",\n");
+  WriteStatistics(fp);
+  fprintf(fp, "  \"wall_seconds\": {\"growth\": ");
+  Number(fp, g.growthseconds);
+  fprintf(fp, ", \"total\": ");
+  Number(fp, GetRunTime() - g.start);
+  fprintf(fp, "},\n");
+  WriteSettings(fp);
+  fprintf(fp, "}\n");
+  return fflush(fp) == 0 && !ferror(fp);
+}
+
+int SaveSummaryFile(const char *path) {
+  if (path == NULL || path[0] == '\0') return 0;
+  FILE *fp = fopen(path, "w");
+  if (fp == NULL) return 0;
+  int ok = WriteSummary(fp);
+  return fclose(fp) == 0 && ok;
+}

@@ -1,0 +1,48 @@
+// A JSON summary of a run for scripts that compare runs: size, radius of
+// gyration and the fractal dimensions, the statistics, the time taken and
+// every growth setting.
+#ifndef DLA_EXPORT_SUMMARY_H
+#define DLA_EXPORT_SUMMARY_H
+
+#include <stdio.h>
+
+#include <vector>
+
+// The growth as the summary sees it, kept by the caller of the growth loop.
+struct GROWTHLOG {
+  double start;                // GetRunTime() at StartGrowthLog
+  double growthseconds;        // wall time from the start to the last LogGrowth
+  long long steps;             // growth steps taken, as last logged
+  int next;                    // cell count of the next checkpoint
+  std::vector<int> n;          // checkpoints: cell counts ...
+  std::vector<double> rg;      // ... and the radius of gyration there
+};
+
+extern GROWTHLOG growthlog;
+
+// Checkpoints are log-spaced, ten per decade from this cell count on.
+#define GROWTHLOG_FIRST 100
+
+// Clears the log and starts its clock; call before growth.
+void StartGrowthLog(void);
+
+// Call after each run of steps (steps: the total so far). Takes the radius
+// of gyration once ncells reaches the next checkpoint.
+void LogGrowth(long long steps);
+
+// Radius of gyration of cells 0..n-1 about their centroid: the root mean
+// square distance. 0 for n below 1.
+double RadiusOfGyration(int n);
+
+// Least-squares slope of y against x over n points; 0 when the x do not vary.
+double FitSlope(const double *x, const double *y, int n);
+
+// Writes the summary as one JSON object to fp. Returns 1 when written, 0 on
+// a write error.
+int WriteSummary(FILE *fp);
+
+// Opens path for writing and calls WriteSummary. Returns 0 (errno set) when
+// it cannot be created or written.
+int SaveSummaryFile(const char *path);
+
+#endif

@@ -1,0 +1,217 @@
+#include "growth/walk.h"
+
+#include <math.h>  // exp(), log(), sqrt()
+
+#include "app/records.h"
+#include "growth/growth.h"
+#include "growth/index.h"
+#include "growth/random.h"
+
+// Inside a free sphere a step is one branch length in a direction of the
+// cube normalised: its coordinates have variance bl^2 / 3 each and no
+// covariance, so many steps make Brownian motion with that variance per
+// step, and a particle started at the centre leaves a sphere of radius d
+// after about (d / bl)^2 steps. With a constant drift m per step the exit
+// point and the exit time are independent: the point has the von Mises-
+// Fisher density exp(kappa cos theta) about the drift, kappa = |m| d /
+// variance, and the time has the driftless density tilted by
+// exp(-kappa^2 tau / 2) in the time unit d^2 / variance.
+
+int growthwalk = WALK_EXACT;
+
+#define QUANTILES 4096
+#define SPINBOUND 4.0
+#define FOLDSHARE 0.25  // a jump's sphere stays small next to the release sphere's radius  // a swirled jump is planned for up to 4 times the mean steps
+
+// P(tau > t) for the unit ball, unit variance per coordinate and unit time.
+static double ExitSurvival(double t) {
+  if (t < 1e-4) return 1;
+  double s = 0;
+  for (int n = 1; n < 400; n++) {
+    double term = exp(-n * n * M_PI * M_PI * t / 2);
+    s += (n & 1 ? 2 : -2) * term;
+    if (term < 1e-18) break;
+  }
+  return s;
+}
+
+// quantile[k]: the exit time exceeded with probability 1 - k / QUANTILES.
+static const double *ExitQuantiles(void) {
+  static double *quantile = [] {
+    double *q = new double[QUANTILES + 1];
+    q[0] = 0;
+    for (int k = 1; k <= QUANTILES; k++) {
+      double want = 1 - (double)k / QUANTILES, lo = 0, hi = 40;
+      for (int it = 0; it < 80; it++) {
+        double mid = 0.5 * (lo + hi);
+        if (ExitSurvival(mid) > want) lo = mid; else hi = mid;
+      }
+      q[k] = 0.5 * (lo + hi);
+    }
+    return q;
+  }();
+  return quantile;
+}
+
+// An exit time (unit ball, unit variance) with drift kappa.
+static double ExitTime(double kappa) {
+  const double *q = ExitQuantiles();
+  for (;;) {
+    double u = WalkUniform() * QUANTILES;
+    int k = (int)u;
+    double tau;
+    if (k >= QUANTILES - 1) {  // the tail: P(tau > t) = 2 exp(-pi^2 t / 2) there
+      double survival = (QUANTILES - u) / QUANTILES;
+      tau = survival > 0 ? -2 * log(survival / 2) / (M_PI * M_PI) : q[QUANTILES];
+    } else {
+      tau = q[k] + (u - k) * (q[k + 1] - q[k]);
+    }
+    if (kappa == 0 || WalkUniform() < exp(-kappa * kappa * tau / 2)) return tau;
+  }
+}
+
+// A unit vector with density exp(kappa cos theta) about the unit axis a.
+static XYZ VonMisesFisher(XYZ a, double kappa) {
+  double u = WalkUniform();
+  double w = kappa > 1e-8 ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
+  if (w < -1) w = -1;
+  if (w > 1) w = 1;
+  XYZ other = {0, 0, 0};
+  if (fabs(a.x) < 0.9) other.x = 1; else other.y = 1;
+  XYZ e1 = CrossProduct(a, other);
+  Normalise(&e1);
+  XYZ e2 = CrossProduct(a, e1);
+  double phi = TWOPI * WalkUniform(), side = sqrt(1 - w * w);
+  double c = side * cos(phi), s = side * sin(phi);
+  XYZ d = {w * a.x + c * e1.x + s * e2.x, w * a.y + c * e1.y + s * e2.y, w * a.z + c * e1.z + s * e2.z};
+  return d;
+}
+
+// The mean drift of one step at p: b away from the target (with several
+// roots and no association the target's coordinates come from random
+// roots, so the mean is taken over a few of them).
+static XYZ DriftPerStep(XYZ p) {
+  const GROWTHSTATE &g = growthstate;
+  XYZ m = {0, 0, 0};
+  int nroots = g.nroots;
+  if (!(g.bias > 0) || nroots <= 0) return m;
+  double b = g.bias * 0.01 * g.branchlength;
+  int samples = g.associate || nroots == 1 ? 1 : 8;
+  for (int k = 0; k < samples; k++) {
+    XYZ t;
+    if (g.associate) {
+      t = cells[ncells % nroots].p;
+    } else {
+      int kx = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
+      int ky = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
+      int kz = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
+      t.x = cells[kx].p.x;
+      t.y = cells[ky].p.y;
+      t.z = cells[kz].p.z;
+    }
+    XYZ v = {p.x - t.x, p.y - t.y, p.z - t.z};
+    Normalise(&v);
+    m.x += v.x * b / samples;
+    m.y += v.y * b / samples;
+    m.z += v.z * b / samples;
+  }
+  return m;
+}
+
+// The release sphere's radius less a margin for rounding: a jump ends
+// inside it.
+static double Wall(void) {
+  double limit = growthstate.radius + 2 * growthstate.branchlength;
+  return limit * (1 - 1e-9) - 1e-9;
+}
+
+// The largest sphere around p the jump may use: free of cells' reach, small
+// next to the release sphere (which reflects what crosses it, as a flat
+// wall would), and with room for the swirl, which carries a point at
+// distance rho from the z axis about rho * angle a step.
+static double JumpRadius(XYZ p, double spin) {
+  double wall = Wall();
+  if (!(Modulus(p) < wall)) return 0;
+  double clear = IndexClearance(p);
+  double d = clear < FOLDSHARE * wall ? clear : FOLDSHARE * wall;
+  if (spin > 0) {
+    // d + spin * SPINBOUND * d^2 / bl^2 <= clear
+    double a = SPINBOUND * spin / (growthstate.branchlength * growthstate.branchlength);
+    double most = (-1 + sqrt(1 + 4 * a * clear)) / (2 * a);
+    if (most < d) d = most;
+  }
+  return d;
+}
+
+int Jump(long most, JUMP *jump) {
+  GROWTHSTATE &g = growthstate;
+  if (growthsearch != SEARCH_INDEX || (int)cells.size() < g.nroots) return 0;
+  if (!SearchIndexCurrent()) SyncSearchIndex();
+  if (!searchindex.valid) return 0;
+  double bl = g.branchlength, variance = bl * bl / 3;
+  XYZ p = g.particle;
+  double angle = g.rotation * DTOR;
+  double spin = sqrt(p.x * p.x + p.y * p.y) * fabs(angle);
+  double d = JumpRadius(p, spin);
+  if (!(d >= WALK_MINJUMP * bl)) return 0;
+
+  XYZ m = DriftPerStep(p);
+  double drift = Modulus(m), kappa = drift * d / variance;
+  double tau = ExitTime(kappa);
+  double exact = tau * d * d / variance;
+  long steps = exact < 1 ? 1 : exact > 1e12 ? (long)1e12 : (long)(exact + 0.5);
+  long life = GROWTH_LIFESPAN - g.lifespan % GROWTH_LIFESPAN;
+  jump->radius = d;
+  jump->from = p;
+  jump->died = 0;
+  if (steps >= life && life <= most) {
+    // The life span ends inside the sphere, where nothing can happen.
+    g.lifespan += (int)life;
+    jump->steps = life;
+    jump->died = 1;
+    jump->to = p;
+    return 1;
+  }
+  if (steps > most) return 0;
+  if (spin > 0 && d + spin * steps > IndexClearance(p)) return 0;  // a rare long one
+
+  XYZ axis = m;
+  if (drift > 0) {
+    axis.x /= drift;
+    axis.y /= drift;
+    axis.z /= drift;
+  }
+  XYZ dir = VonMisesFisher(axis, drift > 0 ? kappa : 0);
+  XYZ q = {p.x + d * dir.x, p.y + d * dir.y, p.z + d * dir.z};
+  // The release sphere turns the steps that would leave it back: a point
+  // beyond it is reflected inwards, which brings it no farther from p.
+  double r = Modulus(q), wall = Wall();
+  if (r > wall) {
+    double inside = (2 * wall - r) / r;
+    q.x *= inside;
+    q.y *= inside;
+    q.z *= inside;
+  }
+  if (spin > 0) {
+    XYZ zaxis = {0, 0, 1};
+    q = ArbitraryRotate(q, steps * angle, zaxis);
+  }
+  g.particle = q;
+  g.lifespan += (int)steps;
+  jump->steps = steps;
+  jump->to = q;
+  return 1;
+}
+
+long FastWalkSteps(long n) {
+  GROWTHSTATE &g = growthstate;
+  if (n <= 0) return 0;
+  if (g.lifespan % GROWTH_LIFESPAN == 0) {  // a new particle is due
+    IterateSystem();
+    return 1;
+  }
+  JUMP jump;
+  if (Jump(n, &jump)) return jump.steps;
+  // Near cells or the release sphere: a few exact steps, then look again.
+  return IterateExactSteps(n < 4 ? n : 4);
+}

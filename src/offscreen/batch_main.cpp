@@ -1,0 +1,8 @@
+// dla3d-batch with offscreen pictures (--png).
+#include "batch/batch.h"
+#include "offscreen/picture.h"
+
+int main(int argc, char **argv) {
+  batchpicture = WritePicturePNG;
+  return BatchMain(argc, argv);
+}

@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "batch/batch.h"
+#include "growth/growth.h"
+#include "growth/index.h"
+#include "growth/random.h"
+#include "growth/walk.h"
+#include "surface/samples.h"
+#include "test_util.h"
+
+namespace {
+
+using Walks = Fresh;
+
+// Owed rand draws taken at once must leave the generator where as many
+// library rand() calls leave it: below and above the one-by-one limit, and
+// far beyond it.
+TEST_F(Walks, OwedRandDrawsJumpAheadExactly) {
+  for (unsigned long n : {1ul, 30ul, 1999ul, 2000ul, 2001ul, 123457ul, 40000003ul}) {
+    srand(4711);
+    for (unsigned long k = 0; k < n; k++) rand();
+    GrowthSrand(4711);
+    SkipGrowthRand(n);
+    for (int k = 0; k < 40; k++) ASSERT_EQ(GrowthRand(), rand()) << n << " owed, draw " << k;
+  }
+  // Seeding drops what is owed.
+  GrowthSrand(99);
+  SkipGrowthRand(5000);
+  GrowthSrand(99);
+  srand(99);
+  EXPECT_EQ(GrowthRand(), rand());
+}
+
+std::vector<CELL> Aggregate(void) { return std::vector<CELL>(cells.begin(), cells.begin() + ncells); }
+
+void ExpectSame(const std::vector<CELL> &a, const std::vector<CELL> &b, const char *what) {
+  ASSERT_EQ(a.size(), b.size()) << what;
+  for (size_t i = 0; i < a.size(); i++) {
+    ASSERT_EQ(memcmp(&a[i].p, &b[i].p, sizeof(XYZ)), 0) << what << ": cell " << i;
+    ASSERT_EQ(memcmp(&a[i].weight, &b[i].weight, sizeof(double)), 0) << what << ": cell " << i;
+    ASSERT_EQ(a[i].parent, b[i].parent) << what << ": cell " << i;
+  }
+}
+
+// Grows to n cells: the plain scan one step at a time (every rand drawn),
+// or the index in runs of steps (one root's rand draws owed).
+void GrowTo(int n, int runs) {
+  for (long k = 0; k < 3000000 && ncells < n;) k += runs ? IterateSystemSteps(k % 700 + 1) : (IterateSystem(), 1);
+}
+
+// The owed draws come due when rand is really needed: roots added without
+// a restart (the drift then picks random roots), a surface source (random
+// facets), after a reseed they are dropped.
+TEST_F(Walks, OwedRandDrawsGiveThePlainScansAggregate) {
+  auto grow = [](int runs) {
+    growthsearch = runs ? SEARCH_INDEX : SEARCH_SCAN;
+    ResetProgram();
+    growthstate.seed = 77;
+    InitialiseGrowth();
+    GrowTo(300, runs);
+    growthstate.nroots = 3;  // cells 1 and 2 become roots' places
+    GrowTo(450, runs);
+    growthstate.nroots = 1;
+    growthstate.sourcetype = SOURCE_STL;
+    MakeSampleSurface(SAMPLE_SPHERE);
+    GrowTo(600, runs);
+    InitialiseGrowth();  // reseeds mid-aggregate
+    growthstate.sourcetype = SOURCE_SPHERE;
+    GrowTo(700, runs);
+    growthstate.nroots = 2;
+    growthstate.bias = 0.7;
+    GrowTo(800, runs);
+    growthsearch = SEARCH_INDEX;
+    return Aggregate();
+  };
+  std::vector<CELL> scan = grow(0);
+  ExpectSame(scan, grow(1), "owed rand draws");
+  EXPECT_EQ((int)scan.size(), 800);
+}
+
+double Nearest(XYZ p) {
+  double best = 1e300;
+  for (int i = 0; i < ncells; i++) {
+    double d = VectorLength(p, cells[i].p);
+    if (d < best) best = d;
+  }
+  return best;
+}
+
+// Every jump stays inside the release sphere, and its sphere (and the
+// straight way to where it lands) keeps out of reach of every cell.
+TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
+  struct { const char *what; std::function<void()> setup; } cases[] = {
+      {"defaults", [] {}},
+      {"drift and swirl", [] { growthstate.bias = 1; growthstate.rotation = 3; }},
+      {"branch length 2.5, swirl against", [] { growthstate.branchlength = 2.5; growthstate.rotation = -4; }},
+      {"four roots, association", [] {
+         growthstate.nroots = 4;
+         growthstate.rootdistribution = ROOT_RINGZ;
+         growthstate.associate = 1;
+         InitialiseGrowth();
+         ResetSeeds();
+       }},
+      {"four random roots", [] {
+         growthstate.nroots = 4;
+         growthstate.rootdistribution = ROOT_SPHERICAL;
+         growthstate.rootrange = 30;
+         InitialiseGrowth();
+         ResetSeeds();
+       }},
+  };
+  int died = 0;  // life spans that ended inside a jump
+  for (auto &c : cases) {
+    ResetProgram();
+    growthstate.seed = 5;
+    c.setup();
+    InitialiseGrowth();
+    int jumps = 0;
+    for (long calls = 0; calls < 2000000 && ncells < 600; calls++) {
+      JUMP jump;
+      if (growthstate.lifespan % GROWTH_LIFESPAN == 0) {
+        IterateSystem();
+      } else if (Jump(1 << 20, &jump)) {
+        if (jump.died) {
+          died++;
+          ASSERT_EQ(growthstate.lifespan % GROWTH_LIFESPAN, 0) << c.what;
+          continue;
+        }
+        jumps++;
+        double limit = growthstate.radius + 2 * growthstate.branchlength;
+        ASSERT_LE(Modulus(jump.to), limit) << c.what << ", jump " << jumps;
+        double away = VectorLength(jump.to, jump.from);
+        double span = away > jump.radius ? away : jump.radius;
+        ASSERT_GE(jump.radius, WALK_MINJUMP * growthstate.branchlength) << c.what;
+        ASSERT_GE(Nearest(jump.from), span + growthstate.branchlength) << c.what << ", jump " << jumps;
+      } else {
+        IterateExactSteps(4);
+      }
+    }
+    EXPECT_GE(ncells, 600) << c.what;
+    EXPECT_GT(jumps, 1000) << c.what;
+  }
+  EXPECT_GT(died, 0);
+}
+
+int Batch(std::vector<std::string> words, std::string *err) {
+  words.insert(words.begin(), "dla3d-batch");
+  std::vector<char *> argv;
+  for (std::string &s : words) argv.push_back(&s[0]);
+  char *buf = NULL;
+  size_t len = 0;
+  FILE *fp = open_memstream(&buf, &len);
+  static BATCHRUN run;
+  int status = ParseBatchOptions((int)argv.size(), argv.data(), &run, fp);
+  if (status == BATCH_OK) status = RunBatch(&run, fp);
+  fclose(fp);
+  *err = std::string(buf, len);
+  free(buf);
+  return status;
+}
+
+TEST_F(Walks, BatchRefusesWhatTheFastWalkCannotDo) {
+  std::string err;
+  EXPECT_EQ(Batch({"--walk", "quick"}, &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
+  EXPECT_EQ(Batch({"--walk", "fast", "--search", "scan"}, &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
+  EXPECT_EQ(Batch({"--walk"}, &err), BATCH_USAGE);
+}
+
+// The jumps draw from their own numbers, seeded from --seed: a seed
+// repeats a fast run, and the exact walk is not disturbed by one.
+TEST_F(Walks, FastRunsRepeatForASeed) {
+  std::string err;
+  auto grow = [&](const char *walk, const char *seed) {
+    ResetProgram();  // the batch expects a fresh program
+    EXPECT_EQ(Batch({"--walk", walk, "--seed", seed, "--cells", "700", "--rotation", "1"}, &err),
+              BATCH_OK) << err;
+    return Aggregate();
+  };
+  std::vector<CELL> exact = grow("exact", "3");
+  std::vector<CELL> fast = grow("fast", "3");
+  ExpectSame(fast, grow("fast", "3"), "same seed");
+  ExpectSame(exact, grow("exact", "3"), "exact after fast");
+  std::vector<CELL> other = grow("fast", "4");
+  EXPECT_NE(memcmp(&fast[699].p, &other[699].p, sizeof(XYZ)), 0);
+  EXPECT_NE(memcmp(&fast[699].p, &exact[699].p, sizeof(XYZ)), 0);
+}
+
+}  // namespace

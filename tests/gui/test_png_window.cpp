@@ -1,0 +1,52 @@
+// The window's side of the picture test (test_png.sh): takes dla3d-batch's
+// options, --png included, and runs the batch program's own RunBatch; where
+// the batch program would draw offscreen, this opens a GLUT window of the
+// picture's size and lets the desktop's display callback (HandleDisplay)
+// draw three frames, the last with a window dump (w): 0000.tga in the
+// current directory. The information overlay is off (F2).
+//   test_png_window --encode RAW WIDTH HEIGHT OUT.tga
+// writes pixels (RGBA, rows from the bottom) as the window dump writes its
+// own, so that a picture can be compared with a dump byte for byte: the
+// dump's run-length coding rewrites a few pixels by design.
+#include <GL/freeglut.h>
+#include <stdio.h>
+#include <stdlib.h>  // atoi()
+#include <string.h>  // strcmp()
+
+#include <vector>
+
+#include "app/records.h"
+#include "batch/batch.h"
+#include "desktop/view/display.h"
+#include "lib/bitmap.h"
+
+static int DumpWindow(const char *path, int width, int height, FILE *err) {
+  glutInitWindowSize(width, height);
+  glutCreateWindow("test_png_window");
+  glutDisplayFunc(HandleDisplay);
+  options.showinfo = 0;
+  // The first frame only compiles the surface list; the third is dumped.
+  for (int frame = 0; frame < 3; frame++) {
+    options.windowdump = frame == 2;
+    glutPostRedisplay();
+    for (int i = 0; i < 20 && (frame < 2 || options.windowdump); i++) glutMainLoopEvent();
+  }
+  if (options.windowdump) fprintf(err, "test_png_window: the window was never drawn\n");
+  return !options.windowdump;
+}
+
+int main(int argc, char **argv) {
+  if (argc == 6 && strcmp(argv[1], "--encode") == 0) {
+    int width = atoi(argv[3]), height = atoi(argv[4]);
+    std::vector<unsigned char> pixels(4 * (size_t)width * height);
+    FILE *in = fopen(argv[2], "rb");
+    FILE *out = fopen(argv[5], "wb");
+    if (!in || !out || fread(pixels.data(), 1, pixels.size(), in) != pixels.size()) return 1;
+    Write_Bitmap(out, pixels.data(), width, height, BITMAP_TGARLE24);
+    return fclose(out) != 0;
+  }
+  glutInit(&argc, argv);
+  glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
+  batchpicture = DumpWindow;
+  return BatchMain(argc, argv);
+}
