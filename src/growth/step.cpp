@@ -13,9 +13,6 @@ static void Veto(const char *why) {
   if (options.debug) fwrite(why, strlen(why), 1, stderr);
 }
 
-// 1 when the branch from the particle to cell best would pass within the
-// intersection range of another branch. Roots have no branch and are
-// skipped.
 // The plain search: every cell, newest first, until one is within a branch
 // length. Returns 1 on a touch, the cell in *best.
 static int ScanCells(XYZ p, int associate, int nroots, int rootclass, int *best) {
@@ -39,6 +36,9 @@ static int ScanCells(XYZ p, int associate, int nroots, int rootclass, int *best)
   return 0;
 }
 
+// 1 when the branch from the particle to cell best would pass within the
+// intersection range of another branch. Roots have no branch and are
+// skipped.
 static int CrossesBranch(int best) {
   GROWTHSTATE &g = growthstate;
   double range = g.intersectrange * 0.01 * g.branchlength;
