@@ -345,25 +345,25 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
         CopyName((char *)Field(run, o, o->offset), path, 256);
         break;
       }
-      case BOPT_SEARCH: {
-        const char *how = argv[++i];
-        if (strcmp(how, "index") == 0)
-          run->search = SEARCH_INDEX;
-        else if (strcmp(how, "scan") == 0)
-          run->search = SEARCH_SCAN;
-        else {
-          fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
-          return BATCH_USAGE;
-        }
-        break;
-      }
+      case BOPT_SEARCH:
       case BOPT_WALK: {
+        static const struct {
+          int kind;
+          const char *word;
+          int value;
+        } words[] = {{BOPT_SEARCH, "index", SEARCH_INDEX},
+                     {BOPT_SEARCH, "scan", SEARCH_SCAN},
+                     {BOPT_WALK, "exact", WALK_EXACT},
+                     {BOPT_WALK, "fast", WALK_FAST}};
         const char *how = argv[++i];
-        if (strcmp(how, "exact") == 0)
-          run->walk = WALK_EXACT;
-        else if (strcmp(how, "fast") == 0)
-          run->walk = WALK_FAST;
-        else {
+        int found = 0;
+        for (const auto &w : words) {
+          if (w.kind == o->kind && strcmp(how, w.word) == 0) {
+            *(int *)Field(run, o, o->offset) = w.value;
+            found = 1;
+          }
+        }
+        if (!found) {
           fprintf(err, "%s: %s: \"%s\" is not allowed (allowed: %s)\n", programname, o->name, how, o->range);
           return BATCH_USAGE;
         }
