@@ -84,18 +84,24 @@ void POVHeader(FILE *fp) {
 // gets the single default one.
 static int PerRootTextures(void) { return growthstate.associate && growthstate.nroots >= 2; }
 
+// An identity transform, commented out, for the user to edit; indent is
+// the indentation of the object it belongs to.
+static void POVTransformComment(FILE *fp, const char *indent) {
+  fprintf(fp, "%s/*\n", indent);
+  fprintf(fp, "%stransform {\n", indent);
+  fprintf(fp, "%s scale <1,1,1>\n", indent);
+  fprintf(fp, "%s rotate <0,0,0>\n", indent);
+  fprintf(fp, "%s translate <0,0,0>\n", indent);
+  fprintf(fp, "%s}\n", indent);
+  fprintf(fp, "%s*/\n", indent);
+}
+
 void POVFooter(FILE *fp) {
   fprintf(fp, "// An instance of the dla structure\n");
   fprintf(fp, "object {\n");
   fprintf(fp, " DLA3D\n");
   if (!PerRootTextures()) fprintf(fp, " texture { DLATEXTURE0 }\n");
-  fprintf(fp, " /*\n");
-  fprintf(fp, " transform {\n");
-  fprintf(fp, "  scale <1,1,1>\n");
-  fprintf(fp, "  rotate <0,0,0>\n");
-  fprintf(fp, "  translate <0,0,0>\n");
-  fprintf(fp, " }\n");
-  fprintf(fp, " */\n");
+  POVTransformComment(fp, " ");
   fprintf(fp, "}\n\n");
 }
 
@@ -298,13 +304,7 @@ static void WriteSurface(FILE *fp, int format) {
   if (format == MODEL_STL) fprintf(fp, "endsolid");
   if (format == MODEL_POVRAY) {
     fprintf(fp, "  texture { STLTEXTURE }\n");
-    fprintf(fp, "  /*\n");
-    fprintf(fp, "  transform {\n");
-    fprintf(fp, "   scale <1,1,1>\n");
-    fprintf(fp, "   rotate <0,0,0>\n");
-    fprintf(fp, "   translate <0,0,0>\n");
-    fprintf(fp, "  }\n");
-    fprintf(fp, "  */\n");
+    POVTransformComment(fp, "  ");
     fprintf(fp, " }\n");
     fprintf(fp, "#end\n\n");
   }
