@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-
+// The walk: owed rand draws taken at once, jumps across space the index
+// proves empty, and the batch program's choice between the two walks.
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "batch/batch.h"
@@ -52,7 +48,14 @@ void ExpectSame(const std::vector<CELL> &a, const std::vector<CELL> &b, const ch
 // Grows to n cells: the plain scan one step at a time (every rand drawn),
 // or the index in runs of steps (one root's rand draws owed).
 void GrowTo(int n, int runs) {
-  for (long k = 0; k < 3000000 && ncells < n;) k += runs ? IterateSystemSteps(k % 700 + 1) : (IterateSystem(), 1);
+  for (long k = 0; k < 3000000 && ncells < n;) {
+    if (runs) {
+      k += IterateSystemSteps(k % 700 + 1);
+    } else {
+      IterateSystem();
+      k++;
+    }
+  }
 }
 
 // The owed draws come due when rand is really needed: roots added without
@@ -94,6 +97,15 @@ double Nearest(XYZ p) {
   return best;
 }
 
+void FourRoots(int distribution, double range, int associate) {
+  growthstate.nroots = 4;
+  growthstate.rootdistribution = distribution;
+  growthstate.rootrange = range;
+  growthstate.associate = associate;
+  InitialiseGrowth();
+  ResetSeeds();
+}
+
 // Every jump stays inside the release sphere, and its sphere (and the
 // straight way to where it lands) keeps out of reach of every cell.
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
@@ -101,20 +113,8 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
       {"defaults", [] {}},
       {"drift and swirl", [] { growthstate.bias = 1; growthstate.rotation = 3; }},
       {"branch length 2.5, swirl against", [] { growthstate.branchlength = 2.5; growthstate.rotation = -4; }},
-      {"four roots, association", [] {
-         growthstate.nroots = 4;
-         growthstate.rootdistribution = ROOT_RINGZ;
-         growthstate.associate = 1;
-         InitialiseGrowth();
-         ResetSeeds();
-       }},
-      {"four random roots", [] {
-         growthstate.nroots = 4;
-         growthstate.rootdistribution = ROOT_SPHERICAL;
-         growthstate.rootrange = 30;
-         InitialiseGrowth();
-         ResetSeeds();
-       }},
+      {"four roots, association", [] { FourRoots(ROOT_RINGZ, 10, 1); }},
+      {"four random roots", [] { FourRoots(ROOT_SPHERICAL, 30, 0); }},
   };
   int died = 0;  // life spans that ended inside a jump
   for (auto &c : cases) {
@@ -150,39 +150,22 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
   EXPECT_GT(died, 0);
 }
 
-int Batch(std::vector<std::string> words, std::string *err) {
-  words.insert(words.begin(), "dla3d-batch");
-  std::vector<char *> argv;
-  for (std::string &s : words) argv.push_back(&s[0]);
-  char *buf = NULL;
-  size_t len = 0;
-  FILE *fp = open_memstream(&buf, &len);
-  static BATCHRUN run;
-  int status = ParseBatchOptions((int)argv.size(), argv.data(), &run, fp);
-  if (status == BATCH_OK) status = RunBatch(&run, fp);
-  fclose(fp);
-  *err = std::string(buf, len);
-  free(buf);
-  return status;
-}
-
 TEST_F(Walks, BatchRefusesWhatTheFastWalkCannotDo) {
   std::string err;
-  EXPECT_EQ(Batch({"--walk", "quick"}, &err), BATCH_USAGE);
+  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
   EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
-  EXPECT_EQ(Batch({"--walk", "fast", "--search", "scan"}, &err), BATCH_USAGE);
+  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
   EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
-  EXPECT_EQ(Batch({"--walk"}, &err), BATCH_USAGE);
+  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
 }
 
 // The jumps draw from their own numbers, seeded from --seed: a seed
 // repeats a fast run, and the exact walk is not disturbed by one.
 TEST_F(Walks, FastRunsRepeatForASeed) {
   std::string err;
-  auto grow = [&](const char *walk, const char *seed) {
+  auto grow = [&](const std::string &walk, const std::string &seed) {
     ResetProgram();  // the batch expects a fresh program
-    EXPECT_EQ(Batch({"--walk", walk, "--seed", seed, "--cells", "700", "--rotation", "1"}, &err),
-              BATCH_OK) << err;
+    EXPECT_EQ(Batch("--walk " + walk + " --seed " + seed + " --cells 700 --rotation 1", &err), BATCH_OK) << err;
     return Aggregate();
   };
   std::vector<CELL> exact = grow("exact", "3");
