@@ -18,6 +18,7 @@
 #include "app/records.h"
 #include "app/startup.h"
 #include "batch/batch.h"
+#include "growth/growth.h"
 
 // The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
@@ -28,10 +29,10 @@ class Fresh : public testing::Test {
 inline XYZ V(double x, double y, double z) { return XYZ{x, y, z}; }
 
 #define EXPECT_XYZ(p, ex, ey, ez, tol) \
-  do {                               \
-    EXPECT_NEAR((p).x, ex, tol);     \
-    EXPECT_NEAR((p).y, ey, tol);     \
-    EXPECT_NEAR((p).z, ez, tol);     \
+  do {                                 \
+    EXPECT_NEAR((p).x, ex, tol);       \
+    EXPECT_NEAR((p).y, ey, tol);       \
+    EXPECT_NEAR((p).z, ez, tol);       \
   } while (0)
 
 // A directory of its own under TMPDIR (or /tmp), removed with its files.
@@ -82,6 +83,13 @@ inline std::string DebugOutput(const std::function<void()> &f) {
   f();
   options.debug = 0;
   return testing::internal::GetCapturedStderr();
+}
+
+// One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.
+inline long Steps(long run) {
+  if (run) return IterateSystemSteps(run);
+  IterateSystem();
+  return 1;
 }
 
 // The batch program's record of its options; large, so not on the stack.

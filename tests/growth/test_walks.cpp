@@ -48,14 +48,7 @@ void ExpectSame(const std::vector<CELL> &a, const std::vector<CELL> &b, const ch
 // Grows to n cells: the plain scan one step at a time (every rand drawn),
 // or the index in runs of steps (one root's rand draws owed).
 void GrowTo(int n, int runs) {
-  for (long k = 0; k < 3000000 && ncells < n;) {
-    if (runs) {
-      k += IterateSystemSteps(k % 700 + 1);
-    } else {
-      IterateSystem();
-      k++;
-    }
-  }
+  for (long k = 0; k < 3000000 && ncells < n;) k += Steps(runs ? k % 700 + 1 : 0);
 }
 
 // The owed draws come due when rand is really needed: roots added without
@@ -109,7 +102,10 @@ void FourRoots(int distribution, double range, int associate) {
 // Every jump stays inside the release sphere, and its sphere (and the
 // straight way to where it lands) keeps out of reach of every cell.
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
-  struct { const char *what; std::function<void()> setup; } cases[] = {
+  struct {
+    const char *what;
+    std::function<void()> setup;
+  } cases[] = {
       {"defaults", [] {}},
       {"drift and swirl", [] { growthstate.bias = 1; growthstate.rotation = 3; }},
       {"branch length 2.5, swirl against", [] { growthstate.branchlength = 2.5; growthstate.rotation = -4; }},
