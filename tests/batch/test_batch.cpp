@@ -79,12 +79,12 @@ TEST_F(BatchRun, CsvCellsSurfaceAndSlicesAsTheWindowMakesThem) {
   const char *p = text.c_str() + 26;
   for (int i = 0, used = 0; i < ncells; i++, p += used) {  // %.17g gives every double back exactly
     int index, parent;
-    double xyzw[4];
-    ASSERT_EQ(sscanf(p, "%d,%d,%lf,%lf,%lf,%lf\n%n", &index, &parent, &xyzw[0], &xyzw[1], &xyzw[2], &xyzw[3], &used), 6);
+    double v[4];
+    ASSERT_EQ(sscanf(p, "%d,%d,%lf,%lf,%lf,%lf\n%n", &index, &parent, &v[0], &v[1], &v[2], &v[3], &used), 6);
     EXPECT_EQ(index, i);
     EXPECT_EQ(parent, cells[i].parent);
-    EXPECT_EQ(memcmp(xyzw, &cells[i].p, sizeof(XYZ)), 0) << i;
-    EXPECT_EQ(memcmp(&xyzw[3], &cells[i].weight, sizeof(double)), 0) << i;
+    EXPECT_EQ(memcmp(v, &cells[i].p, sizeof(XYZ)), 0) << i;
+    EXPECT_EQ(memcmp(&v[3], &cells[i].weight, sizeof(double)), 0) << i;
   }
   EXPECT_EQ(*p, '\0');
   uint64_t batch = AggregateHash();
