@@ -43,9 +43,7 @@ void HandScene(void) {
   camera.aperture = 50;
 }
 
-std::string Written(int format, int variant) {
-  return Capture([=](FILE *fp) { WriteModel(fp, format, variant); });
-}
+std::string Written(int format, int variant) { return Capture([=](FILE *fp) { WriteModel(fp, format, variant); }); }
 
 TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
   HandScene();
@@ -136,17 +134,18 @@ TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
 TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
   HandScene();
   std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
-  for (const char *line :
-       {"/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: "
-        "10\n*/\n\n#declare DLARADIUS = 10;\n",
-        "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n", "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
-        "\n angle 50 // Aperture in degrees\n",
-        "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
-        "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n finish { thefinish }\n normal { "
-        "thenormal }\n}\n\n"
-        "// STL surface information\n#declare SHOWSTL = 1; // 0 is off, 1 is on\n#declare STLTEXTURE = texture {\n"
-        " pigment { color rgbt <0.8,0.8,1.0,0.75> }\n}\n\n// The DLA structure\n#declare DLA3D = union {\n cone {\n"})
-    EXPECT_NE(s.find(line), std::string::npos) << line;
+  const char *head[] = {
+      "/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n"
+      "#declare DLARADIUS = 10;\n",
+      "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n",
+      "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
+      "\n angle 50 // Aperture in degrees\n",
+      "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
+      "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n finish { thefinish }\n"
+      " normal { thenormal }\n}\n\n// STL surface information\n#declare SHOWSTL = 1; // 0 is off, 1 is on\n"
+      "#declare STLTEXTURE = texture {\n pigment { color rgbt <0.8,0.8,1.0,0.75> }\n}\n\n"
+      "// The DLA structure\n#declare DLA3D = union {\n cone {\n"};
+  for (const char *line : head) EXPECT_NE(s.find(line), std::string::npos) << line;
   std::string body;
   const char *seg[5][3] = {{"0,0,0>,   CalcRadius(3,3)", "0,0,1>,   CalcRadius(3,3)", "0"},
                            {"0,0,1>,   CalcRadius(3,3)", "0,1,2>,   CalcRadius(1,3)", "1"},
@@ -182,16 +181,16 @@ TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
   // From the top: 6-2-0, 5-3-2 (stops on 2, already written), 4-1 (two
   // points: a cone). A control point beyond each end: 2 P0 - P1, 2 Pm-1 - Pm-2.
   std::string s = Written(MODEL_POVRAY, MODEL_SWEEP);
-  EXPECT_EQ(
-      s.substr(s.find("union {\n") + 8, s.find("}\n// An instance") - s.find("union {\n") - 8),
-      " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <2,0,3>,  CalcRadius(0,3)\n  <1,0,2>,  CalcRadius(0,3)\n"
-      "  <0,0,1>,  CalcRadius(3,3)\n  <0,0,0>,  CalcRadius(3,3)\n  <0,0,-1>,  CalcRadius(3,3)\n"
-      " texture { DLATEXTURE0 }\n }\n\n // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <0,3,4>,  "
-      "CalcRadius(0,3)\n"
-      "  <0,2,3>,  CalcRadius(0,3)\n  <0,1,2>,  CalcRadius(1,3)\n  <0,0,1>,  CalcRadius(3,3)\n  <0,-1,0>,  "
-      "CalcRadius(3,3)\n"
-      " texture { DLATEXTURE1 }\n }\n\n // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
-      "  <10,0,0>,   CalcRadius(1,min(2*3,3))\n  texture { DLATEXTURE0 }\n }\n\n");
+  size_t from = s.find("union {\n") + 8;
+  EXPECT_EQ(s.substr(from, s.find("}\n// An instance") - from),
+            " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <2,0,3>,  CalcRadius(0,3)\n"
+            "  <1,0,2>,  CalcRadius(0,3)\n  <0,0,1>,  CalcRadius(3,3)\n  <0,0,0>,  CalcRadius(3,3)\n"
+            "  <0,0,-1>,  CalcRadius(3,3)\n texture { DLATEXTURE0 }\n }\n\n"
+            " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <0,3,4>,  CalcRadius(0,3)\n"
+            "  <0,2,3>,  CalcRadius(0,3)\n  <0,1,2>,  CalcRadius(1,3)\n  <0,0,1>,  CalcRadius(3,3)\n"
+            "  <0,-1,0>,  CalcRadius(3,3)\n texture { DLATEXTURE1 }\n }\n\n"
+            " // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
+            "  <10,0,0>,   CalcRadius(1,min(2*3,3))\n  texture { DLATEXTURE0 }\n }\n\n");
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].traced, 1) << i;
   for (int i = 0; i < ncells; i++) cells[i].traced = 0;
   EXPECT_EQ(Written(MODEL_GEOM, MODEL_SWEEP), "# 3D DLA by Orvantide");  // walks, writes no body
@@ -262,25 +261,23 @@ TEST_F(Wrl, HeaderSphereAndFace) {
   EXPECT_NE(s.find("\n position 0 0 20\n description \"Default view\"\n fieldOfView 0.785398\n}\n"), std::string::npos);
   const COLOUR mixed = {0.25, 0.5, 1};
   EXPECT_EQ(Capture([&](FILE *fp) { WRLSphere(fp, V(1, -2, 3.5), mixed, 0.3); }),
-            "Transform {\n translation 1,-2,3.5\n children [\n  Shape {\n   appearance Appearance {\n    material "
-            "Material {\n"
-            "     diffuseColor 0.25 0.5 1\n    }\n   }\n   geometry Sphere {\n    radius 0.3\n   }\n  }\n ]\n}\n");
+            "Transform {\n translation 1,-2,3.5\n children [\n  Shape {\n   appearance Appearance {\n"
+            "    material Material {\n     diffuseColor 0.25 0.5 1\n    }\n   }\n"
+            "   geometry Sphere {\n    radius 0.3\n   }\n  }\n ]\n}\n");
   XYZ tri[3] = {V(0, 0, -2), V(1, 0, -2), V(0, 1.5, -2)};
-  EXPECT_EQ(
-      Capture([&](FILE *fp) { WRLFace(fp, tri, 3, mixed); }),
-      "Shape {\n appearance Appearance {\n  material Material {\n   diffuseColor 0.25 0.5 1\n  }\n }\n"
-      " geometry IndexedFaceSet {\n  coord  Coordinate {\n   point [\n    0 0 -2,\n    1 0 -2,\n    0 1.5 -2 \n   ]\n"
-      "  }\n  coordIndex [\n    0,    1,    2,  -1\n  ]\n  solid FALSE\n }\n}\n");
+  EXPECT_EQ(Capture([&](FILE *fp) { WRLFace(fp, tri, 3, mixed); }),
+            "Shape {\n appearance Appearance {\n  material Material {\n   diffuseColor 0.25 0.5 1\n  }\n }\n"
+            " geometry IndexedFaceSet {\n  coord  Coordinate {\n   point [\n    0 0 -2,\n    1 0 -2,\n"
+            "    0 1.5 -2 \n   ]\n  }\n  coordIndex [\n    0,    1,    2,  -1\n  ]\n  solid FALSE\n }\n}\n");
 }
 
 TEST_F(Wrl, ConePointsAndIndexLists) {
   const COLOUR red = {1, 0, 0};
   // Axis (0,0,1): B = (1,0,0), A = (0,1,0); one side at angle 0, u = A.
   std::string s = Capture([&](FILE *fp) { WRLCone2(fp, 1, 1, V(0, 0, 1), V(0, 0, 0), red, 2, 0.5); });
-  EXPECT_NE(s.find("   point [\n    0 2 1,\n    0 0.5 0,\n    0 0 1,\n    0 0 0\n   ]\n  }\n  coordIndex [\n"
-                   "    1,3,1,-1,    0,2,0,-1,    0,1,1,0,-1 \n  ]\n  solid FALSE\n"),
-            std::string::npos)
-      << s;
+  std::string want = "   point [\n    0 2 1,\n    0 0.5 0,\n    0 0 1,\n    0 0 0\n   ]\n  }\n  coordIndex [\n"
+                     "    1,3,1,-1,    0,2,0,-1,    0,1,1,0,-1 \n  ]\n  solid FALSE\n";
+  EXPECT_NE(s.find(want), std::string::npos) << s;
   // Axis (0,1,0) has no x or z: the x helper, B = (0,0,1), A = (1,0,0).
   s = Capture([&](FILE *fp) { WRLCone2(fp, 1, 0, V(0, 1, 0), V(0, 0, 0), red, 2, 1); });
   EXPECT_NE(s.find("   point [\n    2 1 0,\n    1 0 0,\n    0 1 0,\n    0 0 0\n   ]\n"), std::string::npos) << s;

@@ -43,9 +43,8 @@ TEST_F(Slicing, TwoSlabsShareTheirBoundaryInTheCurrentDirectory) {
   EXPECT_EQ(DoSlice(2, V(0, 0, 1)), 1);
   std::string err = testing::internal::GetCapturedStderr();
   ASSERT_EQ(chdir(old), 0);
-  EXPECT_EQ(err,
-            "Slice 0, distance: 10 to 0\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
-            "      Tracing branch node from 0 -> 2\nSlice 1, distance: 0 to -10\n");
+  EXPECT_EQ(err, "Slice 0, distance: 10 to 0\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
+                 "      Tracing branch node from 0 -> 2\nSlice 1, distance: 0 to -10\n");
   // Slab 0: the second segment leaves through the lower bound, inside end first; slab 1: the first, crossing first.
   EXPECT_EQ(Slice(s.dir, 2, V(0, 0, 1)), "1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n|");
   // Slab 0 is the one nearest +radius along the normal.
@@ -65,10 +64,9 @@ TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   EXPECT_EQ(Slice(s.dir, 3, V(0, 0, 1), &err),
             "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
             "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
-  EXPECT_EQ(err,
-            "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
-            "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
-            "Slice 2, distance: -10 to -30\n");
+  EXPECT_EQ(err, "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
+                 "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
+                 "Slice 2, distance: -10 to -30\n");
   options.debug = 1;  // the descendants announced too, in slab 0 only
   Slice(s.dir, 3, V(0, 0, 1), &err);
   EXPECT_NE(err.find("0 -> 1\n      Tracing branch node from 1 -> 4\n   Processing seed node 2\n"), std::string::npos)
@@ -89,9 +87,8 @@ TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
   std::string err;
   std::string out = Capture([&](FILE *fp) { err = DebugOutput([&] { TraceBranch(0, 1, fp, 0, upper, lower); }); });
   EXPECT_EQ(out, "0 0 0 1 0 0\n0 0 0 2 0 0\n2 0 0 5 0 0\n1 0 0 3 0 0\n1 0 0 4 0 0\n");
-  EXPECT_EQ(err,
-            "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
-            "      Tracing branch node from 1 -> 3\n      Tracing branch node from 1 -> 4\n");
+  EXPECT_EQ(err, "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
+                 "      Tracing branch node from 1 -> 3\n      Tracing branch node from 1 -> 4\n");
   for (int j = 0; j < ncells; j++) EXPECT_EQ(cells[j].traced, 1);
   for (int j = 0; j < ncells; j++) cells[j].traced = 0;
   Capture([&](FILE *fp) { err = DebugOutput([&] { TraceBranch(0, 1, fp, 3, upper, lower); }); });

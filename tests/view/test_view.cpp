@@ -125,13 +125,12 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   for (int i = 0, n = InfoLines(lines, MAXINFOLINES, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "\n";
   // One root: no distribution lines; no surface: the particles 26 below its name.
-  EXPECT_EQ(got,
-            "10,574 Version: 1.02\n10,561 Seed: 7\n10,548 Bias towards origin: 2.5% of step length\n"
-            "10,535 Branch length: 1.5\n10,522 Stickiness: 80%\n10,509 Rotation: -3 degrees about z axis\n"
-            "10,496 Branch thickness: 0.4 to 0.01\n10,483 Intersection range: 10% of branch length\n"
-            "10,470 Seed association: Off\n10,457 Number of roots: 1\n10,444 Source type: Unknown\n"
-            "10,431 Constraint surface: None\n10,405 Number of particles: 1\n10,392 Current radius: 16.0175\n"
-            "10,379 Particle life span: 310\n");
+  EXPECT_EQ(got, "10,574 Version: 1.02\n10,561 Seed: 7\n10,548 Bias towards origin: 2.5% of step length\n"
+                 "10,535 Branch length: 1.5\n10,522 Stickiness: 80%\n10,509 Rotation: -3 degrees about z axis\n"
+                 "10,496 Branch thickness: 0.4 to 0.01\n10,483 Intersection range: 10% of branch length\n"
+                 "10,470 Seed association: Off\n10,457 Number of roots: 1\n10,444 Source type: Unknown\n"
+                 "10,431 Constraint surface: None\n10,405 Number of particles: 1\n10,392 Current radius: 16.0175\n"
+                 "10,379 Particle life span: 310\n");
   g.associate = 1;
   g.nroots = 3;
   g.rootrange = 20;
