@@ -21,8 +21,7 @@ struct SETTINGS {
   void (*setup)(G &g);
 };
 
-// The aggregate's hash after growing to s.n cells, one step at a time or in
-// runs of 1 to 5000, folded with maxweight and radius after every stick.
+// The hash of s.n cells grown step by step or in runs, with maxweight and radius at every stick.
 uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
   ResetProgram();
   growthsearch = search;
@@ -125,8 +124,7 @@ TEST_F(SearchIndex, KeepsTheEarlyRejectionAndSeesNewCells) {
   RootsAround(p, {far, a, V(0, 0, -0.9)});  // 0.81: a's dx passes
   EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 1);
   EXPECT_EQ(best, 1);
-  // Far away: an empty ball, a branch length clear of the root; a cell
-  // appended next to the particle is found at once.
+  // Far away: an empty ball clear of the root; a cell appended next to the particle is found at once.
   ResetProgram();
   SyncSearchIndex();
   EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 0);
@@ -139,8 +137,7 @@ TEST_F(SearchIndex, KeepsTheEarlyRejectionAndSeesNewCells) {
   EXPECT_EQ(best, 1);
 }
 
-// An empty ball within reach of a cell would let a particle pass through the
-// aggregate. Random branches; queries from touching to beyond every field.
+// Random branches; queries from touching to beyond every field.
 TEST_F(SearchIndex, EmptyBallsKeepOutOfReachOfEveryCell) {
   for (double branchlength : {0.3, 1.0, 2.5}) {
     ResetProgram();

@@ -14,9 +14,7 @@ namespace {
 
 using Walks = Fresh;
 
-// Owed rand draws taken at once must leave the generator where as many
-// library rand() calls leave it: below and above the one-by-one limit, and
-// far beyond it.
+// Below and above the one-by-one limit, and far beyond it.
 TEST_F(Walks, OwedRandDrawsJumpAheadExactly) {
   for (unsigned long n : {1ul, 30ul, 1999ul, 2000ul, 2001ul, 123457ul, 40000003ul}) {
     srand(4711);
@@ -33,15 +31,13 @@ TEST_F(Walks, OwedRandDrawsJumpAheadExactly) {
   EXPECT_EQ(GrowthRand(), rand());
 }
 
-// Grows to n cells: the plain scan one step at a time (every rand drawn),
-// or the index in runs of steps (one root's rand draws owed).
+// Grows to n cells one step at a time (every rand drawn), or in runs (rand draws owed).
 void GrowTo(int n, int runs) {
   for (long k = 0; k < 3000000 && ncells < n;) k += Steps(runs ? k % 700 + 1 : 0);
 }
 
-// The owed draws come due when rand is really needed: roots added without
-// a restart (the drift then picks random roots), a surface source (random
-// facets), after a reseed they are dropped.
+// Owed draws come due for roots added without a restart (drift picks random roots) and
+// for a surface source (random facets); a reseed drops them.
 TEST_F(Walks, OwedRandDrawsGiveThePlainScansAggregate) {
   auto grow = [](int runs) {
     growthsearch = runs ? SEARCH_INDEX : SEARCH_SCAN;
@@ -86,8 +82,6 @@ void FourRoots(int distribution, double range, int associate) {
   ResetSeeds();
 }
 
-// Every jump stays inside the release sphere, and its sphere (and the
-// straight way to where it lands) keeps out of reach of every cell.
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
   struct {
     const char *what;
@@ -142,8 +136,7 @@ TEST_F(Walks, BatchRefusesWhatTheFastWalkCannotDo) {
   EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
 }
 
-// The jumps draw from their own numbers, seeded from --seed: a seed
-// repeats a fast run, and the exact walk is not disturbed by one.
+// The jumps draw from their own numbers, seeded from --seed.
 TEST_F(Walks, FastRunsRepeatForASeed) {
   std::string err;
   auto grow = [&](const std::string &walk, const std::string &seed) {

@@ -58,9 +58,7 @@ TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   Aggregate(30, {-2, 0, -20, -1, 2, 4, 20, 0, 12, 4, 20, -1, 8, 0, -20, 2, 0, 0, 25, 1, 8, 0, -25, 3});
   Scratch s;
   std::string err;
-  // Slab 0: A below B inside: B, crossing; both inside; A inside B below: A,
-  // crossing. Slab 1: the two crossings, upper first. Slab 2: B above A
-  // inside: crossing, A; A above B inside: crossing, B; both inside.
+  // Each slab's segments: inside end first, then the crossing.
   EXPECT_EQ(Slice(s.dir, 3, V(0, 0, 1), &err),
             "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
             "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
