@@ -88,8 +88,7 @@ TEST_F(Roots, RestartKeepsRootsTheirWeightsAndOriginsLeftovers) {
   EXPECT_EQ(ncells, 1);
   EXPECT_EQ(cells[0].weight, before[0].weight);  // kept, while maxweight starts again
   EXPECT_EQ(growthstate.maxweight, 0);
-  // "Origin" with 5 roots places one; a restart alone then takes cells 1 to
-  // 4 of the earlier aggregate as they stand.
+  // "Origin" with 5 roots places one; a restart then takes cells 1 to 4 as they stand.
   growthstate.nroots = 5;
   InitialiseGrowth();
   ResetSeeds();
@@ -145,8 +144,7 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   EXPECT_EQ(growthstate.nroots, 1);
 }
 
-// The direction each source code builds from the draws r[0..2] (dx, dy, dz
-// in order), with s = 0.1 * branch length.
+// The direction each source code builds from the draws r[0..2], s = 0.1 * branch length.
 XYZ SourceDirection(int code, const double *r, double s) {
   double pm0 = r[0] < 0.5 ? -1 : 1, pm1 = r[1] < 0.5 ? -1 : 1, pm2 = r[2] < 0.5 ? -1 : 1;
   double a = (r[0] - 0.5) * s, b = (r[1] - 0.5) * s, c = (r[2] - 0.5) * s, u = 2 * (r[0] - 0.5), v = 2 * (r[1] - 0.5);
@@ -214,8 +212,7 @@ XYZ ReplayStep(unsigned seed) {
   return u;
 }
 
-// One step of a particle placed so that its random step ends at target;
-// both generators seeded with seed just before.
+// One step of a particle placed so that its random step, seeded with seed, ends at target.
 void LandAt(XYZ target, unsigned seed = 1) {
   XYZ u = ReplayStep(seed);
   double bl = growthstate.branchlength;
@@ -380,8 +377,7 @@ TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
   EXPECT_NEAR(Modulus(seeds[(nseeds - 1) % NSEEDS]), 14, 1e-12);
 }
 
-// One landing with debug on: its message, and whether it stuck. A veto
-// puts the particle back where it was before the step.
+// One landing with debug on: its message, and whether it stuck; a veto puts the particle back.
 std::string LandVetoed(XYZ target, int *stuck) {
   int before = ncells;
   XYZ u = ReplayStep(1), q = V(target.x - u.x, target.y - u.y, target.z - u.z);
@@ -408,8 +404,7 @@ TEST_F(Step, VetoesSelfIntersectionCuttingAndGaps) {
   EXPECT_EQ(LandVetoed(V(0.6, 0, 0), &stuck), "*** Cuts constraint surface\n");
   EXPECT_EQ(LandVetoed(V(-0.6, 0, 0), &stuck), "");
   EXPECT_EQ(stuck, 1);
-  // Parallel to the branch, an edge 0.2 above the particle: refused when
-  // the facet faces the particle (-z), let through when it faces away.
+  // An edge 0.2 above the branch: refused when the facet faces the particle (-z), not when it faces away.
   for (int facing = -1; facing <= 1; facing += 2) {
     ResetProgram();
     Quiet(NULL);

@@ -164,8 +164,7 @@ TEST(Colour, EveryMapAtItsStopsAndHalfWayBetweenThem) {
   for (int type : {30, 31}) ExpectColour(GetColour(-7, 0, 1, type), 1, 0, 0, 0);
 }
 
-// A sink that records batches; a vertex keeps the normal and texture
-// coordinate current when it was given, as GL would use them.
+// A sink that records batches; a vertex keeps the current normal and texture coordinate.
 struct VERT {
   float x, y, z, nx, ny, nz, s, t;
 };
@@ -278,8 +277,7 @@ TEST(Bitmap, RunLengthPacketsOfRows) {
   EXPECT_EQ(Row(all), Packets({{127, {all.begin(), all.begin() + 128}},
                                {127, {all.begin() + 128, all.begin() + 256}},
                                {43, {all.begin() + 256, all.end()}}}));
-  // 129 different: the last written with pixel 127's value, the reference
-  // carried over from the full packet.
+  // 129 different: the last written with pixel 127's value, carried over from the full packet.
   all.resize(129);
   EXPECT_EQ(Row(all), Packets({{127, {all.begin(), all.begin() + 128}}, {0x80, {all[127]}}}));
   std::vector<PIX> runs(128, A);
