@@ -15,52 +15,75 @@ namespace {
 using Limits = Fresh;
 
 long ResidentKb(void) {
-  long kb = 0; char line[256]; FILE *fp = fopen("/proc/self/status", "r");
-  while (fp && fgets(line, sizeof(line), fp) && sscanf(line, "VmRSS: %ld", &kb) != 1) {
-  }
+  long kb = 0;
+  char line[256];
+  FILE *fp = fopen("/proc/self/status", "r");
+  while (fp && fgets(line, sizeof(line), fp) && sscanf(line, "VmRSS: %ld", &kb) != 1) {}
   if (fp) fclose(fp);
   return kb;
 }
 
 TEST_F(Limits, AMillionRootsAndAMillionFacets) {
-  Scratch s; FILE *fp = fopen((s / "roots.txt").c_str(), "w");
+  Scratch s;
+  FILE *fp = fopen((s / "roots.txt").c_str(), "w");
   for (int i = 0; i < 1000000; i++) fprintf(fp, "%d %d 0.5\n", i % 1000, -(i / 1000));
-  fclose(fp); FILEMESSAGE msg = {}; ASSERT_EQ(ReadRootsFile((s / "roots.txt").c_str(), &msg), 1);
+  fclose(fp);
+  FILEMESSAGE msg = {};
+  ASSERT_EQ(ReadRootsFile((s / "roots.txt").c_str(), &msg), 1);
   InitialiseGrowth();  // a restart keeps them all as roots
-  ASSERT_EQ(ncells, 1000000); EXPECT_XYZ(roots[123456], 456, -123, 0.5, 0);
+  ASSERT_EQ(ncells, 1000000);
+  EXPECT_XYZ(roots[123456], 456, -123, 0.5, 0);
   EXPECT_DOUBLE_EQ(growthstate.radius, sqrt(999.0 * 999.0 * 2 + 0.25));
-  EXPECT_LE(cells.capacity(), 2000016u);  // amortised: at most double
+  EXPECT_LE(cells.capacity(), 2000016u);      // amortised: at most double
   fp = fopen((s / "big.stl").c_str(), "wb");  // facet i at x = i % 1000, z = i / 1000, facing +z
-  uint32_t n = 1000000; fwrite(std::string(80, ' ').data(), 80, 1, fp); fwrite(&n, 4, 1, fp);
+  uint32_t n = 1000000;
+  fwrite(std::string(80, ' ').data(), 80, 1, fp);
+  fwrite(&n, 4, 1, fp);
   for (uint32_t i = 0; i < n; i++) {
     float x = (float)(i % 1000), z = (float)(i / 1000), v[12] = {0, 0, 0, x, 0, z, x + 1, 0, z, x, 1, z};
-    fwrite(v, 4, 12, fp); fwrite("\0", 2, 1, fp);
+    fwrite(v, 4, 12, fp);
+    fwrite("\0", 2, 1, fp);
   }
-  fclose(fp); long before = ResidentKb(); ASSERT_EQ(ReadSTLFile((s / "big.stl").c_str(), &msg), 1);
-  ASSERT_EQ(nstltri, 1000000); EXPECT_EQ(stltri[n - 1].plane.d + stlmax.z, 0); EXPECT_LE(stltri.capacity(), 2000016u);
+  fclose(fp);
+  long before = ResidentKb();
+  ASSERT_EQ(ReadSTLFile((s / "big.stl").c_str(), &msg), 1);
+  ASSERT_EQ(nstltri, 1000000);
+  EXPECT_EQ(stltri[n - 1].plane.d + stlmax.z, 0);
+  EXPECT_LE(stltri.capacity(), 2000016u);
   EXPECT_LT(ResidentKb() - before, 2 * 160 * 1024L);  // a FACET is 152 bytes
 }
 
 TEST_F(Limits, LongPathsAndUnwritableDirectories) {
-  Scratch s; std::string path = s.dir;
+  Scratch s;
+  std::string path = s.dir;
   while (path.size() < 300) mkdir((path += "/" + std::string(100, 'd')).c_str(), 0755);
-  path += "/in.txt"; FILEMESSAGE msg = {};
+  path += "/in.txt";
+  FILEMESSAGE msg = {};
   EXPECT_EQ(ReadRootsFile(path.c_str(), &msg) + ReadSTLFile(path.c_str(), &msg), 0);
   EXPECT_EQ(std::string(msg.line3), path.substr(0, 255));
   WriteFile(path, "solid t\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n");
   EXPECT_NE(DebugOutput([&] { EXPECT_EQ(ReadSTLFile(path.c_str(), &msg), 1); }).find(path + "\n"), std::string::npos);
-  WriteFile(path, "1 2 3\n"); growthstate.rootdistribution = ROOT_SPHERICAL;
-  EXPECT_EQ(ReadRootsFile(path.c_str(), &msg), 1); EXPECT_EQ(std::string(growthstate.rootname), path.substr(0, 127));
-  std::string dir = path.substr(0, path.rfind('/')); testing::internal::CaptureStderr();
-  EXPECT_EQ(DoSliceIn(dir.c_str(), 2, V(1, 0, 0)), 1); testing::internal::GetCapturedStderr();
-  EXPECT_EQ(ReadFile(dir + "/slice_001.txt"), ""); WriteFile(s / "plain", "");
+  WriteFile(path, "1 2 3\n");
+  growthstate.rootdistribution = ROOT_SPHERICAL;
+  EXPECT_EQ(ReadRootsFile(path.c_str(), &msg), 1);
+  EXPECT_EQ(std::string(growthstate.rootname), path.substr(0, 127));
+  std::string dir = path.substr(0, path.rfind('/'));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DoSliceIn(dir.c_str(), 2, V(1, 0, 0)), 1);
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(ReadFile(dir + "/slice_001.txt"), "");
+  WriteFile(s / "plain", "");
   for (std::string d : {s / "missing/deeper", s / "plain", std::string("/proc")}) {
-    std::string out = d + "/out.txt"; testing::internal::CaptureStderr();
-    for (int format = MODEL_VRML; format <= MODEL_GEOMPOINTS; format++) EXPECT_EQ(SaveModelFile(out.c_str(), format, 1), 0);
+    std::string out = d + "/out.txt";
+    testing::internal::CaptureStderr();
+    for (int format = MODEL_VRML; format <= MODEL_GEOMPOINTS; format++)
+      EXPECT_EQ(SaveModelFile(out.c_str(), format, 1), 0);
     EXPECT_EQ(SaveInformationFile(out.c_str()), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // saving never reports
-    EXPECT_EQ(ReadFile(out), "(missing)"); testing::internal::CaptureStderr();
-    EXPECT_EQ(DoSliceIn(d.c_str(), 3, V(1, 0, 0)), 0); std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(ReadFile(out), "(missing)");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(DoSliceIn(d.c_str(), 3, V(1, 0, 0)), 0);
+    std::string err = testing::internal::GetCapturedStderr();
     EXPECT_NE(err.find("Failed to open output slice file \"" + d + "/slice_000.txt\"\n"), std::string::npos) << err;
     EXPECT_EQ(err.find("slice_001"), std::string::npos);
   }

@@ -10,11 +10,15 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "app/records.h"
 #include "app/startup.h"
+#include "batch/batch.h"
+#include "growth/growth.h"
 
 // The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
@@ -25,7 +29,11 @@ class Fresh : public testing::Test {
 inline XYZ V(double x, double y, double z) { return XYZ{x, y, z}; }
 
 #define EXPECT_XYZ(p, ex, ey, ez, tol) \
-  do { EXPECT_NEAR((p).x, ex, tol); EXPECT_NEAR((p).y, ey, tol); EXPECT_NEAR((p).z, ez, tol); } while (0)
+  do {                                 \
+    EXPECT_NEAR((p).x, ex, tol);       \
+    EXPECT_NEAR((p).y, ey, tol);       \
+    EXPECT_NEAR((p).z, ez, tol);       \
+  } while (0)
 
 // A directory of its own under TMPDIR (or /tmp), removed with its files.
 struct Scratch {
@@ -44,12 +52,15 @@ inline std::string ReadFile(const std::string &path) {
   if (fp == NULL) return "(missing)";
   std::string s;
   for (int c; (c = fgetc(fp)) != EOF;) s += (char)c;
-  return fclose(fp), s;
+  fclose(fp);
+  return s;
 }
 
 inline std::string WriteFile(const std::string &path, const std::string &content) {
   FILE *fp = fopen(path.c_str(), "wb");
-  if (fp) fwrite(content.data(), 1, content.size(), fp), fclose(fp);
+  if (fp == NULL) return path;
+  fwrite(content.data(), 1, content.size(), fp);
+  fclose(fp);
   return path;
 }
 
@@ -72,6 +83,39 @@ inline std::string DebugOutput(const std::function<void()> &f) {
   f();
   options.debug = 0;
   return testing::internal::GetCapturedStderr();
+}
+
+// One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.
+inline long Steps(long run) {
+  if (run) return IterateSystemSteps(run);
+  IterateSystem();
+  return 1;
+}
+
+// The batch program's record of its options; large, so not on the stack.
+inline BATCHRUN &BatchRecord(void) {
+  static BATCHRUN run;
+  return run;
+}
+
+// dla3d-batch with the words of line (split at spaces) as its arguments:
+// parsed into BatchRecord(), then run unless parse_only or refused. Its
+// status; what it writes in *err.
+inline int Batch(const std::string &line, std::string *err, bool parse_only = false) {
+  std::vector<std::string> words = {"dla3d-batch"};
+  for (size_t at = 0, end; at < line.size(); at = end + 1) {
+    end = std::min(line.find(' ', at), line.size());
+    words.push_back(line.substr(at, end - at));
+  }
+  std::vector<char *> argv;
+  for (std::string &w : words) argv.push_back(&w[0]);
+  argv.push_back(NULL);
+  int status = BATCH_USAGE;
+  *err = Capture([&](FILE *fp) {
+    status = ParseBatchOptions((int)words.size(), argv.data(), &BatchRecord(), fp);
+    if (status == BATCH_OK && !parse_only) status = RunBatch(&BatchRecord(), fp);
+  });
+  return status;
 }
 
 // FNV-1a over the positions, weights and parents of the aggregate: two runs

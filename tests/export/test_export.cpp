@@ -25,25 +25,34 @@ int donecalls;
 //   5 <- 3 (0,2,3) w0      6 <- 2 (1,0,2) w0
 void HandScene(void) {
   ncells = 0;
-  const double p[7][5] = {{0, 0, 0, 3, -1}, {10, 0, 0, 3, -1}, {0, 0, 1, 3, 0}, {0, 1, 2, 1, 2},
-                          {10, 0, -1, 1, 1}, {0, 2, 3, 0, 3}, {1, 0, 2, 0, 2}};
+  const double p[7][5] = {{0, 0, 0, 3, -1},  {10, 0, 0, 3, -1}, {0, 0, 1, 3, 0}, {0, 1, 2, 1, 2},
+                          {10, 0, -1, 1, 1}, {0, 2, 3, 0, 3},   {1, 0, 2, 0, 2}};
   for (auto &c : p) AppendCell(V(c[0], c[1], c[2]), c[3], (int)c[4]);
   GROWTHSTATE &g = growthstate;
-  g.nroots = 2, g.maxweight = 3, g.thickend = 0.1, g.thickstart = 0.5, g.radius = 10, g.associate = 1;
-  AppendFacet(V(0, 0, -2), V(1, 0, -2), V(0, 1, -2)); AppendFacet(V(0, 0, -2), V(0, 1, -2), V(0, 0, -1)); UpdateSTL();
-  camera.vp = V(1, 2, 30), camera.vu = V(0, 1, 0), camera.aperture = 50;
+  g.nroots = 2;
+  g.maxweight = 3;
+  g.thickend = 0.1;
+  g.thickstart = 0.5;
+  g.radius = 10;
+  g.associate = 1;
+  AppendFacet(V(0, 0, -2), V(1, 0, -2), V(0, 1, -2));
+  AppendFacet(V(0, 0, -2), V(0, 1, -2), V(0, 0, -1));
+  UpdateSTL();
+  camera.vp = V(1, 2, 30);
+  camera.vu = V(0, 1, 0);
+  camera.aperture = 50;
 }
 
-std::string Written(int format, int variant) {
-  return Capture([=](FILE *fp) { WriteModel(fp, format, variant); });
-}
+std::string Written(int format, int variant) { return Capture([=](FILE *fp) { WriteModel(fp, format, variant); }); }
 
 TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
-  HandScene(); Statistics();  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
+  HandScene();
+  Statistics();  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
   Statistics();  // the same aggregate again: every entry doubled, the count restarted
   EXPECT_EQ(stats.timestep, 7);
   for (int k = 0; k < 10; k++) EXPECT_EQ(stats.branchcount[k], 2 * (k == 0 ? 3 : k == 1 ? 3 : k == 2 ? 1 : 0)) << k;
-  EXPECT_EQ(options.calcstats * 10 + boxcountstate.depth, 10); ResetProgram();
+  EXPECT_EQ(options.calcstats * 10 + boxcountstate.depth, 10);
+  ResetProgram();
   for (int i = 0; i < 11; i++) AppendCell(V(1 + i, 0, 0), 0, 0);
   Statistics();
   EXPECT_EQ(stats.branchcount[9] * 100 + stats.branchcount[0], 111);  // ten or more children count as nine
@@ -51,63 +60,92 @@ TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
 
 TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   // One segment in the far corner of the scanned cube.
-  ncells = 0; AppendCell(V(-13, -13, -13), 1, -1); AppendCell(V(-12.8, -13, -13), 0, 0);
-  growthstate.radius = 9, growthstate.branchlength = 0.5;
-  options.stldrawmode = STLDRAW_SOLID, options.dladrawmode = DLADRAW_POINTS; donecalls = 0;
-  boxcountdone = [] { donecalls++; }; Statistics();  // start and the first box, [-13.5,-9]^3, which holds the segment
+  ncells = 0;
+  AppendCell(V(-13, -13, -13), 1, -1);
+  AppendCell(V(-12.8, -13, -13), 0, 0);
+  growthstate.radius = 9;
+  growthstate.branchlength = 0.5;
+  options.stldrawmode = STLDRAW_SOLID;
+  options.dladrawmode = DLADRAW_POINTS;
+  donecalls = 0;
+  boxcountdone = [] { donecalls++; };
+  Statistics();  // start and the first box, [-13.5,-9]^3, which holds the segment
   EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode, DLADRAW_LINES);  // the surface off, lines
-  EXPECT_EQ(stats.boxsize[0], 4.5); EXPECT_EQ(stats.boxcount[0], 1);
+  EXPECT_EQ(stats.boxsize[0], 4.5);
+  EXPECT_EQ(stats.boxcount[0], 1);
   for (int k = 1; k < 10; k++) EXPECT_EQ(stats.boxcount[k], -1);
-  ASSERT_EQ(boxcountstate.nboxes, 1); EXPECT_EQ(boxcountstate.boxes[0].low.x, -13.5);
+  ASSERT_EQ(boxcountstate.nboxes, 1);
+  EXPECT_EQ(boxcountstate.boxes[0].low.x, -13.5);
   EXPECT_EQ(boxcountstate.boxes[0].high.z, -9);
   // Positions per axis: edge 4.5 from -13.5: 6; edge 3 from -13.5 (then -12
   // after each reset, the old edge's offset): 8; edge 2 from -12 then -11: 11.
   int steps[10] = {1}, finished = 0;
   while (!finished && boxcountstate.depth < 3) {
-    int before = boxcountstate.depth; finished = BoxCountStep(); steps[before]++;
+    int before = boxcountstate.depth;
+    finished = BoxCountStep();
+    steps[before]++;
     if (boxcountstate.depth == 1 && before == 0) {
       EXPECT_XYZ(boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
       EXPECT_EQ(boxcountstate.nboxes + boxcountstate.scale, 3);
     }
-    if (boxcountstate.depth == 2 && before == 1) {
-      EXPECT_EQ(boxcountstate.p0.y, -12);
-    }
+    if (boxcountstate.depth == 2 && before == 1) { EXPECT_EQ(boxcountstate.p0.y, -12); }
   }
-  EXPECT_EQ(steps[0], 216); EXPECT_EQ(steps[1], 512); EXPECT_EQ(steps[2], 1331);
+  EXPECT_EQ(steps[0], 216);
+  EXPECT_EQ(steps[1], 512);
+  EXPECT_EQ(steps[2], 1331);
   EXPECT_EQ(stats.boxcount[1], 1);  // only the offset first row reaches x = -13
-  EXPECT_EQ(stats.boxcount[2], 0); EXPECT_EQ(donecalls, 0);
+  EXPECT_EQ(stats.boxcount[2], 0);
+  EXPECT_EQ(donecalls, 0);
   // Edges 4/3 then 8/9: below 2 * branchlength, so the count ends after
   // level 3, and level 4 keeps its size and a count of 0.
   while (!finished) finished = BoxCountStep();
-  EXPECT_DOUBLE_EQ(stats.boxsize[4], 8.0 / 9.0); EXPECT_EQ(stats.boxcount[4], 0); EXPECT_EQ(stats.boxcount[5], -1);
+  EXPECT_DOUBLE_EQ(stats.boxsize[4], 8.0 / 9.0);
+  EXPECT_EQ(stats.boxcount[4], 0);
+  EXPECT_EQ(stats.boxcount[5], -1);
   EXPECT_EQ(options.calcstats * 10 + donecalls, 1);
-  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode, STLDRAW_SOLID * 10 + DLADRAW_POINTS);  // the user's modes back
+  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode,
+            STLDRAW_SOLID * 10 + DLADRAW_POINTS);      // the user's modes back
   EXPECT_EQ(BoxCountStep() + boxcountstate.depth, 4);  // idle from now on
   // 2 * branchlength above radius / 2: the count ends after its first box.
-  growthstate.branchlength = 3; Statistics();
-  EXPECT_EQ(options.calcstats * 100 + stats.boxcount[0] * 10 + donecalls, 12); EXPECT_EQ(stats.boxcount[1], -1);
+  growthstate.branchlength = 3;
+  Statistics();
+  EXPECT_EQ(options.calcstats * 100 + stats.boxcount[0] * 10 + donecalls, 12);
+  EXPECT_EQ(stats.boxcount[1], -1);
   boxcountdone = NULL;
 }
 
 TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
-  ncells = 0; stats.branchcount[0] = 4; stats.timestep = 9; growthstate.radius = 0; Statistics();
-  EXPECT_EQ(stats.timestep * 100 + stats.branchcount[0] * 10 + stats.boxcount[0] + options.calcstats, 40);  // never cleared
-  options.dladrawmode = DLADRAW_OFF; BoxCountStart();
+  ncells = 0;
+  stats.branchcount[0] = 4;
+  stats.timestep = 9;
+  growthstate.radius = 0;
+  Statistics();
+  EXPECT_EQ(stats.timestep * 100 + stats.branchcount[0] * 10 + stats.boxcount[0] + options.calcstats,
+            40);  // never cleared
+  options.dladrawmode = DLADRAW_OFF;
+  BoxCountStart();
   EXPECT_EQ(options.dladrawmode, DLADRAW_OFF);  // not started: calcstats is 0
-  growthstate.branchlength = 0;  // an edge of 0 could never advance: ended, not looped
+  growthstate.branchlength = 0;                 // an edge of 0 could never advance: ended, not looped
   RunStatisticsToCompletion();
-  EXPECT_EQ(options.calcstats * 100 + options.stldrawmode * 10 + options.dladrawmode, STLDRAW_WIREFRAME * 10 + DLADRAW_OFF);
+  EXPECT_EQ(options.calcstats * 100 + options.stldrawmode * 10 + options.dladrawmode,
+            STLDRAW_WIREFRAME * 10 + DLADRAW_OFF);
 }
 
 TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
-  HandScene(); std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
-  for (const char *line : {"/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n#declare DLARADIUS = 10;\n",
-                           "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n", "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
-                           "\n angle 50 // Aperture in degrees\n", "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
-                           "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n finish { thefinish }\n normal { thenormal }\n}\n\n"
-                           "// STL surface information\n#declare SHOWSTL = 1; // 0 is off, 1 is on\n#declare STLTEXTURE = texture {\n"
-                           " pigment { color rgbt <0.8,0.8,1.0,0.75> }\n}\n\n// The DLA structure\n#declare DLA3D = union {\n cone {\n"})
-    EXPECT_NE(s.find(line), std::string::npos) << line;
+  HandScene();
+  std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  const char *head[] = {
+      "/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n"
+      "#declare DLARADIUS = 10;\n",
+      "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n",
+      "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
+      "\n angle 50 // Aperture in degrees\n",
+      "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
+      "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n finish { thefinish }\n"
+      " normal { thenormal }\n}\n\n// STL surface information\n#declare SHOWSTL = 1; // 0 is off, 1 is on\n"
+      "#declare STLTEXTURE = texture {\n pigment { color rgbt <0.8,0.8,1.0,0.75> }\n}\n\n"
+      "// The DLA structure\n#declare DLA3D = union {\n cone {\n"};
+  for (const char *line : head) EXPECT_NE(s.find(line), std::string::npos) << line;
   std::string body;
   const char *seg[5][3] = {{"0,0,0>,   CalcRadius(3,3)", "0,0,1>,   CalcRadius(3,3)", "0"},
                            {"0,0,1>,   CalcRadius(3,3)", "0,1,2>,   CalcRadius(1,3)", "1"},
@@ -115,16 +153,19 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
                            {"0,1,2>,   CalcRadius(1,3)", "0,2,3>,   CalcRadius(0,3)", "1"},
                            {"0,0,1>,   CalcRadius(3,3)", "1,0,2>,   CalcRadius(0,3)", "0"}};
   for (auto &c : seg)
-    body += std::string(" cone {\n  <") + c[0] + "\n  <" + c[1] + "\n  texture { DLATEXTURE" + c[2] + " }\n }\n sphere {\n  <" +
-            c[1] + "\n  texture { DLATEXTURE" + c[2] + " }\n }\n";
-  const std::string tail = "}\n// An instance of the dla structure\nobject {\n DLA3D\n /*\n transform {\n  scale <1,1,1>\n"
-                           "  rotate <0,0,0>\n  translate <0,0,0>\n }\n */\n}\n\n// Constraint surface\n#if (SHOWSTL)\n union {\n"
-                           " triangle {\n  <0,0,-2>, <1,0,-2>, <0,1,-2>\n  }\n triangle {\n  <0,0,-2>, <0,1,-2>, <0,0,-1>\n  }\n"
-                           "  texture { STLTEXTURE }\n  /*\n  transform {\n   scale <1,1,1>\n   rotate <0,0,0>\n"
-                           "   translate <0,0,0>\n  }\n  */\n }\n#end\n\n";
+    body += std::string(" cone {\n  <") + c[0] + "\n  <" + c[1] + "\n  texture { DLATEXTURE" + c[2] +
+            " }\n }\n sphere {\n  <" + c[1] + "\n  texture { DLATEXTURE" + c[2] + " }\n }\n";
+  const std::string tail =
+      "}\n// An instance of the dla structure\nobject {\n DLA3D\n /*\n transform {\n  scale <1,1,1>\n"
+      "  rotate <0,0,0>\n  translate <0,0,0>\n }\n */\n}\n\n// Constraint surface\n#if (SHOWSTL)\n union {\n"
+      " triangle {\n  <0,0,-2>, <1,0,-2>, <0,1,-2>\n  }\n triangle {\n  <0,0,-2>, <0,1,-2>, <0,0,-1>\n  }\n"
+      "  texture { STLTEXTURE }\n  /*\n  transform {\n   scale <1,1,1>\n   rotate <0,0,0>\n"
+      "   translate <0,0,0>\n  }\n  */\n }\n#end\n\n";
   EXPECT_EQ(s.substr(s.find("union {\n") + 8), body + tail);
   // Association off: one texture for the instance, none per segment.
-  growthstate.associate = 0; nstltri = 0; s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  growthstate.associate = 0;
+  nstltri = 0;
+  s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
   EXPECT_EQ(s.find("  texture { DLATEXTURE"), std::string::npos);
   EXPECT_NE(s.find("object {\n DLA3D\n texture { DLATEXTURE0 }\n /*\n"), std::string::npos);
   EXPECT_EQ(s.find("SHOWSTL"), std::string::npos);
@@ -135,16 +176,20 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
 }
 
 TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
-  HandScene(); nstltri = 0;
+  HandScene();
+  nstltri = 0;
   // From the top: 6-2-0, 5-3-2 (stops on 2, already written), 4-1 (two
   // points: a cone). A control point beyond each end: 2 P0 - P1, 2 Pm-1 - Pm-2.
   std::string s = Written(MODEL_POVRAY, MODEL_SWEEP);
-  EXPECT_EQ(s.substr(s.find("union {\n") + 8, s.find("}\n// An instance") - s.find("union {\n") - 8),
-            " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <2,0,3>,  CalcRadius(0,3)\n  <1,0,2>,  CalcRadius(0,3)\n"
-            "  <0,0,1>,  CalcRadius(3,3)\n  <0,0,0>,  CalcRadius(3,3)\n  <0,0,-1>,  CalcRadius(3,3)\n"
-            " texture { DLATEXTURE0 }\n }\n\n // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <0,3,4>,  CalcRadius(0,3)\n"
-            "  <0,2,3>,  CalcRadius(0,3)\n  <0,1,2>,  CalcRadius(1,3)\n  <0,0,1>,  CalcRadius(3,3)\n  <0,-1,0>,  CalcRadius(3,3)\n"
-            " texture { DLATEXTURE1 }\n }\n\n // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
+  size_t from = s.find("union {\n") + 8;
+  EXPECT_EQ(s.substr(from, s.find("}\n// An instance") - from),
+            " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <2,0,3>,  CalcRadius(0,3)\n"
+            "  <1,0,2>,  CalcRadius(0,3)\n  <0,0,1>,  CalcRadius(3,3)\n  <0,0,0>,  CalcRadius(3,3)\n"
+            "  <0,0,-1>,  CalcRadius(3,3)\n texture { DLATEXTURE0 }\n }\n\n"
+            " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <0,3,4>,  CalcRadius(0,3)\n"
+            "  <0,2,3>,  CalcRadius(0,3)\n  <0,1,2>,  CalcRadius(1,3)\n  <0,0,1>,  CalcRadius(3,3)\n"
+            "  <0,-1,0>,  CalcRadius(3,3)\n texture { DLATEXTURE1 }\n }\n\n"
+            " // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
             "  <10,0,0>,   CalcRadius(1,min(2*3,3))\n  texture { DLATEXTURE0 }\n }\n\n");
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].traced, 1) << i;
   for (int i = 0; i < ncells; i++) cells[i].traced = 0;
@@ -154,37 +199,47 @@ TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
 
 TEST_F(Model, GeomStlAndPointClouds) {
   HandScene();
-  EXPECT_EQ(Written(MODEL_GEOM, MODEL_SEGMENTS),
-            "# 3D DLA by Orvantide# From: 0 to 2, thickness: 0.5 to 0.5\nc 0 0 0 0 0 1 0.5 0.5 1 0 0\ns 0 0 1 0.5\n1 0 0\n"
-            "# From: 2 to 3, thickness: 0.5 to 0.3\nc 0 0 1 0 1 2 0.5 0.3 0 1 0\ns 0 1 2 0.3\n0 1 0\n"
-            "# From: 1 to 4, thickness: 0.5 to 0.3\nc 10 0 0 10 0 -1 0.5 0.3 1 0 0\ns 10 0 -1 0.3\n1 0 0\n"
-            "# From: 3 to 5, thickness: 0.3 to 0.1\nc 0 1 2 0 2 3 0.3 0.1 0 1 0\ns 0 2 3 0.1\n0 1 0\n"
-            "# From: 2 to 6, thickness: 0.5 to 0.1\nc 0 0 1 1 0 2 0.5 0.1 1 0 0\ns 1 0 2 0.1\n1 0 0\n"
-            "f3 0 0 -2 1 0 -2 0 1 -2 0.5 0.5 0.5\nf3 0 0 -2 0 1 -2 0 0 -1 0.5 0.5 0.5\n");
+  EXPECT_EQ(
+      Written(MODEL_GEOM, MODEL_SEGMENTS),
+      "# 3D DLA by Orvantide# From: 0 to 2, thickness: 0.5 to 0.5\nc 0 0 0 0 0 1 0.5 0.5 1 0 0\ns 0 0 1 0.5\n1 0 0\n"
+      "# From: 2 to 3, thickness: 0.5 to 0.3\nc 0 0 1 0 1 2 0.5 0.3 0 1 0\ns 0 1 2 0.3\n0 1 0\n"
+      "# From: 1 to 4, thickness: 0.5 to 0.3\nc 10 0 0 10 0 -1 0.5 0.3 1 0 0\ns 10 0 -1 0.3\n1 0 0\n"
+      "# From: 3 to 5, thickness: 0.3 to 0.1\nc 0 1 2 0 2 3 0.3 0.1 0 1 0\ns 0 2 3 0.1\n0 1 0\n"
+      "# From: 2 to 6, thickness: 0.5 to 0.1\nc 0 0 1 1 0 2 0.5 0.1 1 0 0\ns 1 0 2 0.1\n1 0 0\n"
+      "f3 0 0 -2 1 0 -2 0 1 -2 0.5 0.5 0.5\nf3 0 0 -2 0 1 -2 0 0 -1 0.5 0.5 0.5\n");
   EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP),
             "solid 2tlobject\nfacet normal 0 0 1\n outer loop\n  vertex 0 0 -2\n  vertex 1 0 -2\n  vertex 0 1 -2\n"
             " endloop\nendfacet\nfacet normal 1 0 0\n outer loop\n  vertex 0 0 -2\n  vertex 0 1 -2\n  vertex 0 0 -1\n"
             " endloop\nendfacet\nendsolid");
   // Ten points a segment from the parent, the cell itself not written; no surface.
-  ncells = 0; AppendCell(V(0, 0, 0), 1, -1); AppendCell(V(1, 2, -3), 0, 0);
+  ncells = 0;
+  AppendCell(V(0, 0, 0), 1, -1);
+  AppendCell(V(1, 2, -3), 0, 0);
   std::string dxf = "0\nSECTION\n2\nENTITIES\n", geom;
   for (int i = 0; i < 10; i++) {
     char line[128];
-    snprintf(line, sizeof(line), "0\nPOINT\n8\nLAYER1\n10\n%g\n20\n%g\n30\n%g\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
-    dxf += line; snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
+    snprintf(line, sizeof(line), "0\nPOINT\n8\nLAYER1\n10\n%g\n20\n%g\n30\n%g\n", i / 10.0, 2 * i / 10.0,
+             -3 * i / 10.0);
+    dxf += line;
+    snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
     geom += line;
   }
   EXPECT_EQ(Written(MODEL_DXFPOINTS, MODEL_SEGMENTS), dxf + " 0\nENDSEC\n 0\nEOF\n");
-  EXPECT_EQ(Written(MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom); nstltri = 0;
-  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP) + Written(6, MODEL_SEGMENTS), ""); Scratch s;
-  EXPECT_EQ(SaveModelFile((s / "a").c_str(), 6, 1) + SaveModelFile("", MODEL_POVRAY, 1) + SaveModelFile((s / "no/a").c_str(), 3, 1), 0);
+  EXPECT_EQ(Written(MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom);
+  nstltri = 0;
+  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP) + Written(6, MODEL_SEGMENTS), "");
+  Scratch s;
+  EXPECT_EQ(SaveModelFile((s / "a").c_str(), 6, 1) + SaveModelFile("", MODEL_POVRAY, 1) +
+                SaveModelFile((s / "no/a").c_str(), 3, 1),
+            0);
   EXPECT_EQ(ReadFile(s / "a"), "(missing)");
   growthstate.maxweight = 0;  // the radius scale divides by ln 1: not finite, unguarded
   EXPECT_NE(Written(MODEL_GEOM, MODEL_SEGMENTS).find("nan"), std::string::npos);
 }
 
 TEST_F(Model, VrmlSegmentsInTheViewersColoursCapsAndSurface) {
-  HandScene(); const COLOUR red = {1, 0, 0}, green = {0, 1, 0}, grey = {0.5, 0.5, 0.5};
+  HandScene();
+  const COLOUR red = {1, 0, 0}, green = {0, 1, 0}, grey = {0.5, 0.5, 0.5};
   for (int caps = 0; caps <= 1; caps++) {
     std::string expect = Capture([&](FILE *fp) {
       WRLHeader(fp, "3D DLA by Orvantide", 20);
@@ -206,21 +261,23 @@ TEST_F(Wrl, HeaderSphereAndFace) {
   EXPECT_NE(s.find("\n position 0 0 20\n description \"Default view\"\n fieldOfView 0.785398\n}\n"), std::string::npos);
   const COLOUR mixed = {0.25, 0.5, 1};
   EXPECT_EQ(Capture([&](FILE *fp) { WRLSphere(fp, V(1, -2, 3.5), mixed, 0.3); }),
-            "Transform {\n translation 1,-2,3.5\n children [\n  Shape {\n   appearance Appearance {\n    material Material {\n"
-            "     diffuseColor 0.25 0.5 1\n    }\n   }\n   geometry Sphere {\n    radius 0.3\n   }\n  }\n ]\n}\n");
+            "Transform {\n translation 1,-2,3.5\n children [\n  Shape {\n   appearance Appearance {\n"
+            "    material Material {\n     diffuseColor 0.25 0.5 1\n    }\n   }\n"
+            "   geometry Sphere {\n    radius 0.3\n   }\n  }\n ]\n}\n");
   XYZ tri[3] = {V(0, 0, -2), V(1, 0, -2), V(0, 1.5, -2)};
   EXPECT_EQ(Capture([&](FILE *fp) { WRLFace(fp, tri, 3, mixed); }),
             "Shape {\n appearance Appearance {\n  material Material {\n   diffuseColor 0.25 0.5 1\n  }\n }\n"
-            " geometry IndexedFaceSet {\n  coord  Coordinate {\n   point [\n    0 0 -2,\n    1 0 -2,\n    0 1.5 -2 \n   ]\n"
-            "  }\n  coordIndex [\n    0,    1,    2,  -1\n  ]\n  solid FALSE\n }\n}\n");
+            " geometry IndexedFaceSet {\n  coord  Coordinate {\n   point [\n    0 0 -2,\n    1 0 -2,\n"
+            "    0 1.5 -2 \n   ]\n  }\n  coordIndex [\n    0,    1,    2,  -1\n  ]\n  solid FALSE\n }\n}\n");
 }
 
 TEST_F(Wrl, ConePointsAndIndexLists) {
   const COLOUR red = {1, 0, 0};
   // Axis (0,0,1): B = (1,0,0), A = (0,1,0); one side at angle 0, u = A.
   std::string s = Capture([&](FILE *fp) { WRLCone2(fp, 1, 1, V(0, 0, 1), V(0, 0, 0), red, 2, 0.5); });
-  EXPECT_NE(s.find("   point [\n    0 2 1,\n    0 0.5 0,\n    0 0 1,\n    0 0 0\n   ]\n  }\n  coordIndex [\n"
-                   "    1,3,1,-1,    0,2,0,-1,    0,1,1,0,-1 \n  ]\n  solid FALSE\n"), std::string::npos) << s;
+  std::string want = "   point [\n    0 2 1,\n    0 0.5 0,\n    0 0 1,\n    0 0 0\n   ]\n  }\n  coordIndex [\n"
+                     "    1,3,1,-1,    0,2,0,-1,    0,1,1,0,-1 \n  ]\n  solid FALSE\n";
+  EXPECT_NE(s.find(want), std::string::npos) << s;
   // Axis (0,1,0) has no x or z: the x helper, B = (0,0,1), A = (1,0,0).
   s = Capture([&](FILE *fp) { WRLCone2(fp, 1, 0, V(0, 1, 0), V(0, 0, 0), red, 2, 1); });
   EXPECT_NE(s.find("   point [\n    2 1 0,\n    1 0 0,\n    0 1 0,\n    0 0 0\n   ]\n"), std::string::npos) << s;
@@ -240,26 +297,41 @@ const char *kStartReport =
     "Current radius: 10\n";
 
 TEST_F(Report, AtStartUpAndWithRootsSurfaceAndStatistics) {
-  Scratch s; EXPECT_EQ(SaveInformationFile((s / "r.txt").c_str()), 1); EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
-  EXPECT_EQ(SaveInformationFile(""), 0); EXPECT_EQ(SaveInformationFile((s / "no/r.txt").c_str()), 0); HandScene();
+  Scratch s;
+  EXPECT_EQ(SaveInformationFile((s / "r.txt").c_str()), 1);
+  EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
+  EXPECT_EQ(SaveInformationFile(""), 0);
+  EXPECT_EQ(SaveInformationFile((s / "no/r.txt").c_str()), 0);
+  HandScene();
   GROWTHSTATE &g = growthstate;
-  g.nroots = 3, g.rootrange = 7.5, g.sourcetype = SOURCE_MINUSZ, g.bias = 2.5, g.stickiness = 50, g.rotation = -1.5;
-  g.intersectrange = 20, g.seed = 7, g.branchlength = 0.75;
-  CopyName(g.rootname, "Ring: z axis plane", sizeof(g.rootname)); CopyName(g.stlname, "cup.stl", sizeof(g.stlname));
+  g.nroots = 3;
+  g.rootrange = 7.5;
+  g.sourcetype = SOURCE_MINUSZ;
+  g.bias = 2.5;
+  g.stickiness = 50;
+  g.rotation = -1.5;
+  g.intersectrange = 20;
+  g.seed = 7;
+  g.branchlength = 0.75;
+  CopyName(g.rootname, "Ring: z axis plane", sizeof(g.rootname));
+  CopyName(g.stlname, "cup.stl", sizeof(g.stlname));
   stats.timestep = 7;
   const int bc[10] = {3, 3, 1, 0, 2, 5, 8, 0, 0, 9}, count[10] = {5, 12, 0, 4, -1, -1, -1, -1, -1, -1};
   const double size[10] = {4.5, 3, 2, 0, 1, 0.5, 0, 0, 0, 0};  // listed: count > 0 and size > 0
-  for (int k = 0; k < 10; k++) stats.branchcount[k] = bc[k], stats.boxsize[k] = size[k], stats.boxcount[k] = count[k];
+  memcpy(stats.branchcount, bc, sizeof(bc));
+  memcpy(stats.boxsize, size, sizeof(size));
+  memcpy(stats.boxcount, count, sizeof(count));
   // ln(1/4.5) = -1.5040774, ln 5 = 1.6094379, ln(1/3) = -1.0986123, ln 12 = 2.4849066.
-  EXPECT_EQ(Capture(WriteInformation),
-            "Version: 1.02\nSeed: 7\nBias towards origin: 2.5% of step length\nBranch length: 0.75\nStickiness: 50%\n"
-            "Rotation: -1.5 degrees about z axis\nBranch thickness: 0.5 to 0.1\nIntersection range: 20% of branch length\n"
-            "Seed association: On\nNumber of roots: 3\nRoot distribution range: 7.5\nRoot distribution: Ring: z axis plane\n"
-            "Source type: Single axis (-x)\nConstraint surface: cup.stl\nFaces in constraint surface: 2\nSurface bounds\n"
-            "   0 <= x <= 1\n   0 <= y <= 1\n   -2 <= z <= -1\nNumber of particles: 7\nCurrent radius: 10\n\n"
-            "Statistics at time step: 7\n   Branch distribution\n   0:3 1:3 2:1 3:0 4:2 5:5\n"
-            "   Box counting [ size, N, log(1/size), log(N) ]\n   4.500000 5 -1.504077 1.609438\n"
-            "   3.000000 12 -1.098612 2.484907\n");
+  EXPECT_EQ(
+      Capture(WriteInformation),
+      "Version: 1.02\nSeed: 7\nBias towards origin: 2.5% of step length\nBranch length: 0.75\nStickiness: 50%\n"
+      "Rotation: -1.5 degrees about z axis\nBranch thickness: 0.5 to 0.1\nIntersection range: 20% of branch length\n"
+      "Seed association: On\nNumber of roots: 3\nRoot distribution range: 7.5\nRoot distribution: Ring: z axis plane\n"
+      "Source type: Single axis (-x)\nConstraint surface: cup.stl\nFaces in constraint surface: 2\nSurface bounds\n"
+      "   0 <= x <= 1\n   0 <= y <= 1\n   -2 <= z <= -1\nNumber of particles: 7\nCurrent radius: 10\n\n"
+      "Statistics at time step: 7\n   Branch distribution\n   0:3 1:3 2:1 3:0 4:2 5:5\n"
+      "   Box counting [ size, N, log(1/size), log(N) ]\n   4.500000 5 -1.504077 1.609438\n"
+      "   3.000000 12 -1.098612 2.484907\n");
 }
 
 }  // namespace

@@ -11,55 +11,87 @@ using FormReadBack = Fresh;
 
 TEST_F(FormReadBack, EachSettingWithItsRule) {
   GROWTHSTATE &g = growthstate;
-  struct { void (*read)(const char *); double *field; const char *text; double stored; } cases[] = {
-      {ReadStickinessText, &g.stickiness, "250", 100}, {ReadStickinessText, &g.stickiness, "0.5", 1},
-      {ReadStickinessText, &g.stickiness, "37.5", 37.5}, {ReadStickinessText, &g.stickiness, "", 1},
-      {ReadBiasText, &g.bias, "1.5", 1}, {ReadBiasText, &g.bias, "-0.2", 0}, {ReadBiasText, &g.bias, "0.25", 0.25},
-      {ReadRotationText, &g.rotation, "12", 5}, {ReadRotationText, &g.rotation, "-12", -5}, {ReadRotationText, &g.rotation, "-2.5", -2.5},
-      {ReadIntersectRangeText, &g.intersectrange, "95", 90}, {ReadIntersectRangeText, &g.intersectrange, "-1", 0},
-      {ReadIntersectRangeText, &g.intersectrange, "45", 45}, {ReadBranchLengthText, &g.branchlength, "", 0.01},
-      {ReadBranchLengthText, &g.branchlength, "-3", 0.01}, {ReadBranchLengthText, &g.branchlength, "2500", 2500},
-      {ReadThickEndText, &g.thickend, "-0.3", 0.3}, {ReadThickEndText, &g.thickend, "7", 7},  // not compared with the start
-      {ReadThickStartText, &g.thickstart, "-2", 2}, {ReadThickStartText, &g.thickstart, "abc", 0}};
+  struct {
+    void (*read)(const char *);
+    double *field;
+    const char *text;
+    double stored;
+  } cases[] = {{ReadStickinessText, &g.stickiness, "250", 100},
+               {ReadStickinessText, &g.stickiness, "0.5", 1},
+               {ReadStickinessText, &g.stickiness, "37.5", 37.5},
+               {ReadStickinessText, &g.stickiness, "", 1},
+               {ReadBiasText, &g.bias, "1.5", 1},
+               {ReadBiasText, &g.bias, "-0.2", 0},
+               {ReadBiasText, &g.bias, "0.25", 0.25},
+               {ReadRotationText, &g.rotation, "12", 5},
+               {ReadRotationText, &g.rotation, "-12", -5},
+               {ReadRotationText, &g.rotation, "-2.5", -2.5},
+               {ReadIntersectRangeText, &g.intersectrange, "95", 90},
+               {ReadIntersectRangeText, &g.intersectrange, "-1", 0},
+               {ReadIntersectRangeText, &g.intersectrange, "45", 45},
+               {ReadBranchLengthText, &g.branchlength, "", 0.01},
+               {ReadBranchLengthText, &g.branchlength, "-3", 0.01},
+               {ReadBranchLengthText, &g.branchlength, "2500", 2500},
+               {ReadThickEndText, &g.thickend, "-0.3", 0.3},
+               {ReadThickEndText, &g.thickend, "7", 7},  // not compared with the start
+               {ReadThickStartText, &g.thickstart, "-2", 2},
+               {ReadThickStartText, &g.thickstart, "abc", 0}};
   for (auto &c : cases) {
-    c.read(c.text); EXPECT_EQ(*c.field, c.stored) << c.text;
+    c.read(c.text);
+    EXPECT_EQ(*c.field, c.stored) << c.text;
   }
   // The seed: a decimal number truncated toward zero, then made positive;
   // the slice count: atoi ("1e3" is 1), at least 2.
   for (auto s : {std::make_pair("-42.9", 42), std::make_pair("1e3", 1000), std::make_pair("", 0)}) {
-    ReadSeedText(s.first); EXPECT_EQ(g.seed, s.second) << s.first;
+    ReadSeedText(s.first);
+    EXPECT_EQ(g.seed, s.second) << s.first;
   }
   EXPECT_EQ(TruncateText("1e30") + TruncateText("-1e30") + TruncateText("nan"), 0);  // held in the int range
   EXPECT_EQ(TruncateText("1e30"), 2147483647);
   for (auto s : {std::make_pair("1", 2), std::make_pair("-9", 2), std::make_pair("7.8", 7), std::make_pair("1e3", 2)}) {
-    ReadSliceCountText(s.first); EXPECT_EQ(options.nslices, s.second) << s.first;
+    ReadSliceCountText(s.first);
+    EXPECT_EQ(options.nslices, s.second) << s.first;
   }
 }
 
 TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {
-  growthstate.rootdistribution = ROOT_SPHERICAL; AppendCell(V(1, 0, 0), 0, 0);  // a grown cell the restart drops
-  growthstate.growing = 0; ReadNumberOfRootsText("-7");
+  growthstate.rootdistribution = ROOT_SPHERICAL;
+  AppendCell(V(1, 0, 0), 0, 0);  // a grown cell the restart drops
+  growthstate.growing = 0;
+  ReadNumberOfRootsText("-7");
   EXPECT_EQ(growthstate.nroots * 100 + ncells * 10 + growthstate.growing, 771);
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].parent, -1);
-  growthstate.rootdistribution = ROOT_RINGZ; ReadNumberOfRootsText("4.9");
+  growthstate.rootdistribution = ROOT_RINGZ;
+  ReadNumberOfRootsText("4.9");
   ReadRootRangeText("-20");  // unclamped: a ring of radius -20
-  ASSERT_EQ(ncells, 4); EXPECT_XYZ(cells[1].p, 0, -20, 0, 1e-12); AppendCell(V(1, 0, 0), 0, 0); SetAssociate(1);
+  ASSERT_EQ(ncells, 4);
+  EXPECT_XYZ(cells[1].p, 0, -20, 0, 1e-12);
+  AppendCell(V(1, 0, 0), 0, 0);
+  SetAssociate(1);
   EXPECT_EQ(growthstate.associate * 10 + ncells, 14);
 }
 
 TEST_F(FormReadBack, SliceNormalStoredAsTypedAndTransformApplied) {
-  ReadSliceNormalText(0, "3"); ReadSliceNormalText(1, "-4"); ReadSliceNormalText(2, "");
+  ReadSliceNormalText(0, "3");
+  ReadSliceNormalText(1, "-4");
+  ReadSliceNormalText(2, "");
   EXPECT_XYZ(SliceNormalForCut(), 0.6, -0.8, 0, 1e-15);
   EXPECT_XYZ(options.slicenormal, 3, -4, 0, 0);  // the stored field is not normalised
-  for (const char *x : {"6e-6", "0"}) {  // below 1e-5 in length: z becomes 1 and stays, x stays
-    ReadSliceNormalText(0, x), ReadSliceNormalText(1, "0"), ReadSliceNormalText(2, "0");
-    EXPECT_XYZ(SliceNormalForCut(), atof(x), 0, 1, 1e-9); EXPECT_XYZ(options.slicenormal, atof(x), 0, 1, 0);
+  for (const char *x : {"6e-6", "0"}) {          // below 1e-5 in length: z becomes 1 and stays, x stays
+    ReadSliceNormalText(0, x);
+    ReadSliceNormalText(1, "0");
+    ReadSliceNormalText(2, "0");
+    EXPECT_XYZ(SliceNormalForCut(), atof(x), 0, 1, 1e-9);
+    EXPECT_XYZ(options.slicenormal, atof(x), 0, 1, 0);
   }
   ReadSliceNormalText(2, "-2e-5");  // just above: kept
-  EXPECT_XYZ(SliceNormalForCut(), 0, 0, -1, 1e-12); AppendFacet(V(0, 0, 0), V(1, 0, 0), V(0, 1, 0)); UpdateSTL();
+  EXPECT_XYZ(SliceNormalForCut(), 0, 0, -1, 1e-12);
+  AppendFacet(V(0, 0, 0), V(1, 0, 0), V(0, 1, 0));
+  UpdateSTL();
   const char *text[9] = {"2", "3", "4", "1", "0", "-1", "0", "0", "180"};
   ApplyTransformText(text);  // half a turn about z, scaled by (2,3,4), shifted by (1,0,-1)
-  EXPECT_XYZ(stltri[0].p[1], -1, 0, -1, 1e-6); EXPECT_XYZ(stltri[0].p[2], 1, -3, -1, 1e-6);
+  EXPECT_XYZ(stltri[0].p[1], -1, 0, -1, 1e-6);
+  EXPECT_XYZ(stltri[0].p[2], 1, -3, -1, 1e-6);
   EXPECT_NEAR(stlmid.y, -1.5, 1e-6);
 }
 

@@ -13,47 +13,60 @@ namespace {
 
 using SearchIndex = Fresh;
 
+// Settings a run is grown with, changed from start-up's by setup.
+using G = GROWTHSTATE;
 struct SETTINGS {
   const char *what;
-  double branchlength, bias, rotation, stickiness, intersectrange;
-  int nroots, distribution, associate, sample, source, seed, n;
+  int n;
+  void (*setup)(G &g);
 };
 
-// The aggregate's hash after growing to s.n cells, one step at a time or in
-// runs of 1 to 5000, folded with maxweight and radius after every stick.
-uint64_t Grow(const SETTINGS &s, int search, int runs) {
-  ResetProgram(); growthsearch = search; GROWTHSTATE &g = growthstate;
-  g.branchlength = s.branchlength, g.bias = s.bias, g.rotation = s.rotation, g.stickiness = s.stickiness;
-  g.intersectrange = s.intersectrange, g.nroots = s.nroots, g.rootdistribution = s.distribution;
-  g.associate = s.associate, g.sourcetype = s.source, g.rootrange = 20, g.seed = s.seed;
-  if (s.sample) MakeSampleSurface(s.sample);
-  InitialiseGrowth(); ResetSeeds(); uint64_t h = 0;
+// The hash of s.n cells grown step by step or in runs, with maxweight and radius at every stick.
+uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
+  ResetProgram();
+  growthsearch = search;
+  GROWTHSTATE &g = growthstate;
+  g.rootrange = 20;
+  g.seed = seed;
+  s.setup(g);
+  InitialiseGrowth();
+  ResetSeeds();
+  uint64_t h = 0;
   for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < s.n; run = run * 7 % 5001 + 1) {
-    long took = runs ? IterateSystemSteps(run) : (IterateSystem(), 1);
-    EXPECT_TRUE(took >= 1 && took <= (runs ? run : 1)); k += took;
-    if (ncells != seen) h = h * 31 + (uint64_t)(g.maxweight * 1e6) * 17 + (uint64_t)(g.radius * 1e9), seen = ncells;
+    long took = Steps(runs ? run : 0);
+    EXPECT_TRUE(took >= 1 && took <= (runs ? run : 1));
+    k += took;
+    if (ncells != seen) {
+      h = h * 31 + (uint64_t)(g.maxweight * 1e6) * 17 + (uint64_t)(g.radius * 1e9);
+      seen = ncells;
+    }
   }
-  growthsearch = SEARCH_INDEX; EXPECT_GT(ncells, s.nroots) << s.what << ": nothing grew";
+  growthsearch = SEARCH_INDEX;
+  EXPECT_GT(ncells, g.nroots) << s.what << ": nothing grew";
   return h ^ AggregateHash();
 }
 
 TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
   const SETTINGS cases[] = {
-      {"defaults", 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, 1, 3, 700},
-      {"branch length 0.3", 0.3, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, 1, 4, 500},
-      {"branch length 0.7, bias 1", 0.7, 1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, 1, 5, 500},
-      {"branch length 2.5", 2.5, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, 1, 6, 400},
-      {"ring of 5, association", 1, 0.1, 0, 100, 0, 5, ROOT_RINGZ, 1, 0, 1, 7, 500},
-      {"random roots, association, 0.7", 0.7, 0.1, 0, 100, 0, 4, ROOT_SPHERICAL, 1, 0, 1, 8, 500},
-      {"rotation and bias", 1, 0.8, 3, 100, 0, 1, ROOT_ORIGIN, 0, 0, 1, 9, 500},
-      {"stickiness 20, branch length 0.3", 0.3, 0.1, 0, 20, 0, 1, ROOT_ORIGIN, 0, 0, 1, 10, 350},
-      {"intersection range", 1, 0.1, 0, 100, 5, 1, ROOT_ORIGIN, 0, 0, 1, 11, 350},
-      {"sample sphere", 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_SPHERE, 1, 12, 300},
-      {"sample plane, source +z", 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_PLANE, SOURCE_PLUSZ, 13, 350},
+      {"defaults", 700, [](G &) {}},
+      {"branch length 0.3", 500, [](G &g) { g.branchlength = 0.3; }},
+      {"branch length 0.7, bias 1", 500, [](G &g) { g.branchlength = 0.7; g.bias = 1; }},
+      {"branch length 2.5", 400, [](G &g) { g.branchlength = 2.5; }},
+      {"ring of 5, association", 500, [](G &g) { g.nroots = 5; g.rootdistribution = ROOT_RINGZ; g.associate = 1; }},
+      {"random roots, association, 0.7", 500,
+       [](G &g) { g.branchlength = 0.7; g.nroots = 4; g.rootdistribution = ROOT_SPHERICAL; g.associate = 1; }},
+      {"rotation and bias", 500, [](G &g) { g.bias = 0.8; g.rotation = 3; }},
+      {"stickiness 20, branch length 0.3", 350, [](G &g) { g.branchlength = 0.3; g.stickiness = 20; }},
+      {"intersection range", 350, [](G &g) { g.intersectrange = 5; }},
+      {"sample sphere", 300, [](G &) { MakeSampleSurface(SAMPLE_SPHERE); }},
+      {"sample plane, source +z", 350, [](G &g) { MakeSampleSurface(SAMPLE_PLANE); g.sourcetype = SOURCE_PLUSZ; }},
   };
+  int seed = 3;
   for (const SETTINGS &s : cases) {
-    uint64_t scan = Grow(s, SEARCH_SCAN, 0); EXPECT_EQ(Grow(s, SEARCH_INDEX, 0), scan) << s.what;
-    EXPECT_EQ(Grow(s, SEARCH_INDEX, 1), scan) << s.what << ", in runs";
+    uint64_t scan = Grow(s, seed, SEARCH_SCAN, 0);
+    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 0), scan) << s.what;
+    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 1), scan) << s.what << ", in runs";
+    seed++;
   }
 }
 
@@ -61,19 +74,32 @@ TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
 TEST_F(SearchIndex, FollowsChangesOutsideTheStep) {
   uint64_t h[3];
   for (int k = 0; k < 3; k++) {
-    ResetProgram(); growthsearch = k == 0 ? SEARCH_SCAN : SEARCH_INDEX; growthstate.seed = 21; InitialiseGrowth();
+    ResetProgram();
+    growthsearch = k == 0 ? SEARCH_SCAN : SEARCH_INDEX;
+    growthstate.seed = 21;
+    InitialiseGrowth();
     uint64_t sum = 0;
     auto growto = [&](int n) {
-      for (long steps = 0; steps < 2000000 && ncells < n;) steps += k == 2 ? IterateSystemSteps(n % 900 + 1) : (IterateSystem(), 1);
+      for (long steps = 0; steps < 2000000 && ncells < n;) steps += Steps(k == 2 ? n % 900 + 1 : 0);
       sum = sum * 31 + AggregateHash() + (uint64_t)(growthstate.radius * 1e9);
     };
-    growto(250); growthstate.branchlength = 0.6;  // mid-run, no restart
-    growto(350); growthstate.branchlength = 1.7; growto(420);
+    growto(250);
+    growthstate.branchlength = 0.6;  // mid-run, no restart
+    growto(350);
+    growthstate.branchlength = 1.7;
+    growto(420);
     growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
-    InitialiseGrowth(); growto(520); growthstate.nroots = 1; InitialiseGrowth(); ResetSeeds(); growto(600);
-    h[k] = sum; growthsearch = SEARCH_INDEX;
+    InitialiseGrowth();
+    growto(520);
+    growthstate.nroots = 1;
+    InitialiseGrowth();
+    ResetSeeds();
+    growto(600);
+    h[k] = sum;
+    growthsearch = SEARCH_INDEX;
   }
-  EXPECT_EQ(h[1], h[0]); EXPECT_EQ(h[2], h[0]);
+  EXPECT_EQ(h[1], h[0]);
+  EXPECT_EQ(h[2], h[0]);
 }
 
 // Roots at p + each offset, and the index rebuilt for them.
@@ -85,42 +111,63 @@ void RootsAround(XYZ p, std::initializer_list<XYZ> offsets) {
 
 TEST_F(SearchIndex, KeepsTheEarlyRejectionAndSeesNewCells) {
   growthstate.branchlength = 0.3;  // touching: squared distance below 0.09
-  XYZ p = {1, 2, 3}, far = {50, 50, 50}; XYZ a = {0.2, 0.1, 0.1};    // older: squared distance 0.06, touching, dx 0.2
+  XYZ p = {1, 2, 3}, far = {50, 50, 50};
+  XYZ a = {0.2, 0.1, 0.1};    // older: squared distance 0.06, touching, dx 0.2
   XYZ b = {0.1, -0.2, -0.3};  // newer: 0.14, not touching, and 0.14 < a's dx
-  int best = -7, ok = 0; RootsAround(p, {far, a, b});
+  int best = -7, ok = 0;
+  RootsAround(p, {far, a, b});
   EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 0);  // the scan passes a by
-  EXPECT_EQ(ok, 1); EXPECT_EQ(IndexSearch(p, 1, 3, 1, &best, &ok), 1);  // association: class 1 holds a alone
-  EXPECT_EQ(best, 1); EXPECT_EQ(IndexSearch(p, 1, 3, 2, &best, &ok), 0);
+  EXPECT_EQ(ok, 1);
+  EXPECT_EQ(IndexSearch(p, 1, 3, 1, &best, &ok), 1);  // association: class 1 holds a alone
+  EXPECT_EQ(best, 1);
+  EXPECT_EQ(IndexSearch(p, 1, 3, 2, &best, &ok), 0);
   RootsAround(p, {far, a, V(0, 0, -0.9)});  // 0.81: a's dx passes
-  EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 1); EXPECT_EQ(best, 1);
-  // Far away: an empty ball, a branch length clear of the root; a cell
-  // appended next to the particle is found at once.
-  ResetProgram(); SyncSearchIndex(); EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 0);
-  ASSERT_EQ(searchindex.ball, 1); EXPECT_LE(sqrt(searchindex.safe2), 29); unsigned revision = cellsrevision;
-  AppendCell(V(29.5, 0.2, 0), 0, 0); IndexAppendedCell(revision);
-  EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 1); EXPECT_EQ(best, 1);
+  EXPECT_EQ(IndexSearch(p, 0, 3, 0, &best, &ok), 1);
+  EXPECT_EQ(best, 1);
+  // Far away: an empty ball clear of the root; a cell appended next to the particle is found at once.
+  ResetProgram();
+  SyncSearchIndex();
+  EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 0);
+  ASSERT_EQ(searchindex.ball, 1);
+  EXPECT_LE(sqrt(searchindex.safe2), 29);
+  unsigned revision = cellsrevision;
+  AppendCell(V(29.5, 0.2, 0), 0, 0);
+  IndexAppendedCell(revision);
+  EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 1);
+  EXPECT_EQ(best, 1);
 }
 
-// An empty ball within reach of a cell would let a particle pass through the
-// aggregate. Random branches; queries from touching to beyond every field.
+// Random branches; queries from touching to beyond every field.
 TEST_F(SearchIndex, EmptyBallsKeepOutOfReachOfEveryCell) {
   for (double branchlength : {0.3, 1.0, 2.5}) {
-    ResetProgram(); growthstate.branchlength = branchlength; srand48(31); XYZ p = {0, 0, 0};
+    ResetProgram();
+    growthstate.branchlength = branchlength;
+    srand48(31);
+    XYZ p = {0, 0, 0};
     for (int i = 0; i < 3000; i++) {
       if (i % 300 == 0) p = V(drand48() * 40 - 20, drand48() * 40 - 20, drand48() * 40 - 20);
-      p = V(p.x + drand48() - 0.5, p.y + drand48() - 0.5, p.z + drand48() - 0.5); AppendCell(p, 0, ncells - 1);
+      p = V(p.x + drand48() - 0.5, p.y + drand48() - 0.5, p.z + drand48() - 0.5);
+      AppendCell(p, 0, ncells - 1);
     }
-    SyncSearchIndex(); double reach = fmax(branchlength, 1); int balls = 0, wide = 0;
+    SyncSearchIndex();
+    double reach = fmax(branchlength, 1);
+    int balls = 0, wide = 0;
     for (int k = 0; k < 4000; k++) {
-      XYZ c = cells[lrand48() % ncells].p, d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5}; Normalise(&d);
+      XYZ c = cells[lrand48() % ncells].p, d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
+      Normalise(&d);
       double away = 0.2 + (k % 8) * (k % 8) * 2.0;  // up to 98
-      XYZ q = V(c.x + away * d.x, c.y + away * d.y, c.z + away * d.z); searchindex.ball = 0; int best = -1, ok = 0;
+      XYZ q = V(c.x + away * d.x, c.y + away * d.y, c.z + away * d.z);
+      searchindex.ball = 0;
+      int best = -1, ok = 0;
       if (IndexSearch(q, 0, 1, 0, &best, &ok) || !ok || !searchindex.ball) continue;
-      balls++; double safe = sqrt(searchindex.safe2), nearest = 1e300; wide += safe > 10;
+      balls++;
+      double safe = sqrt(searchindex.safe2), nearest = 1e300;
+      wide += safe > 10;
       for (int i = 0; i < ncells; i++) nearest = fmin(nearest, VectorLength(q, cells[i].p));
       ASSERT_GE(nearest, reach + safe) << "branch length " << branchlength << ", query " << k;
     }
-    EXPECT_GT(balls, 2000) << branchlength; EXPECT_GT(wide, 200) << branchlength;
+    EXPECT_GT(balls, 2000) << branchlength;
+    EXPECT_GT(wide, 200) << branchlength;
   }
 }
 

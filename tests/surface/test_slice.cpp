@@ -14,26 +14,35 @@ using Slicing = Fresh;
 
 // Cells (x y z parent each), radius R.
 void Aggregate(double radius, std::initializer_list<double> c) {
-  growthstate.radius = radius; ncells = 0;
+  growthstate.radius = radius;
+  ncells = 0;
   for (auto p = c.begin(); p != c.end(); p += 4) AppendCell(V(p[0], p[1], p[2]), 0, (int)p[3]);
 }
 
 // The slab files in dir, concatenated with a "|" after each; standard error in *err.
 std::string Slice(const std::string &dir, int n, XYZ normal, std::string *err = NULL) {
-  testing::internal::CaptureStderr(); int result = DoSliceIn(dir.c_str(), n, normal);
+  testing::internal::CaptureStderr();
+  int result = DoSliceIn(dir.c_str(), n, normal);
   std::string e = testing::internal::GetCapturedStderr(), files;
   if (err) *err = e;
   for (int i = 0; i < n; i++) {
-    char name[32]; snprintf(name, sizeof(name), "/slice_%03d.txt", i); files += ReadFile(dir + name) + "|";
+    char name[32];
+    snprintf(name, sizeof(name), "/slice_%03d.txt", i);
+    files += ReadFile(dir + name) + "|";
   }
   return result ? files : "failed: " + files;
 }
 
 TEST_F(Slicing, TwoSlabsShareTheirBoundaryInTheCurrentDirectory) {
   Aggregate(10, {1, -1, 0, -1, 2, 3, 4, 0, -3, 2, -5, 0});  // the root on the boundary n.p = 0
-  Scratch s; char old[4096]; ASSERT_NE(getcwd(old, sizeof(old)), nullptr); ASSERT_EQ(chdir(s.dir.c_str()), 0);
-  testing::internal::CaptureStderr(); EXPECT_EQ(DoSlice(2, V(0, 0, 1)), 1);
-  std::string err = testing::internal::GetCapturedStderr(); ASSERT_EQ(chdir(old), 0);
+  Scratch s;
+  char old[4096];
+  ASSERT_NE(getcwd(old, sizeof(old)), nullptr);
+  ASSERT_EQ(chdir(s.dir.c_str()), 0);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DoSlice(2, V(0, 0, 1)), 1);
+  std::string err = testing::internal::GetCapturedStderr();
+  ASSERT_EQ(chdir(old), 0);
   EXPECT_EQ(err, "Slice 0, distance: 10 to 0\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
                  "      Tracing branch node from 0 -> 2\nSlice 1, distance: 0 to -10\n");
   // Slab 0: the second segment leaves through the lower bound, inside end first; slab 1: the first, crossing first.
@@ -46,28 +55,34 @@ TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   // R = 30: bounds 30, 10, -10, -30. Tree 0: (-2,0,-20) -> (2,4,20) -> (0,0,25);
   // tree 2: (12,4,20) -> (8,0,-20) -> (8,0,-25). The long segments cross
   // z = 10 at (1,3,10) and (11,3,10), z = -10 at (-1,1,-10) and (9,1,-10).
-  Aggregate(30, {-2, 0, -20, -1, 2, 4, 20, 0, 12, 4, 20, -1, 8, 0, -20, 2, 0, 0, 25, 1, 8, 0, -25, 3}); Scratch s;
+  Aggregate(30, {-2, 0, -20, -1, 2, 4, 20, 0, 12, 4, 20, -1, 8, 0, -20, 2, 0, 0, 25, 1, 8, 0, -25, 3});
+  Scratch s;
   std::string err;
-  // Slab 0: A below B inside: B, crossing; both inside; A inside B below: A,
-  // crossing. Slab 1: the two crossings, upper first. Slab 2: B above A
-  // inside: crossing, A; A above B inside: crossing, B; both inside.
-  EXPECT_EQ(Slice(s.dir, 3, V(0, 0, 1), &err), "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
-                                               "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
+  // Each slab's segments: inside end first, then the crossing.
+  EXPECT_EQ(Slice(s.dir, 3, V(0, 0, 1), &err),
+            "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
+            "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
   EXPECT_EQ(err, "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
                  "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
                  "Slice 2, distance: -10 to -30\n");
   options.debug = 1;  // the descendants announced too, in slab 0 only
   Slice(s.dir, 3, V(0, 0, 1), &err);
-  EXPECT_NE(err.find("0 -> 1\n      Tracing branch node from 1 -> 4\n   Processing seed node 2\n"), std::string::npos) << err;
+  EXPECT_NE(err.find("0 -> 1\n      Tracing branch node from 1 -> 4\n   Processing seed node 2\n"), std::string::npos)
+      << err;
   EXPECT_NE(err.find("2 -> 3\n      Tracing branch node from 3 -> 5\nSlice 1"), std::string::npos) << err;
 }
 
 TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
-  Aggregate(100, {0, 0, 0, -1, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 1, 4, 0, 0, 1, 5, 0, 0, 2}); int child = -7;
-  EXPECT_EQ(TerminalCell(1) * 10 + TerminalCell(3), 10); EXPECT_EQ(FindBranch(1, &child), 1); EXPECT_EQ(child, 3);
-  cells[3].traced = cells[4].traced = 1; EXPECT_EQ(FindBranch(1, &child), 0);
+  Aggregate(100, {0, 0, 0, -1, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 1, 4, 0, 0, 1, 5, 0, 0, 2});
+  int child = -7;
+  EXPECT_EQ(TerminalCell(1) * 10 + TerminalCell(3), 10);
+  EXPECT_EQ(FindBranch(1, &child), 1);
+  EXPECT_EQ(child, 3);
+  cells[3].traced = cells[4].traced = 1;
+  EXPECT_EQ(FindBranch(1, &child), 0);
   for (int j = 0; j < ncells; j++) cells[j].traced = j == 0;
-  PLANE upper = {0, 0, -1, 100}, lower = {0, 0, 1, 100}; std::string err;
+  PLANE upper = {0, 0, -1, 100}, lower = {0, 0, 1, 100};
+  std::string err;
   std::string out = Capture([&](FILE *fp) { err = DebugOutput([&] { TraceBranch(0, 1, fp, 0, upper, lower); }); });
   EXPECT_EQ(out, "0 0 0 1 0 0\n0 0 0 2 0 0\n2 0 0 5 0 0\n1 0 0 3 0 0\n1 0 0 4 0 0\n");
   EXPECT_EQ(err, "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
@@ -79,43 +94,67 @@ TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
 }
 
 TEST_F(Slicing, SeedsOnlyNoCellsExactlyNFilesAndAFileThatCannotBeMade) {
-  Aggregate(10, {1, 0, 0, -1, 0, 5, 9, -1, 0, 0, -9, -1}); Scratch s; std::string err;
+  Aggregate(10, {1, 0, 0, -1, 0, 5, 9, -1, 0, 0, -9, -1});
+  Scratch s;
+  std::string err;
   EXPECT_EQ(Slice(s.dir, 4, V(0, 0, 1), &err), "||||");
-  EXPECT_EQ(err, "Slice 0, distance: 10 to 5\n   Processing seed node 0\n   Processing seed node 1\n   Processing seed node 2\n"
-                 "Slice 1, distance: 5 to 0\nSlice 2, distance: 0 to -5\nSlice 3, distance: -5 to -10\n");
-  ncells = 0; EXPECT_EQ(Slice(s.dir, 2, V(0, 0, 1), &err), "||"); ncells = 1;
+  EXPECT_EQ(
+      err,
+      "Slice 0, distance: 10 to 5\n   Processing seed node 0\n   Processing seed node 1\n   Processing seed node 2\n"
+      "Slice 1, distance: 5 to 0\nSlice 2, distance: 0 to -5\nSlice 3, distance: -5 to -10\n");
+  ncells = 0;
+  EXPECT_EQ(Slice(s.dir, 2, V(0, 0, 1), &err), "||");
+  ncells = 1;
   for (double r : {0.1, 7.3, 1000.0 / 3, 1e-3})
     for (int n : {2, 3, 7, 50}) {
-      Scratch t; growthstate.radius = r; Slice(t.dir, n, V(0.6, 0, 0.8)); int entries = 0;
+      Scratch t;
+      growthstate.radius = r;
+      Slice(t.dir, n, V(0.6, 0, 0.8));
+      int entries = 0;
       DIR *d = opendir(t.dir.c_str());
       while (struct dirent *e = readdir(d)) entries += e->d_name[0] != '.';
-      closedir(d); EXPECT_EQ(entries, n) << "R " << r;
+      closedir(d);
+      EXPECT_EQ(entries, n) << "R " << r;
     }
-  Aggregate(30, {0, 0, 20, -1, 0, 0, 25, 0}); Scratch t;
+  Aggregate(30, {0, 0, 20, -1, 0, 0, 25, 0});
+  Scratch t;
   ASSERT_EQ(mkdir((t / "slice_001.txt").c_str(), 0700), 0);  // a directory cannot be written
   EXPECT_EQ(Slice(t.dir, 3, V(0, 0, 1), &err), "failed: 0 0 20 0 0 25\n||(missing)|");
-  EXPECT_EQ(err.substr(err.find("Slice 1")), "Slice 1, distance: 10 to -10\nFailed to open output slice file \"" + t.dir + "/slice_001.txt\"\n");
+  EXPECT_EQ(err.substr(err.find("Slice 1")),
+            "Slice 1, distance: 10 to -10\nFailed to open output slice file \"" + t.dir + "/slice_001.txt\"\n");
 }
 
 TEST_F(Slicing, ChildListsMatchTheFullScanAndDeepTreesKeepTheStack) {
-  growthstate.radius = 20; ncells = 0; srand48(5);
+  growthstate.radius = 20;
+  ncells = 0;
+  srand48(5);
   for (int c = 0; c < 400; c++) {  // a forest as growth makes it
     int parent = (c < 3 || drand48() < 0.01) ? -1 : (int)(drand48() * c * drand48());
     AppendCell(V(40 * drand48() - 20, 40 * drand48() - 20, 40 * drand48() - 20), 0, parent);
   }
-  XYZ n = V(1, 2, -2); Normalise(&n); std::string files[2], errs[2]; options.debug = 1;
+  XYZ n = V(1, 2, -2);
+  Normalise(&n);
+  std::string files[2], errs[2];
+  options.debug = 1;
   for (int indexed = 0; indexed < 2; indexed++) {
-    Scratch s; sliceindexed = indexed; files[indexed] = Slice(s.dir, 6, n, &errs[indexed]);
+    Scratch s;
+    sliceindexed = indexed;
+    files[indexed] = Slice(s.dir, 6, n, &errs[indexed]);
   }
-  sliceindexed = 1; options.debug = 0; EXPECT_EQ(errs[0], errs[1]); EXPECT_EQ(files[0], files[1]);
+  sliceindexed = 1;
+  options.debug = 0;
+  EXPECT_EQ(errs[0], errs[1]);
+  EXPECT_EQ(files[0], files[1]);
   EXPECT_GE(std::count(files[1].begin(), files[1].end(), '\n'), 397);  // every segment somewhere
   // A chain whose every node also has an earlier leaf: each step of the
   // chain is reached as a sibling, one level deeper each time.
   Aggregate(10, {0, 0, 0.5, -1});
   for (int d = 0, node = 0; d < 60000; d++, node = ncells - 1) {
-    AppendCell(V(0, 1e-4 * (d + 1), 1), 0, node); AppendCell(V(1e-4 * (d + 1), 0, 2), 0, node);
+    AppendCell(V(0, 1e-4 * (d + 1), 1), 0, node);
+    AppendCell(V(1e-4 * (d + 1), 0, 2), 0, node);
   }
-  Scratch s; std::string out = Slice(s.dir, 2, V(0, 0, 1));
+  Scratch s;
+  std::string out = Slice(s.dir, 2, V(0, 0, 1));
   EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 120000);
   EXPECT_EQ(out.substr(0, 38), "0 0 0.5 0 0.0001 1\n0 0 0.5 0.0001 0 2\n");
 }

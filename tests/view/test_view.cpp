@@ -14,71 +14,113 @@ using Overlay = Fresh;
 XYZ Rgb(COLOUR c) { return V(c.r, c.g, c.b); }
 
 TEST_F(Camera, HomeKeepsWindowAndStereoAndBothOrbitsShareTheFirstRightVector) {
-  camera.screenwidth = 1600, camera.screenheight = 700, camera.stereo = STEREO_DUAL;
-  camera.aperture = 12, camera.vp = V(5, 7, 0), camera.vd = V(0, 1, 0), camera.vu = V(1, 0, 0), camera.pr.z = 3;
-  CameraHome(); EXPECT_EQ(camera.screenwidth * 10000 + camera.screenheight * 10 + camera.stereo, 16007002);
-  EXPECT_EQ(camera.aperture, 60); EXPECT_XYZ(camera.vp, 60, 0, 0, 0); EXPECT_XYZ(camera.vd, -1, 0, 0, 0);
-  EXPECT_XYZ(camera.vu, 0, 0, 1, 0); EXPECT_XYZ(camera.pr, 0, 0, 0, 0);
+  camera.screenwidth = 1600;
+  camera.screenheight = 700;
+  camera.stereo = STEREO_DUAL;
+  camera.aperture = 12;
+  camera.vp = V(5, 7, 0);
+  camera.vd = V(0, 1, 0);
+  camera.vu = V(1, 0, 0);
+  camera.pr.z = 3;
+  CameraHome();
+  EXPECT_EQ(camera.screenwidth * 10000 + camera.screenheight * 10 + camera.stereo, 16007002);
+  EXPECT_EQ(camera.aperture, 60);
+  EXPECT_XYZ(camera.vp, 60, 0, 0, 0);
+  EXPECT_XYZ(camera.vd, -1, 0, 0, 0);
+  EXPECT_XYZ(camera.vu, 0, 0, 1, 0);
+  EXPECT_XYZ(camera.pr, 0, 0, 0, 0);
   EXPECT_XYZ(V(camera.eyesep, camera.near, camera.far), 2, 6, 600, 0);
   ForgetCameraHome();  // a first home sets mono and 800 x 600
-  CameraHome(); EXPECT_EQ(camera.screenwidth * 10 + camera.stereo, 8000);
+  CameraHome();
+  EXPECT_EQ(camera.screenwidth * 10 + camera.stereo, 8000);
   // Both orbits at once: the second turn is about the right vector taken
   // before the first, (0, 1, 0); the eye stays on its axis.
-  RotateCamera(0.3, 0.2, 0); EXPECT_XYZ(camera.vd, -cos(0.3) * cos(0.2), -sin(0.3), cos(0.3) * sin(0.2), 1e-12);
+  RotateCamera(0.3, 0.2, 0);
+  EXPECT_XYZ(camera.vd, -cos(0.3) * cos(0.2), -sin(0.3), cos(0.3) * sin(0.2), 1e-12);
   EXPECT_XYZ(camera.vu, sin(0.2), 0, cos(0.2), 1e-12);
   EXPECT_XYZ(camera.vp, -60 * camera.vd.x, -60 * camera.vd.y, -60 * camera.vd.z, 1e-9);
   for (int i = 0; i < 500; i++) RotateCamera(0.01, -0.013, 0.007);
-  EXPECT_NEAR(Modulus(camera.vp), 60, 1e-8); EXPECT_NEAR(Modulus(camera.vu), 1, 1e-12);
+  EXPECT_NEAR(Modulus(camera.vp), 60, 1e-8);
+  EXPECT_NEAR(Modulus(camera.vu), 1, 1e-12);
   DollyCamera(DOLLY_CLOSER);  // along its own direction, vd left alone
-  XYZ vd = camera.vd; EXPECT_XYZ(camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
+  XYZ vd = camera.vd;
+  EXPECT_XYZ(camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
 }
 
 TEST_F(Camera, EachEyeItsHalfItsOffsetAndItsShiftedFrustum) {
   const double top = 6 * tan(M_PI / 6);  // near 6, aperture 60
-  EYEVIEW m = EyeView(EYE_MONO); EXPECT_XYZ(V(m.top, m.right, m.near), top, 4.0 / 3 * top, 6, 1e-6);
-  EXPECT_XYZ(V(m.bottom, m.left, m.far), -m.top, -m.right, 600, 0); EXPECT_EQ(m.x * 10000 + m.width, 800);
+  EYEVIEW m = EyeView(EYE_MONO);
+  EXPECT_XYZ(V(m.top, m.right, m.near), top, 4.0 / 3 * top, 6, 1e-6);
+  EXPECT_XYZ(V(m.bottom, m.left, m.far), -m.top, -m.right, 600, 0);
+  EXPECT_EQ(m.x * 10000 + m.width, 800);
   EXPECT_XYZ(m.eye, 60, 0, 0, 0);
   // Side by side, 1601 wide: halves of 800, the right eye in the right half
   // and one unit (half of eyesep 2) along vd x vu = +y; the frustum shifted
   // by 0.5 eyesep near / focallength = 0.1 against the eye.
-  camera.stereo = STEREO_DUAL; camera.screenwidth = 1601;
+  camera.stereo = STEREO_DUAL;
+  camera.screenwidth = 1601;
   for (int eye : {EYE_RIGHT, EYE_LEFT}) {
-    double side = eye == EYE_RIGHT ? 1 : -1; EYEVIEW v = EyeView(eye);
+    double side = eye == EYE_RIGHT ? 1 : -1;
+    EYEVIEW v = EyeView(eye);
     EXPECT_EQ(v.x * 10000 + v.width * 10 + (v.height == 600), eye == EYE_RIGHT ? 8008001 : 8001);
-    EXPECT_XYZ(v.eye, 60, side, 0, 1e-12); EXPECT_NEAR(v.right, 1601 / 1200.0 * top - side * 0.1, 1e-6);
+    EXPECT_XYZ(v.eye, 60, side, 0, 1e-12);
+    EXPECT_NEAR(v.right, 1601 / 1200.0 * top - side * 0.1, 1e-6);
     EXPECT_NEAR(v.left, -1601 / 1200.0 * top - side * 0.1, 1e-6);
   }
   // Active stereo: both eyes over the whole window. Closer, the clip planes
   // and the separation follow the eye.
-  camera.stereo = STEREO_ACTIVE; camera.screenwidth = 800; camera.vp = V(30, 0, 0); FrameCamera();
-  EYEVIEW v = EyeView(EYE_LEFT); EXPECT_EQ(v.x * 10000 + v.width, 800);
-  EXPECT_XYZ(V(v.near, v.far, v.left), 3, 300, -4.0 / 3 * v.top + 0.05, 1e-9); EXPECT_XYZ(v.eye, 30, -0.5, 0, 1e-12);
+  camera.stereo = STEREO_ACTIVE;
+  camera.screenwidth = 800;
+  camera.vp = V(30, 0, 0);
+  FrameCamera();
+  EYEVIEW v = EyeView(EYE_LEFT);
+  EXPECT_EQ(v.x * 10000 + v.width, 800);
+  EXPECT_XYZ(V(v.near, v.far, v.left), 3, 300, -4.0 / 3 * v.top + 0.05, 1e-9);
+  EXPECT_XYZ(v.eye, 30, -0.5, 0, 1e-12);
 }
 
 TEST_F(Colours, ByRootForPointsAndLinesWithAssociationElseByWeight) {
-  ncells = 0; growthstate.nroots = 25, growthstate.associate = 1, growthstate.maxweight = 6;
+  ncells = 0;
+  growthstate.nroots = 25;
+  growthstate.associate = 1;
+  growthstate.maxweight = 6;
   for (int i = 0; i < 50; i++) AppendCell(V(0, 0, 0), 6, i - 1);  // by weight all would be red
-  const double table[21][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}, {1, 0, 1}, {1, .5, .5},
-                               {.5, 1, .5}, {.5, .5, 1}, {1, 1, .5}, {.5, 1, 1}, {1, .5, 1}, {.5, 0, 0}, {0, .5, 0},
-                               {0, 0, .5}, {.5, .5, 0}, {0, .5, .5}, {.5, 0, .5}, {.25, .25, .25}, {.5, .5, .5}, {.75, .75, .75}};
+  const double table[21][3] = {{1, 0, 0},       {0, 1, 0},    {0, 0, 1},      {1, 1, 0},   {0, 1, 1},   {1, 0, 1},
+                               {1, .5, .5},     {.5, 1, .5},  {.5, .5, 1},    {1, 1, .5},  {.5, 1, 1},  {1, .5, 1},
+                               {.5, 0, 0},      {0, .5, 0},   {0, 0, .5},     {.5, .5, 0}, {0, .5, .5}, {.5, 0, .5},
+                               {.25, .25, .25}, {.5, .5, .5}, {.75, .75, .75}};
   for (int i = 0; i < 50; i++) {  // entry (i mod nroots) mod 21
     const double *t = table[(i % 25) % 21];
-    for (int mode : {DLADRAW_OFF, DLADRAW_POINTS, DLADRAW_LINES}) EXPECT_XYZ(Rgb(ChooseColour(i, mode)), t[0], t[1], t[2], 0);
+    for (int mode : {DLADRAW_OFF, DLADRAW_POINTS, DLADRAW_LINES})
+      EXPECT_XYZ(Rgb(ChooseColour(i, mode)), t[0], t[1], t[2], 0);
     EXPECT_XYZ(Rgb(ChooseColour(i, DLADRAW_TUBES)), 1, 0, 0, 1e-12);  // tubes by weight
   }
   // By weight: ln(w + 1) from 0 to ln(maxweight / 3 + 1) = ln 3 on the blue to red map.
-  cells[0].weight = 0, cells[1].weight = 2, cells[2].weight = sqrt(3.0) - 1, cells[3].weight = pow(3.0, 0.25) - 1;
+  cells[0].weight = 0;
+  cells[1].weight = 2;
+  cells[2].weight = sqrt(3.0) - 1;
+  cells[3].weight = pow(3.0, 0.25) - 1;
   const double w[4][3] = {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}, {0, 1, 1}};
   for (int roots : {1, 3, 0})  // one root, association off, no roots
     for (int i = 0; i < 4; i++) {
-      growthstate.nroots = roots, growthstate.associate = roots != 3;
+      growthstate.nroots = roots;
+      growthstate.associate = roots != 3;
       EXPECT_XYZ(Rgb(ChooseColour(i, DLADRAW_LINES)), w[i][0], w[i][1], w[i][2], 1e-6);
     }
 }
 
 TEST_F(Overlay, InformationAndStatisticsBlocks) {
-  GROWTHSTATE &g = growthstate; g.seed = 7, g.bias = 2.5, g.branchlength = 1.5, g.stickiness = 80, g.rotation = -3;
-  g.intersectrange = 10, g.radius = 16.0175, g.lifespan = 310, g.sourcetype = 0; OVERLAYLINE lines[MAXINFOLINES];
+  GROWTHSTATE &g = growthstate;
+  g.seed = 7;
+  g.bias = 2.5;
+  g.branchlength = 1.5;
+  g.stickiness = 80;
+  g.rotation = -3;
+  g.intersectrange = 10;
+  g.radius = 16.0175;
+  g.lifespan = 310;
+  g.sourcetype = 0;
+  OVERLAYLINE lines[MAXINFOLINES];
   std::string got;
   for (int i = 0, n = InfoLines(lines, MAXINFOLINES, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "\n";
@@ -89,26 +131,39 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
                  "10,470 Seed association: Off\n10,457 Number of roots: 1\n10,444 Source type: Unknown\n"
                  "10,431 Constraint surface: None\n10,405 Number of particles: 1\n10,392 Current radius: 16.0175\n"
                  "10,379 Particle life span: 310\n");
-  g.associate = 1, g.nroots = 3, g.rootrange = 20, g.sourcetype = 9;
+  g.associate = 1;
+  g.nroots = 3;
+  g.rootrange = 20;
+  g.sourcetype = 9;
   CopyName(g.rootname, std::string(127, 'b').c_str(), sizeof(g.rootname));
   CopyName(g.stlname, std::string(255, 'a').c_str(), sizeof(g.stlname));
-  AppendFacet(V(-1, 0, 2), V(3, 0.5, 2), V(0, -2.25, 7)); AppendFacet(V(0, 0, 0), V(1, 1, 1), V(2, -4, 3));
-  UpdateSTL(); ASSERT_EQ(InfoLines(lines, MAXINFOLINES, 300), 22); got = "";
-  for (int i = 8; i < 22; i++) got += std::to_string(lines[i].y) + " " + std::string(lines[i].text).substr(0, 30) + "\n";
-  EXPECT_EQ(got, "170 Seed association: On\n157 Number of roots: 3\n144 Root distribution range: 20\n"
-                 "131 Root distribution: bbbbbbbbbbb\n118 Source type: Single axis (-z)\n105 Constraint surface: aaaaaaaaaa\n"
-                 "92 Faces in constraint surface: 2\n79 Surface bounds\n66    -1 <= x <= 3\n53    -4 <= y <= 1\n"
-                 "40    0 <= z <= 7\n14 Number of particles: 1\n1 Current radius: 16.0175\n-12 Particle life span: 310\n");
+  AppendFacet(V(-1, 0, 2), V(3, 0.5, 2), V(0, -2.25, 7));
+  AppendFacet(V(0, 0, 0), V(1, 1, 1), V(2, -4, 3));
+  UpdateSTL();
+  ASSERT_EQ(InfoLines(lines, MAXINFOLINES, 300), 22);
+  got = "";
+  for (int i = 8; i < 22; i++)
+    got += std::to_string(lines[i].y) + " " + std::string(lines[i].text).substr(0, 30) + "\n";
+  EXPECT_EQ(
+      got,
+      "170 Seed association: On\n157 Number of roots: 3\n144 Root distribution range: 20\n"
+      "131 Root distribution: bbbbbbbbbbb\n118 Source type: Single axis (-z)\n105 Constraint surface: aaaaaaaaaa\n"
+      "92 Faces in constraint surface: 2\n79 Surface bounds\n66    -1 <= x <= 3\n53    -4 <= y <= 1\n"
+      "40    0 <= z <= 7\n14 Number of particles: 1\n1 Current radius: 16.0175\n-12 Particle life span: 310\n");
   EXPECT_EQ(strlen(lines[11].text) * 100 + strlen(lines[13].text), 6363u);  // cut to 63 characters
-  EXPECT_STREQ(SourceTypeText(9, 1), "Source type: Single axis (-x)");  // the report's name for 9
+  EXPECT_STREQ(SourceTypeText(9, 1), "Source type: Single axis (-x)");      // the report's name for 9
   const int branches[10] = {5, 3, 2, 1, 0, 7, 9, 9, 9, 9}, counts[10] = {1, 0, 8, 27, -1, 0, 3, -1, -1, -1};
   const double sizes[10] = {12.5, 8.3, 5.555556, 3.7037037, 2.5, 1.6, 1234.5678, 0, 0, 0};
-  for (int k = 0; k < 10; k++) stats.branchcount[k] = branches[k], stats.boxcount[k] = counts[k], stats.boxsize[k] = sizes[k];
+  memcpy(stats.branchcount, branches, sizeof(branches));
+  memcpy(stats.boxcount, counts, sizeof(counts));
+  memcpy(stats.boxsize, sizes, sizeof(sizes));
   got = "";
   for (int i = 0, n = StatisticsLines(lines, MAXINFOLINES, 801, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "|";
-  EXPECT_EQ(got, "400,574 Statistics|400,561 Branch distribution|400,548    0:5 1:3 2:2 3:1 4:0 5:7|400,535 Box counting|"
-                 "400,522      12.500 : 1\n|400,509       5.556 : 8\n|400,496       3.704 : 27\n|400,483    1234.568 : 3\n|");
+  EXPECT_EQ(
+      got,
+      "400,574 Statistics|400,561 Branch distribution|400,548    0:5 1:3 2:2 3:1 4:0 5:7|400,535 Box counting|"
+      "400,522      12.500 : 1\n|400,509       5.556 : 8\n|400,496       3.704 : 27\n|400,483    1234.568 : 3\n|");
 }
 
 }  // namespace
