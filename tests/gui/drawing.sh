@@ -29,7 +29,7 @@ key F1 $(yes comma | head -10); dump extras; key F1 h
 [ "$(count extras 0 255 0 400 0 800 600)" -ge 5 ] && [ "$(count extras 0 255 0 0 0 400 600)" = 0 ] &&
   [ "$(count extras 0 0 255 0 0 800 300)" -ge 5 ] && [ "$(count extras 0 0 255 0 300 800 600)" = 0 ] || gui_fail "axes"
 key F3; menu "DLA drawing mode" "Lines"
-wait_for 10 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growth after F3"
+wait_for 30 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growth after F3"
 key F3; dump held1; sleep 0.5; dump held2
 same held1 held2 || gui_fail "the aggregate changed while paused"
 

@@ -18,7 +18,7 @@ identify -format '%m %wx%h' "$W/first.tga" | grep -qx 'TGA 800x600' || gui_fail 
 # The next free name cannot be written (a link into a missing directory).
 ln -s "$W/missing/0003.tga" "$W/0003.tga"
 key w
-wait_for 10 grep -q . "$GUI_TMP/stderr" || gui_fail "no message for a failed dump"
+wait_for 30 grep -q . "$GUI_TMP/stderr" || gui_fail "no message for a failed dump"
 rm "$W/0003.tga"
 dump second  # 0003: the failure took no number
 [ "$(cat "$GUI_TMP/stderr")" = "WindowDump - Failed to open file for window dump" ] || gui_fail "standard error: $(cat "$GUI_TMP/stderr")"
@@ -29,9 +29,9 @@ dump second  # 0003: the failure took no number
 key F4; sleep 0.5; key F3 F1 F2 r F5
 frames() { ls "$W" | grep '^[0-9]*\.tga$' | sed 1,2d; }
 box="400 0 800 130"
-wait_for 30 eval '[ "$(probe brightest $box "$(frames | tail -2 | head -1)" 2>/dev/null)" -gt 0 ]' || gui_fail "no statistics block"
+wait_for 90 eval '[ "$(probe brightest $box "$(frames | tail -2 | head -1)" 2>/dev/null)" -gt 0 ]' || gui_fail "no statistics block"
 shown=$(frames | wc -l)
-wait_for 20 eval '[ $(frames | wc -l) -gt $((shown + 40)) ]' || gui_fail "the recording stopped"
+wait_for 60 eval '[ $(frames | wc -l) -gt $((shown + 40)) ]' || gui_fail "the recording stopped"
 key r; sleep 0.5; n=$(frames | wc -l); sleep 0.5
 [ "$(frames | wc -l)" = "$n" ] || gui_fail "r did not stop the recording"
 [ "$(frames | tail -1)" = "$(printf '%04d.tga' $((n + 3)))" ] || gui_fail "the recorded frames are not numbered without gaps"

@@ -85,7 +85,7 @@ gui_run() {
   ! gui_lost_display || gui_run "$@"
 }
 gui_wait_exit() {
-  wait_for 20 eval '! gui_running' || gui_fail "program still running after 20 s"
+  wait_for 60 eval '! gui_running' || gui_fail "program still running after 60 s"
   wait "$GUI_PID"; STATUS=$? GUI_PID=""
 }
 gui_quit() {
@@ -148,14 +148,14 @@ menu() {
   else
     xdotool sleep 0.05 mouseup 3
   fi
-  wait_for 10 eval '! menus_open 1' || gui_fail "menu still open after \"$*\""
+  wait_for 30 eval '! menus_open 1' || gui_fail "menu still open after \"$*\""
 }
 
 # save PATH LABEL [SUB]: waits until the file is written.
 save() {
   local path=$1; shift
   rm -f "$path"; echo "$path" >"$GUI_TMP/answer"; menu "$@"
-  wait_for 20 eval '[ ! -e "$GUI_TMP/answer" ] && [ -s "$path" ] && [ "$(stat -c %s "$path")" = "$(sleep 0.1; stat -c %s "$path")" ]' ||
+  wait_for 60 eval '[ ! -e "$GUI_TMP/answer" ] && [ -s "$path" ] && [ "$(stat -c %s "$path")" = "$(sleep 0.1; stat -c %s "$path")" ]' ||
     gui_fail "\"$*\" wrote no $path"
 }
 last_prompt() { grep '^fselector ' "$LOG" | tail -1 | sed 's/^fselector //; s/ -> .*//'; }
@@ -173,6 +173,6 @@ press() { xdotool mousemove $(form_at "$1" "$2" "$3" "$4") sleep 0.05 click 1 sl
 probe() { local a; echo "$*" >&7; read -r a <&8; echo "$a"; [ "$a" != error ]; }
 dump() {
   local n; n=$(printf '%04d.tga' $DUMPNO) DUMPNO=$((DUMPNO + 1)); key w
-  wait_for 20 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
+  wait_for 60 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
   mv "$W/$n" "$W/$1.tga"
 }

@@ -14,9 +14,9 @@ prompt() { [ "$(last_prompt)" = "$1" ] || gui_fail "file selector title \"$(last
 answer() { echo "$1" >"$GUI_TMP/answer"; }
 message() {  # the message box's three lines; Enter answers it
   [ "$(grep '^message ' "$LOG" | tail -1)" = "message $1" ] || gui_fail "$(grep '^message' "$LOG" | tail -1), expected $1"
-  wait_for 10 eval 'm=$(xdotool search --onlyvisible --name "^Message$" | head -1); [ -n "$m" ]' || gui_fail "no message box"
+  wait_for 30 eval 'm=$(xdotool search --onlyvisible --name "^Message$" | head -1); [ -n "$m" ]' || gui_fail "no message box"
   xdotool windowfocus --sync "$m" key Return
-  wait_for 10 eval '! xdotool search --onlyvisible --name "^Message$" >/dev/null' || gui_fail "message box still shown"
+  wait_for 30 eval '! xdotool search --onlyvisible --name "^Message$" >/dev/null' || gui_fail "message box still shown"
 }
 
 # A surface, then roots from a seed file (a restart with fresh weights, as
@@ -93,7 +93,7 @@ L="421 251"
 menu "Compute/save slices"; field $L 180 145 1
 for x in 180 265 350; do field $L $x 95 0; done
 press $L 260 215  # Slice
-wait_for 10 test -e "$W/slice_001.txt" || gui_fail "no slices"
+wait_for 30 test -e "$W/slice_001.txt" || gui_fail "no slices"
 [ "$(cd "$W" && ls slice_*)" = $'slice_000.txt\nslice_001.txt' ] && grep -q '^Slice 1, distance: ' "$GUI_TMP/stderr" || gui_fail "slices"
 press $L 350 215; menu "Compute/save slices"  # Hide, show again
 [ "$(grep -o '4:[0-9,]*=[^;]*' "$LOG" | tail -4 | tr '\n' ' ')" = "4:150,130=2 4:150,80=0 4:235,80=0 4:320,80=1 " ] ||
@@ -108,9 +108,9 @@ press $T 200 260; press $T 200 260; press $T 290 260; report  # Apply, again wit
 grep -qx '   -400 <= x <= 400' "$W/report.txt" && grep -qx '   -17 <= z <= -17' "$W/report.txt" || gui_fail "Apply: $(grep '<=' "$W/report.txt")"
 # Statistics, then the report typed into the real file selector; Quit.
 menu "Calculate statistics (f5)"; menu "Save simulation information"
-wait_for 10 eval 'f=$(xdotool search --onlyvisible --name "^FileSelector$" | head -1); [ -n "$f" ]' || gui_fail "no file selector"
+wait_for 30 eval 'f=$(xdotool search --onlyvisible --name "^FileSelector$" | head -1); [ -n "$f" ]' || gui_fail "no file selector"
 xdotool windowfocus --sync "$f" type -- "$W/typed.txt"; xdotool key Return
-wait_for 10 grep -q '^   Box counting' "$W/typed.txt" || gui_fail "no statistics in the report typed into the selector"
+wait_for 30 grep -q '^   Box counting' "$W/typed.txt" || gui_fail "no statistics in the report typed into the selector"
 menu "Quit (q)"; gui_wait_exit
 [ "$STATUS" = 0 ] || gui_fail "Quit: status $STATUS"
 

@@ -43,14 +43,14 @@ shown 0 || gui_fail "-h left a window"
 
 gui_start
 grep -v '^$\|^not-a-number' "$LOG" | diff "$(dirname "$0")/startup.txt" - >&2 || gui_fail "the forms or menus differ"
-wait_for 10 eval '[ "$(size_of "$WID")" = 800x600 ]' || gui_fail "window $(size_of "$WID")"
+wait_for 30 eval '[ "$(size_of "$WID")" = 800x600 ]' || gui_fail "window $(size_of "$WID")"
 shown 1 || gui_fail "a form is shown at start-up"
 xwininfo -root -children | grep -q '"XForm")' || gui_fail "the toolkit was not initialised"
 # The circles seen face on are as wide as high, before and after a resize.
 key F4 F3 F2
 for size in 800x600 600x600 700x500; do
   xdotool windowsize "$WID" ${size/x/ }
-  wait_for 10 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
+  wait_for 30 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
   dump "$size"; [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
   read -r x0 y0 x1 y1 < <(probe extent "$size.tga" 128 255 128)
   [ $((x1 - x0 - y1 + y0)) -le 2 ] && [ $((y1 - y0 - x1 + x0)) -le 2 ] && [ $((x1 - x0)) -gt 100 ] ||
@@ -63,7 +63,7 @@ gui_quit q
 
 while read -r size quit cursor args; do
   gui_start $args || gui_fail "$args: no window"
-  wait_for 10 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "$args: window $(size_of "$WID"), expected $size"
+  wait_for 30 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "$args: window $(size_of "$WID"), expected $size"
   [ "$(grep -c '^cursor 101$' "$LOG")" = "$cursor" ] || gui_fail "$args: the cursor hidden $(grep -c '^cursor' "$LOG") times"
   gui_quit "$quit"
 done <<'RUNS'
@@ -78,7 +78,7 @@ RUNS
 # under Xvfb has none: freeglut then ends the program with status 1.
 for run in "800x600 -s" "1600x600 -ss -s"; do
   if gui_start ${run#* }; then
-    wait_for 10 eval '[ "$(size_of "$WID")" = ${run%% *} ]' || gui_fail "$run: window $(size_of "$WID")"
+    wait_for 30 eval '[ "$(size_of "$WID")" = ${run%% *} ]' || gui_fail "$run: window $(size_of "$WID")"
     gui_quit q
   else
     gui_wait_exit
