@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Drives dla3d under a private Xvfb; source it from a test script.
+# Drives dla3d under a private Xvfb; source it from a test script, or run
+# "harness.sh PROGRAM ARGS..." for the program on a server of its own.
 #   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
 #   gui_start_xvfb          a server of our own (it picks a free display)
 #   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame
@@ -176,3 +177,9 @@ dump() {
   wait_for 20 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
   mv "$W/$n" "$W/$1.tga"
 }
+
+if [ "$0" = "${BASH_SOURCE[0]}" ]; then
+  gui_init "$1"
+  gui_start_xvfb
+  "$GUI_PROG" "${@:2}"
+fi
