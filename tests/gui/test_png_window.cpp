@@ -1,13 +1,9 @@
-// The window's side of the picture test (test_png.sh): takes dla3d-batch's
-// options, --png included, and runs the batch program's own RunBatch; where
-// the batch program would draw offscreen, this opens a GLUT window of the
-// picture's size and lets the desktop's display callback (HandleDisplay)
-// draw three frames, the last with a window dump (w): 0000.tga in the
-// current directory. The information overlay is off (F2).
+// The window's side of the picture test (test_png.sh): runs dla3d-batch's
+// RunBatch on its options, but draws the picture in a GLUT window of its
+// size with the desktop's display callback and dumps the third frame (w) to
+// 0000.tga; the information overlay off (F2).
 //   test_png_window --encode RAW WIDTH HEIGHT OUT.tga
-// writes pixels (RGBA, rows from the bottom) as the window dump writes its
-// own, so that a picture can be compared with a dump byte for byte: the
-// dump's run-length coding rewrites a few pixels by design.
+// codes RGBA pixels (rows from the bottom) as the window dump codes its own.
 #include <GL/freeglut.h>
 #include <stdio.h>
 #include <stdlib.h>  // atoi()
