@@ -35,6 +35,13 @@ done
 printf 'tiny' >"$dir/short.stl"
 expect 255 "Failed to read an expected STL header" --stl "$dir/short.stl"
 expect 1 "dla3d-batch: --csv: cannot create \"$dir/none/c.csv\": No such file or directory" --cells 20 --csv "$dir/none/c.csv"
+# A model or summary that cannot be created is reported; the others are still written.
+for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "summary x.json"; do
+  read -r option name <<<"$run"
+  expect 1 "dla3d-batch: --$option: cannot create \"$dir/none/$name\": No such file or directory" --cells 20 \
+    --$option "$dir/none/$name" --info "$dir/out/i.txt"
+  [ -s "$dir/out/i.txt" ] || { echo "FAIL: --$option: no other file written"; fail=1; }
+done
 expect 255 "Failed to open output slice file \"$dir/none/slice_000.txt\"" --cells 20 --slices 2 --slice-dir "$dir/none"
 "$bin" --help | grep -q -- "--seed-file PATH" || { echo "FAIL: --help lacks the options"; fail=1; }
 
