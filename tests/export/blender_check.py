@@ -71,5 +71,4 @@ if s and (len(s.vertices) != 3 * nfacets or len(s.polygons) != nfacets):
 
 for e in errors[:10]:
     print("FAIL:", e)
-print("blender: %s %s" % (path, "FAILED" if errors else "ok"))
 sys.exit(1 if errors else 0)

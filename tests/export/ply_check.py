@@ -30,4 +30,3 @@ for i, (x, y, z, w, r) in enumerate(struct.iter_unpack("<fffdi", body[:24 * len(
 edges = sorted(struct.iter_unpack("<ii", body[24 * len(rows):]))
 if edges != sorted(links):
     sys.exit("FAIL: the edges are not the parent links (%d of %d agree)" % (len(set(edges) & set(links)), len(links)))
-print("ok: %d cells in %d trees, %d edges" % (len(rows), len(set(root)), len(edges)))
