@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>  // drand48()
 
+#include <algorithm>  // std::mismatch
 #include <set>
 #include <vector>
 
@@ -98,24 +99,20 @@ static int ExpectSamePicture(int drawmode, int minlit, int mincolours, const cha
   FRAME ref = Draw(drawmode, 1);
   FRAME arr = Draw(drawmode, 0);
 
-  int lit = 0, differ = 0, first = -1;
+  int lit = 0;
   std::set<unsigned> colours;
   for (int k = 0; k < kWidth * kHeight; k++) {
     const unsigned char *a = &ref.rgba[4 * k];
-    const unsigned char *b = &arr.rgba[4 * k];
     if (a[0] | a[1] | a[2]) {
       lit++;
       colours.insert(a[0] << 16 | a[1] << 8 | a[2]);
     }
-    if (memcmp(a, b, 4) != 0) {
-      differ++;
-      if (first < 0) first = k;
-    }
   }
+  int first = (int)(std::mismatch(ref.rgba.begin(), ref.rgba.end(), arr.rgba.begin()).first - ref.rgba.begin()) / 4;
   EXPECT_GE(lit, minlit) << "too little drawn to compare (mode " << drawmode << ")";
   EXPECT_GE((int)colours.size(), mincolours) << "too few colours to compare (mode " << drawmode << ")";
-  EXPECT_EQ(differ, 0) << "pixels differ in mode " << drawmode << ", first at x " << first % kWidth << " y "
-                       << first / kWidth;
+  EXPECT_TRUE(ref.rgba == arr.rgba) << "pixels differ in mode " << drawmode << ", first at x " << first % kWidth
+                                    << " y " << first / kWidth;
   for (int c = 0; c < 4; c++)
     EXPECT_EQ(ref.colour[c], arr.colour[c]) << "current colour component " << c << " (mode " << drawmode << ")";
   EXPECT_FALSE(arr.vertexarray) << "vertex array left enabled";
