@@ -44,11 +44,6 @@ cells=$(sed -n 's/^Number of particles: //p' "$W/gui/info")
 [ "${cells:-0}" -gt 1 ] || gui_fail "no growth: $cells cells"
 "$batch" --no-progress --sample 11 --seed-file "$W/seeds.txt" --cells "$cells" "${args[@]}" || gui_fail "batch status $?"
 for f in "$W"/gui/*; do cmp "$f" "$W/batch/${f##*/}" >&2 || gui_fail "${f##*/}: the window's file differs from the batch program's"; done
-for f in gui/pov batch/pov; do  # both render, with the home camera
-  (cd "$W" && povray +I$f +O$f.png +FN +W80 +H60 -D -V >$f.out 2>&1) && [ -s "$W/$f.png" ] || gui_fail "povray $f: $(tail -3 "$W/$f.out")"
-  [ "$(grep -E '^#declare V[PU] = |^ angle ' "$W/$f")" = $'#declare VP = <60,0,0>;\n#declare VU = <0,0,1>;\n angle 60 // Aperture in degrees' ] ||
-    gui_fail "$f: not the home camera"
-done
 
 # Cancelled or empty answers write nothing; the separators do nothing.
 before=$(ls -R "$W")
