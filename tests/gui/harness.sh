@@ -10,9 +10,6 @@
 #   field W H X Y TEXT / press W H X Y   an input or a button at layout X Y of a centred W x H form
 #   dump NAME               w, and the new numbered dump renamed NAME.tga
 #   gui_quit [KEY]          the key ends the program with status 0
-# No window manager: focus does not follow the pointer, so keys are sent to
-# the window (xdotool key --window), and a key that ends the program is
-# typed into the focused window (else xdotool reports BadWindow on key-up).
 GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_PROBER="" GUI_RETRIES=0
 PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 
@@ -99,7 +96,10 @@ gui_quit() {
 # N top-level windows mapped (forms have no name to search by).
 shown() { [ "$(xwininfo -root -children | awk '/^ +0x/ {print $1}' | xargs -n1 xwininfo -id | grep -c IsViewable)" = "$1" ]; }
 size_of() { xwininfo -id "$1" | awk '/Width:/ {w = $2} /Height:/ {h = $2} END {print w "x" h}'; }
-key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }  # no focus: xdotool complains
+# No window manager: focus does not follow the pointer, so keys go to the
+# window (xdotool complains), and a quitting key to the focused window (else
+# BadWindow on key-up).
+key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }
 # Never mousemove --sync: it waits for ever when the pointer is already there.
 drag() {
   local i steps=""
