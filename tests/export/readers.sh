@@ -1,23 +1,56 @@
 #!/usr/bin/env bash
-# The batch program's files for today's tools, read by real readers: glTF by
-# Khronos's validator, Blender and assimp; PLY by assimp and a struct reader;
-# the JSON summary against the CSV and report of its run. A missing reader
-# fails the check.
-# Usage: check_modern.sh BATCH gltf|ply|summary
+# Real readers of every file dla3d-batch writes (the window dumps are read by
+# Pillow and ImageMagick in the GUI tests); a missing reader fails the check.
+#   models   POV-Ray renders; the VRML, DXF and STL readers load
+#   gltf     Khronos's validator, Blender and assimp
+#   ply      assimp and a struct reader
+#   summary  the JSON against the CSV and report of its run
+# Usage: readers.sh BATCH models|gltf|ply|summary
 set -u
-bin=$1
+bin=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)
 dir=$(mktemp -d)
 trap 'rm -rf "$dir"' EXIT
 status=0
 fail() { echo "FAIL: $*" >&2; status=1; }
-for tool in node blender assimp /usr/bin/python3; do
+for tool in povray tovrmlx3d admesh assimp node blender /usr/bin/python3; do
   command -v "$tool" >/dev/null 2>&1 || { echo "FAIL: $tool is not installed (scripts/install-deps.sh --test)" >&2; exit 1; }
 done
 # Several roots grow separately (association on) and are coloured by root.
 roots=(--roots 3 --root-distribution 2 --associate)
 
 case "$2" in
+models)
+  cd "$dir" || exit 1
+  # Default settings; then two roots each with its texture, inside a box.
+  "$bin" --no-progress --cells 400 --pov a.pov --pov-sweep b.pov || fail "first batch run"
+  "$bin" --no-progress --cells 300 --roots 2 --root-distribution 2 --associate --sample 11 --pov c.pov --pov-sweep d.pov \
+    --vrml e.wrl --vrml-caps f.wrl --dxf-points g.dxf --stl-out h.stl || fail "second batch run"
+  for f in a b c d; do
+    povray +I$f.pov +O$f.png +FN +W80 +H60 -D -V >$f.out 2>&1
+    [ $? = 0 ] && [ -s $f.png ] && ! grep -q "Parse Error" $f.out || fail "povray $f.pov: $(tail -5 $f.out)"
+  done
+  for f in e f; do
+    tovrmlx3d $f.wrl >/dev/null 2>$f.err  # exits 0 even on errors
+    [ ! -s $f.err ] || fail "tovrmlx3d $f.wrl: $(head -5 $f.err)"
+  done
+  [ "$(admesh -e h.stl 2>&1 | sed -n 's/^Number of facets *: *\([0-9]*\).*/\1/p' | head -1)" = 16 ] || fail "admesh h.stl"
+  [ "$(assimp info h.stl 2>&1 | sed -n 's/^Faces: *\([0-9]*\).*/\1/p' | head -1)" = 16 ] || fail "assimp h.stl"
+  /usr/bin/python3 - <<'PY' || status=1
+import re, sys, ezdxf
+bad = []
+# No VRML reader notices an index past the point list: 298 segments and 16 faces.
+for f in ("e.wrl", "f.wrl"):
+    sets = re.findall(r"point \[\n(.*?)\n   \]\n  \}\n  coordIndex \[\n(.*?)  \]\n", open(f).read(), re.S)
+    for points, index in sets:
+        n, idx = len(points.split("\n")), [int(v) for v in re.findall(r"-?\d+", index)]
+        if not idx or idx[-1] != -1 or min(idx) < -1 or max(idx) >= n: bad.append(f"{f}: indices {idx[:8]} of {n} points")
+    if len(sets) != 298 + 16: bad.append(f"{f}: {len(sets)} face sets")
+if len(ezdxf.readfile("g.dxf").modelspace().query("POINT")) != 10 * 298: bad.append("g.dxf: ezdxf point count")
+for b in bad: print("FAIL:", b)
+sys.exit(1 if bad else 0)
+PY
+  ;;
 gltf)
   # One root and several, with the sphere sample and without, binary and JSON.
   runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 ${roots[*]}" "roots.gltf ${roots[*]}")
@@ -68,5 +101,4 @@ sys.exit(0 if 2.3 < d < 2.6 else "FAIL: dimension %s, not between 2.3 and 2.6" %
   fail "unknown check $2"
   ;;
 esac
-[ $status = 0 ] && echo "ok: $2"
 exit $status
