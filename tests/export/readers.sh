@@ -56,7 +56,6 @@ gltf)
   runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 ${roots[*]}" "roots.gltf ${roots[*]}")
   for run in "${runs[@]}"; do
     read -r name opts <<<"$run"
-    # shellcheck disable=SC2086
     "$bin" --cells 300 --no-progress --csv "$dir/$name.csv" --info "$dir/$name.txt" --gltf "$dir/$name" $opts ||
       { fail "dla3d-batch $opts"; continue; }
     facets=$(awk '/^Faces in constraint surface: / {n = $5} END {print n + 0}' "$dir/$name.txt")
@@ -68,10 +67,9 @@ gltf)
     blender -b --factory-startup --python-exit-code 1 --python "$here/blender_check.py" -- "$dir/$name" "$dir/$name.csv" \
       "$facets" "$colouring" >"$dir/blender.out" 2>&1 ||
       { fail "blender on $name"; grep -E "FAIL|Error" "$dir/blender.out" | head >&2; }
-    # One mesh per tree that has a tube.
-    meshes=$(awk -F, 'NR > 1 { r[$1] = $2 < 0 ? $1 : r[$2]; if ($2 >= 0 && !seen[r[$1]]++) n++ } END { print n }' \
-      "$dir/$name.csv")
-    [ "$facets" -gt 0 ] && meshes=$((meshes + 1))
+    # One mesh per tree that has a tube, one for the surface.
+    meshes=$(awk -F, -v f="$facets" 'NR > 1 { r[$1] = $2 < 0 ? $1 : r[$2]; if ($2 >= 0 && !seen[r[$1]]++) n++ }
+      END { print n + (f > 0) }' "$dir/$name.csv")
     info=$(assimp info "$dir/$name" 2>&1) || fail "assimp info $name: $(tail -3 <<<"$info")"
     grep -q "^Meshes: *$meshes\$" <<<"$info" && grep -q "^Faces: *$((20 * tubes + facets))\$" <<<"$info" ||
       fail "assimp read $name as $(grep -E '^(Meshes|Faces): *[0-9]' <<<"$info" | tr -s ' \n' ' '), expected $meshes meshes"
