@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
-# What the frames show: the information text and the extras with F2 and F1,
-# growth and its pause, the aggregate's and the surface's drawing modes from
-# the menus, a surface read while its drawing is off or solid, colours by
-# root, and both eyes side by side with "-ss".
-# Usage: drawing.sh DLA3D SHIM
+# What the frames show: text and extras (F2, F1), growth and its pause, the
+# aggregate's and the surface's drawing modes, a surface read while its
+# drawing is off or solid, colours by root, both eyes side by side ("-ss").
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 GUI_SCREEN=1700x1000x24

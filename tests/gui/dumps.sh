@@ -3,7 +3,6 @@
 # dump that cannot be written says so and takes no number; r dumps every
 # frame until pressed again. Recording F5: the boxes of the count, then the
 # statistics block fading from white, one step of 1/500 a frame.
-# Usage: dumps.sh DLA3D SHIM
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 gui_start_xvfb

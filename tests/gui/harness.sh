@@ -3,10 +3,10 @@
 # "harness.sh PROGRAM ARGS..." for the program on a server of its own.
 #   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
 #   gui_start_xvfb          a server of our own (it picks a free display)
-#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame
+#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame (1: no window)
 #   key KEYS... / drag X1 Y1 X2 Y2 [BUTTON [MODIFIER]]   input in window coordinates
 #   menu LABEL [SUBLABEL]   a menu entry by label (#N: by row), as the shim saw the menus built
-#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH
+#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH; waits for the file
 #   field W H X Y TEXT / press W H X Y   an input or a button at layout X Y of a centred W x H form
 #   dump NAME               w, and the new numbered dump renamed NAME.tga
 #   gui_quit [KEY]          the key ends the program with status 0
@@ -59,7 +59,6 @@ gui_lost_display() {
 gui_running() { [ -n "$GUI_PID" ] && ! grep -qs '^State:.Z' /proc/$GUI_PID/status && [ -e /proc/$GUI_PID ]; }
 window_shown() { WID=$(xdotool search --onlyvisible --name '^Diffusion Limited Aggregation$' 2>/dev/null | head -1); [ -n "$WID" ]; }
 
-# gui_start ARGS...: returns 1 when the program ended without a window.
 gui_start() {
   : >"$LOG"; DUMPNO=0 MENUHEIGHT=""
   (cd "$W" && LD_PRELOAD=$GUI_SHIM DLA_SHIM_LOG=$LOG DLA_SHIM_ANSWER=$GUI_TMP/answer exec "$GUI_PROG" "$@") \
@@ -152,7 +151,6 @@ menu() {
   wait_for 10 eval '! menus_open 1' || gui_fail "menu still open after \"$*\""
 }
 
-# save PATH LABEL [SUB]: waits until the file is written.
 save() {
   local path=$1; shift
   rm -f "$path"; echo "$path" >"$GUI_TMP/answer"; menu "$@"

@@ -1,10 +1,7 @@
 #!/usr/bin/env bash
-# The menus, the file selector, the message box and the forms: every file
-# written through the menus equals the batch program's at the same cell
-# count, under its selector title; reading seeds and surfaces, good and bad;
-# the settings, slice and transform forms with their rules; the root and
-# source menus' names; cancelled selectors, separators, Quit.
-# Usage: menus.sh DLA3D SHIM DLA3D-BATCH
+# Menus, file selector, message box and forms: every file saved equals the
+# batch program's at the same cell count; seeds and surfaces read, good and
+# bad; the forms' rules; the root and source names; cancels, separators, Quit.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 batch=$(realpath "$3")

@@ -1,9 +1,8 @@
-// Preloaded into dla3d by the GUI tests (LD_PRELOAD). Records in
-// $DLA_SHIM_LOG the forms as they are built (one line per form), the menus
-// (one line per menu), the texts the forms are filled with, every file
-// selector prompt and message box, the cursor, and a not-a-number colour
-// with its frame. A file selector is answered from the file $DLA_SHIM_ANSWER
-// when it exists (removed once read; "CANCEL" cancels), else shown as usual.
+// Preloaded into dla3d by the GUI tests. Records in $DLA_SHIM_LOG the forms
+// and menus as built (a line each), the forms' texts, file selector prompts,
+// message boxes, the cursor, a not-a-number colour with its frame. A file
+// selector is answered from $DLA_SHIM_ANSWER when it exists (removed once
+// read; "CANCEL" cancels), else shown.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>

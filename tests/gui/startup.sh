@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
-# Start-up: the usage text, the forms and menus as built and filled, hidden
-# forms, the window size of each command line, a resize reaching the
-# projection and the dumps, the first frame's statistics block, the
-# quitting keys, and the stereo visual "-s" asks for.
-# Usage: startup.sh DLA3D SHIM
+# Start-up: the usage text, the forms and menus as built and filled, the
+# window size of each command line, a resize reaching the projection and the
+# dumps, the first frame's statistics, the quitting keys, stereo visuals.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 {

@@ -4,10 +4,8 @@ packets that cross a row), files named from the directory given. One
 command a line from standard input, one answer a line ("error" if it fails);
 rows top down, a box is X0 Y0 X1 Y1 (exclusive).
   size FILE / lit FILE [BOX] / count FILE R G B [BOX] / extent FILE R G B
-  colours FILE          how many colours the lit pixels take
-  raw FILE OUT          the pixels as glReadPixels gives them (RGBA, rows from
-                        the bottom, alpha 255) into OUT; prints the size
-  other FILE R,G,B...   lit pixels of none of the colours
+  colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
+  raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
   greys FILE            lit grey pixels and how many levels they take
   mixed FILE            pixels with two or three channels lit
   same FILE1 FILE2 / having R G B FILE... (files holding it)
