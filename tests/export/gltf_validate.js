@@ -1,7 +1,5 @@
-// Validates a glTF file with Khronos's validator. Prints "FILE errors E
-// warnings W infos I vertices V triangles T", then every error and warning;
-// exits 1 when there is any.
-// Usage: node gltf_validate.js FILE
+// node gltf_validate.js FILE: Khronos's validator. Prints "FILE errors E warnings W
+// infos I vertices V triangles T", then every error and warning; exits 1 on any.
 'use strict';
 const fs = require('fs');
 const path = require('path');

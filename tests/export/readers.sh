@@ -1,11 +1,9 @@
 #!/usr/bin/env bash
-# Real readers of every file dla3d-batch writes (the window dumps are read by
-# Pillow and ImageMagick in the GUI tests); a missing reader fails the check.
-#   models   POV-Ray renders; the VRML, DXF and STL readers load
-#   gltf     Khronos's validator, Blender and assimp
-#   ply      assimp and a struct reader
-#   summary  the JSON against the CSV and report of its run
-# Usage: readers.sh BATCH models|gltf|ply|summary
+# Real readers of every file dla3d-batch writes (the GUI tests read the
+# window dumps); a missing reader fails the check.
+# Usage: readers.sh BATCH models|gltf|ply|summary: POV-Ray, VRML, DXF and STL
+# readers; Khronos's validator, Blender and assimp; assimp and a struct
+# reader; the summary against the CSV and report of its run.
 set -u
 bin=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)
@@ -16,7 +14,6 @@ fail() { echo "FAIL: $*" >&2; status=1; }
 for tool in povray tovrmlx3d admesh assimp node blender /usr/bin/python3; do
   command -v "$tool" >/dev/null 2>&1 || { echo "FAIL: $tool is not installed (scripts/install-deps.sh --test)" >&2; exit 1; }
 done
-# Several roots grow separately (association on) and are coloured by root.
 roots=(--roots 3 --root-distribution 2 --associate)
 
 case "$2" in
