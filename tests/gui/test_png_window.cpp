@@ -1,9 +1,6 @@
-// The window's side of the picture test (test_png.sh): runs dla3d-batch's
-// RunBatch on its options, but draws the picture in a GLUT window of its
-// size with the desktop's display callback and dumps the third frame (w) to
-// 0000.tga; the information overlay off (F2).
-//   test_png_window --encode RAW WIDTH HEIGHT OUT.tga
-// codes RGBA pixels (rows from the bottom) as the window dump codes its own.
+// test_png.sh's window side: dla3d-batch's run, its picture drawn in a GLUT
+// window by the desktop's display callback (no overlay) and dumped (w) to
+// 0000.tga. "--encode RAW WIDTH HEIGHT OUT.tga" codes RGBA pixels as a dump.
 #include <GL/freeglut.h>
 #include <stdio.h>
 #include <stdlib.h>  // atoi()
