@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
-# Fails when a core program links a window system library or the window
-# system's OpenGL. Usage: check_no_gl.sh [--offscreen] PROGRAM
-# With --offscreen it must link OSMesa instead: OpenGL drawn into memory,
-# which must not meet libGL in the same process (both define every gl*).
+# check_no_gl.sh [--offscreen] PROGRAM: fails when it links a window system
+# or its OpenGL; with --offscreen, when it does not link OSMesa (OpenGL drawn
+# into memory, which must not meet libGL: both define every gl*).
 [ "$1" = --offscreen ] && { offscreen=1; shift; }
 libs=$(ldd "$1") || { echo "$1: ldd failed" >&2; exit 1; }
 if grep -E 'libGL\.|libGLX|libGLU|libOpenGL|libglut|libforms|libX11' <<<"$libs"; then

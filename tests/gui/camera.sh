@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# The camera keys and mouse, read from the camera a POV-Ray scene is saved
-# with (VP, VU and the angle): each key and drag turns, rolls, zooms or
-# moves the eye by its amount and in its direction, h brings the home back.
+# Camera keys and mouse, read from a saved POV-Ray scene's VP, VU and angle:
+# each turns, rolls, zooms or moves the eye by its amount; h goes home.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 gui_start_xvfb

@@ -31,7 +31,6 @@ wait_for 10 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growt
 key F3; dump held1; sleep 0.5; dump held2
 same held1 held2 || gui_fail "the aggregate changed while paused"
 
-# The surface alone, in each mode.
 menu "DLA drawing mode" "Off"; menu "Sample constraint surfaces" "Cylinder"; dump wire
 Wire=$(count wire 128 128 128)
 [ "$Wire" -ge 500 ] && [ "$(other wire 128,128,128)" = 0 ] || gui_fail "wireframe: $Wire grey pixels"

@@ -9,7 +9,6 @@ mode=$1 batch=$GUI_PROG window=${3:+$(realpath "$3")}
 cd "$W" || exit 1
 
 if [ "$mode" = options ]; then
-  # Refused sizes: status 2, a message naming --size, no file.
   for bad in 800 x600 800x 0x600 800x0 8193x600 800x8193 800X600 +800x600 800x600x1 -1x5 ' 800x600' 8e2x600 ''; do
     "$batch" --cells 2 --png bad.png --size "$bad" 2>err.txt
     status=$?
@@ -23,7 +22,6 @@ if [ "$mode" = options ]; then
   "$batch" --cells 300 --png p.png || gui_fail "default size: status $?"
   [ "$(probe same p.png p800x600.png)" = same ] && [ "$(probe lit p.png)" -ge 1000 ] && [ "$(probe colours p.png)" -ge 3 ] ||
     gui_fail "default picture"
-  # Aggregate off and no extras: black; with the extras: something drawn.
   "$batch" --cells 300 --png off.png --dla-draw 1 --no-extras || gui_fail "--dla-draw 1 --no-extras: status $?"
   [ "$(probe lit off.png)" = 0 ] || gui_fail "--dla-draw 1 --no-extras drew something"
   "$batch" --cells 300 --png extras.png --dla-draw 1 || gui_fail "--dla-draw 1: status $?"
@@ -48,8 +46,7 @@ picture() {
   [ "$(probe lit "$name/batch.png")" -ge "$minlit" ] && [ "$(probe colours "$name/batch.png")" -ge "$mincolours" ] ||
     gui_fail "$name: too little drawn"
 }
-# Lines coloured by weight with the extras (release points included: the
-# same growth gives the same points).
+# Lines by weight with the extras (the same growth gives the same release points).
 picture lines 8000 40 --cells 4000
 # Points coloured by root, no extras; a size of its own.
 picture points 1500 3 --cells 3000 --roots 3 --root-distribution 8 --associate --dla-draw 2 --no-extras --size 640x480

@@ -7,10 +7,9 @@ source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 SOAK_SECONDS=${SOAK_SECONDS:-60} SOAK_PAUSE_SECONDS=${SOAK_PAUSE_SECONDS:-10} RANDOM=${SOAK_SEED:=$((RANDOM + $$))}
 echo "soak: $SOAK_SECONDS s, seed $SOAK_SEED"
-# Bounds (kB). Per cell: its record, the boxes of a statistics run, the
-# renderer's copy of a frame of tubes (about 1 kB); a leak per growth step
-# would not fit. Fixed: each drawing mode's buffers, the largest sample
-# surface, a dump buffer.
+# Bounds (kB). Per cell: its record, a statistics run's boxes, a frame of
+# tubes in the renderer (1 kB); a leak per step would not fit. Fixed: each
+# drawing mode's buffers, the largest sample surface, a dump buffer.
 PER_CELL_KB=4 FIXED_KB=${SOAK_FIXED_KB:-32768} PAUSE_KB=${SOAK_PAUSE_KB:-1024}
 rss() { awk '/^VmRSS:/ {print $2}' /proc/$GUI_PID/status; }
 max=0 peak=0 growing=1 actions=0 dumps=0
