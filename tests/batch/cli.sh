@@ -63,8 +63,7 @@ expect() {  # expect STATUS TEXT ARGS...: the status, TEXT on standard error, an
 files=(--csv "$dir/out/c.csv" --info "$dir/out/i.txt" --pov "$dir/out/p.pov")
 expect 2 "dla3d-batch: --sample: 5 is out of range (allowed: 1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100)" --sample 5 "${files[@]}"
 expect 2 "dla3d-batch: unknown option \"on\" (see --help)" --stats on "${files[@]}"
-# Unreachable: association with 3 roots but the origin places one; no root at all
-# (the last two runs of the table above, with --steps).
+# Unreachable (the table's last two runs give --steps): 3 associated roots, one placed; no root placed.
 expect 2 "dla3d-batch: --associate with 3 roots but 1 placed: the next cell must join root class 1, which has no cell (give --steps N to run anyway)" \
   --roots 3 --root-distribution 1 --associate --cells 300 "${files[@]}"
 expect 2 "dla3d-batch: no root is placed (--roots 1, --root-distribution 10): no cell can ever stick (give --steps N to run anyway)" \

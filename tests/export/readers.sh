@@ -75,8 +75,7 @@ gltf)
 ply)
   "$bin" --cells 300 --no-progress "${roots[@]}" --csv "$dir/a.csv" --ply "$dir/a.ply" || fail "dla3d-batch"
   /usr/bin/python3 "$here/ply_check.py" "$dir/a.ply" "$dir/a.csv" || status=1
-  # assimp's own validation refuses any mesh without faces, point clouds
-  # included: -r reads the file as it is.
+  # -r: assimp's own validation refuses a mesh without faces, a point cloud too.
   info=$(assimp info "$dir/a.ply" -r 2>&1) || fail "assimp info: $(tail -3 <<<"$info")"
   grep -q "^Vertices: *300\$" <<<"$info" || fail "assimp: $(grep -E '^Vertices' <<<"$info"), expected 300"
   ;;
