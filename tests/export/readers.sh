@@ -49,7 +49,6 @@ sys.exit(1 if bad else 0)
 PY
   ;;
 gltf)
-  # One root and several, with the sphere sample and without, binary and JSON.
   runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 ${roots[*]}" "roots.gltf ${roots[*]}")
   for run in "${runs[@]}"; do
     read -r name opts <<<"$run"

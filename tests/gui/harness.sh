@@ -34,7 +34,6 @@ gui_init() {
   exec 7>"$GUI_TMP/ask" 8<"$GUI_TMP/tell"
 }
 
-# wait_for SECONDS COMMAND...: polls until the command succeeds.
 wait_for() {
   local end=$((SECONDS + $1)); shift
   until "$@"; do [ $SECONDS -le $end ] || return 1; sleep 0.05; done

@@ -62,7 +62,11 @@ done
 key a; sleep 2; cells
 # The memory settles first (up to a minute): a frame or a statistics count may be under way.
 last=0
-wait_for 60 eval '[ "$(rss)" = "$last" ] || { last=$(rss); sleep 2; false; }'
+for i in $(seq 30); do
+  [ "$(rss)" != "$last" ] || break
+  last=$(rss)
+  sleep 2
+done
 sample
 paused=$CELLS before=$max pausemax=0
 for i in $(seq "$SOAK_PAUSE_SECONDS"); do
