@@ -1,7 +1,6 @@
-"""Reads a binary PLY written by dla3d-batch --ply with the struct module and
-checks it against the CSV of the same run: the header, every cell's position
-(as float), weight and root, and one edge from each cell's parent to it.
-Usage: /usr/bin/python3 ply_check.py FILE.ply FILE.csv"""
+"""Reads dla3d-batch's binary PLY with struct against the CSV of the run: the
+header, each cell's position (as float), weight and root, an edge from each
+cell's parent. Usage: /usr/bin/python3 ply_check.py FILE.ply FILE.csv"""
 import struct
 import sys
 
@@ -9,8 +8,7 @@ rows = [l.split(",") for l in open(sys.argv[2]).read().splitlines()[1:]]
 parent = [int(r[1]) for r in rows]
 root = list(range(len(rows)))
 for i, q in enumerate(parent):
-    if q >= 0:
-        root[i] = root[q]
+    root[i] = root[q] if q >= 0 else i
 links = [(q, i) for i, q in enumerate(parent) if q >= 0]
 
 head, body = open(sys.argv[1], "rb").read().split(b"end_header\n", 1)
@@ -30,4 +28,3 @@ for i, (x, y, z, w, r) in enumerate(struct.iter_unpack("<fffdi", body[:24 * len(
 edges = sorted(struct.iter_unpack("<ii", body[24 * len(rows):]))
 if edges != sorted(links):
     sys.exit("FAIL: the edges are not the parent links (%d of %d agree)" % (len(set(edges) & set(links)), len(links)))
-print("ok: %d cells in %d trees, %d edges" % (len(rows), len(set(root)), len(edges)))

@@ -1,29 +1,24 @@
 #!/usr/bin/env bash
-# The camera keys and mouse, read from the camera a POV-Ray scene is saved
-# with (VP, VU and the angle): each key and drag turns, rolls, zooms or
-# moves the eye by its amount and in its direction, h brings the home back.
-# Usage: camera.sh DLA3D SHIM
+# Camera keys and mouse, read from a saved POV-Ray scene's VP, VU and angle:
+# each turns, rolls, zooms or moves the eye by its amount; h goes home.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 gui_start_xvfb
 gui_start
 key F4 F3  # a small aggregate, held: the scenes stay small
-n=0
 pov() { save "$W/$1.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"; }
 # camera WANT: the scene's "VP VU angle" as nine numbers and one, against
 # WANT (awk expressions), each within the 6 digits %g gives.
 camera() {
-  n=$((n + 1))
   pov c
-  local got
-  got=$(sed -n 's/^#declare VP = <\(.*\)>;$/\1/p; s/^#declare VU = <\(.*\)>;$/\1/p; s/^ angle \([^ ]*\) .*/\1/p' "$W/c.pov" | tr ',\n' '  ')
+  local got=$(sed -n 's/^#declare VP = <\(.*\)>;$/\1/p; s/^#declare VU = <\(.*\)>;$/\1/p; s/^ angle \([^ ]*\) .*/\1/p' "$W/c.pov" | tr ',\n' '  ')
   awk -v got="$got" -v want="$1" 'BEGIN {
     n = split(got, g, " "); split(want, w, " ")
     for (i = 1; i <= 7; i++) {
       e = w[i]; gsub(/c2/, cos(0.02), e); gsub(/s2/, sin(0.02), e)
       split(e, t, "*"); v = t[1] * (t[2] == "" ? 1 : t[2]) * (t[3] == "" ? 1 : t[3])
       if (n != 7 || (g[i] - v) ^ 2 > (1e-5 * (v < 0 ? -v : v) + 1e-6) ^ 2) exit 1
-    } }' || gui_fail "check $n: camera VP VU angle \"$got\", expected \"$1\""
+    } }' || gui_fail "camera VP VU angle \"$got\", expected \"$1\""
 }
 # The arrows turn by 0.02 rad: Left about the up vector to -y, Up about the
 # right vector taking the eye down; + and - zoom by 0.95, . and , dolly.

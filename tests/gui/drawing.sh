@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
-# What the frames show: the information text and the extras with F2 and F1,
-# growth and its pause, the aggregate's and the surface's drawing modes from
-# the menus, a surface read while its drawing is off or solid, colours by
-# root, and both eyes side by side with "-ss".
-# Usage: drawing.sh DLA3D SHIM
+# What the frames show: text and extras (F2, F1), growth and its pause, the
+# aggregate's and the surface's drawing modes, a surface read while its
+# drawing is off or solid, colours by root, both eyes side by side ("-ss").
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 GUI_SCREEN=1700x1000x24
@@ -33,7 +31,6 @@ wait_for 30 eval 'dump grown; [ "$(lit grown)" -gt "$L" ]' || gui_fail "no growt
 key F3; dump held1; sleep 0.5; dump held2
 same held1 held2 || gui_fail "the aggregate changed while paused"
 
-# The surface alone, in each mode.
 menu "DLA drawing mode" "Off"; menu "Sample constraint surfaces" "Cylinder"; dump wire
 Wire=$(count wire 128 128 128)
 [ "$Wire" -ge 500 ] && [ "$(other wire 128,128,128)" = 0 ] || gui_fail "wireframe: $Wire grey pixels"

@@ -1,14 +1,11 @@
 #!/usr/bin/env bash
-# Window dumps: w writes one numbered TGA after the existing numbers; a
-# dump that cannot be written says so and takes no number; r dumps every
-# frame until pressed again. Recording F5: the boxes of the count, then the
-# statistics block fading from white, one step of 1/500 a frame.
-# Usage: dumps.sh DLA3D SHIM
+# Window dumps: w writes the next free number; one that cannot be written
+# says so and takes none; r dumps every frame until pressed again. Recorded
+# F5: the boxes of the count, then the statistics fading by 1/500 a frame.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 gui_start_xvfb
-echo keep0 >"$W/0000.tga"
-echo keep1 >"$W/0001.tga"
+for i in 0 1; do echo keep$i >"$W/000$i.tga"; done
 gui_start -d
 DUMPNO=2
 dump first

@@ -1,17 +1,15 @@
 #!/usr/bin/env bash
-# Drives dla3d under a private Xvfb; source it from a test script.
+# Drives dla3d under a private Xvfb; source it from a test script, or run
+# "harness.sh PROGRAM ARGS..." for the program on a server of its own.
 #   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
 #   gui_start_xvfb          a server of our own (it picks a free display)
-#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame
+#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame (1: no window)
 #   key KEYS... / drag X1 Y1 X2 Y2 [BUTTON [MODIFIER]]   input in window coordinates
 #   menu LABEL [SUBLABEL]   a menu entry by label (#N: by row), as the shim saw the menus built
-#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH
+#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH; waits for the file
 #   field W H X Y TEXT / press W H X Y   an input or a button at layout X Y of a centred W x H form
 #   dump NAME               w, and the new numbered dump renamed NAME.tga
 #   gui_quit [KEY]          the key ends the program with status 0
-# No window manager: focus does not follow the pointer, so keys are sent to
-# the window (xdotool key --window), and a key that ends the program is
-# typed into the focused window (else xdotool reports BadWindow on key-up).
 GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_PROBER="" GUI_RETRIES=0
 PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 
@@ -36,7 +34,6 @@ gui_init() {
   exec 7>"$GUI_TMP/ask" 8<"$GUI_TMP/tell"
 }
 
-# wait_for SECONDS COMMAND...: polls until the command succeeds.
 wait_for() {
   local end=$((SECONDS + $1)); shift
   until "$@"; do [ $SECONDS -le $end ] || return 1; sleep 0.05; done
@@ -61,7 +58,6 @@ gui_lost_display() {
 gui_running() { [ -n "$GUI_PID" ] && ! grep -qs '^State:.Z' /proc/$GUI_PID/status && [ -e /proc/$GUI_PID ]; }
 window_shown() { WID=$(xdotool search --onlyvisible --name '^Diffusion Limited Aggregation$' 2>/dev/null | head -1); [ -n "$WID" ]; }
 
-# gui_start ARGS...: returns 1 when the program ended without a window.
 gui_start() {
   : >"$LOG"; DUMPNO=0 MENUHEIGHT=""
   (cd "$W" && LD_PRELOAD=$GUI_SHIM DLA_SHIM_LOG=$LOG DLA_SHIM_ANSWER=$GUI_TMP/answer exec "$GUI_PROG" "$@") \
@@ -98,7 +94,10 @@ gui_quit() {
 # N top-level windows mapped (forms have no name to search by).
 shown() { [ "$(xwininfo -root -children | awk '/^ +0x/ {print $1}' | xargs -n1 xwininfo -id | grep -c IsViewable)" = "$1" ]; }
 size_of() { xwininfo -id "$1" | awk '/Width:/ {w = $2} /Height:/ {h = $2} END {print w "x" h}'; }
-key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }  # no focus: xdotool complains
+# No window manager: focus does not follow the pointer, so keys go to the
+# window (xdotool complains), and a quitting key to the focused window (else
+# BadWindow on key-up).
+key() { xdotool key --window "$WID" --delay 5 "$@" 2>/dev/null; }
 # Never mousemove --sync: it waits for ever when the pointer is already there.
 drag() {
   local i steps=""
@@ -151,7 +150,6 @@ menu() {
   wait_for 30 eval '! menus_open 1' || gui_fail "menu still open after \"$*\""
 }
 
-# save PATH LABEL [SUB]: waits until the file is written.
 save() {
   local path=$1; shift
   rm -f "$path"; echo "$path" >"$GUI_TMP/answer"; menu "$@"
@@ -176,3 +174,9 @@ dump() {
   wait_for 60 eval 'probe size "$n" >/dev/null 2>&1' || gui_fail "no window dump $n"
   mv "$W/$n" "$W/$1.tga"
 }
+
+if [ "$0" = "${BASH_SOURCE[0]}" ]; then
+  gui_init "$1"
+  gui_start_xvfb
+  "$GUI_PROG" "${@:2}"
+fi

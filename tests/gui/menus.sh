@@ -1,10 +1,7 @@
 #!/usr/bin/env bash
-# The menus, the file selector, the message box and the forms: every file
-# written through the menus equals the batch program's at the same cell
-# count, under its selector title; reading seeds and surfaces, good and bad;
-# the settings, slice and transform forms with their rules; the root and
-# source menus' names; cancelled selectors, separators, Quit.
-# Usage: menus.sh DLA3D SHIM DLA3D-BATCH
+# Menus, file selector, message box and forms: every file saved equals the
+# batch program's at the same cell count; seeds and surfaces read, good and
+# bad; the forms' rules; the root and source names; cancels, separators, Quit.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 batch=$(realpath "$3")
@@ -44,11 +41,6 @@ cells=$(sed -n 's/^Number of particles: //p' "$W/gui/info")
 [ "${cells:-0}" -gt 1 ] || gui_fail "no growth: $cells cells"
 "$batch" --no-progress --sample 11 --seed-file "$W/seeds.txt" --cells "$cells" "${args[@]}" || gui_fail "batch status $?"
 for f in "$W"/gui/*; do cmp "$f" "$W/batch/${f##*/}" >&2 || gui_fail "${f##*/}: the window's file differs from the batch program's"; done
-for f in gui/pov batch/pov; do  # both render, with the home camera
-  (cd "$W" && povray +I$f +O$f.png +FN +W80 +H60 -D -V >$f.out 2>&1) && [ -s "$W/$f.png" ] || gui_fail "povray $f: $(tail -3 "$W/$f.out")"
-  [ "$(grep -E '^#declare V[PU] = |^ angle ' "$W/$f")" = $'#declare VP = <60,0,0>;\n#declare VU = <0,0,1>;\n angle 60 // Aperture in degrees' ] ||
-    gui_fail "$f: not the home camera"
-done
 
 # Cancelled or empty answers write nothing; the separators do nothing.
 before=$(ls -R "$W")

@@ -1,9 +1,8 @@
-// Preloaded into dla3d by the GUI tests (LD_PRELOAD). Records in
-// $DLA_SHIM_LOG the forms as they are built (one line per form), the menus
-// (one line per menu), the texts the forms are filled with, every file
-// selector prompt and message box, the cursor, and a not-a-number colour
-// with its frame. A file selector is answered from the file $DLA_SHIM_ANSWER
-// when it exists (removed once read; "CANCEL" cancels), else shown as usual.
+// Preloaded into dla3d by the GUI tests. Records in $DLA_SHIM_LOG the forms
+// and menus as built (a line each), the forms' texts, file selector prompts,
+// message boxes, the cursor, a not-a-number colour with its frame. A file
+// selector is answered from $DLA_SHIM_ANSWER when it exists (removed once
+// read; "CANCEL" cancels), else shown.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
@@ -74,31 +73,22 @@ const char *fl_show_fselector(const char *message, const char *dir, const char *
   return strcmp(answer, "CANCEL") == 0 ? NULL : answer;
 }
 
-void fl_show_message(const char *a, const char *b, const char *c) {
-  Log(OWNLINE, 0, "message %s|%s|%s", a, b, c);
-  NEXT(fl_show_message)(a, b, c);
-}
-
 int glutCreateMenu(void (*callback)(int)) {
   int id = NEXT(glutCreateMenu)(callback);
   Log(MENU, 1, "menu %d", id);
   return id;
 }
 
-void glutAddMenuEntry(const char *label, int value) {
-  Log(MENU, 0, "%s=%d", label, value);
-  NEXT(glutAddMenuEntry)(label, value);
-}
-
-void glutAddSubMenu(const char *label, int submenu) {
-  Log(MENU, 0, "%s>%d", label, submenu);
-  NEXT(glutAddSubMenu)(label, submenu);
-}
-
-void glutSetCursor(int cursor) {
-  Log(OWNLINE, 0, "cursor %d", cursor);
-  NEXT(glutSetCursor)(cursor);
-}
+// A function that records its arguments, then does its work.
+#define LOGGED(name, params, args, group, ...) \
+  void name params {                           \
+    Log(group, 0, __VA_ARGS__);                \
+    NEXT(name) args;                           \
+  }
+LOGGED(fl_show_message, (const char *a, const char *b, const char *c), (a, b, c), OWNLINE, "message %s|%s|%s", a, b, c)
+LOGGED(glutAddMenuEntry, (const char *label, int value), (label, value), MENU, "%s=%d", label, value)
+LOGGED(glutAddSubMenu, (const char *label, int submenu), (label, submenu), MENU, "%s>%d", label, submenu)
+LOGGED(glutSetCursor, (int cursor), (cursor), OWNLINE, "cursor %d", cursor)
 
 static int frames;
 

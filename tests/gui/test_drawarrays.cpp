@@ -1,14 +1,12 @@
-// Points and lines drawn from the buffer objects give the same pixels as the
-// vertex-by-vertex reference (drawimmediate), for colours by weight and by
-// root, after cells were appended between frames, weights raised, the
-// buffers outgrown, and after restarts; and LookThrough's look-at matrix is
-// gluLookAt's. Needs an X display: run through test_drawarrays.sh, which
-// starts a private Xvfb.
+// Points and lines from the buffer objects give the pixels of the immediate
+// mode (drawimmediate) as the aggregate grows and restarts; LookThrough's
+// matrix is gluLookAt's. Needs an X display: harness.sh PROGRAM starts one.
 #include <GL/freeglut.h>
 #include <GL/glu.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>  // drand48()
 
+#include <algorithm>  // std::max, std::mismatch
 #include <set>
 #include <vector>
 
@@ -31,36 +29,19 @@ static void GrowBranches(int n, long seed) {
     int parent = (int)(drand48() * ncells);
     XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
     Normalise(&d);
-    XYZ p = cells[parent].p;
-    p.x += d.x;
-    p.y += d.y;
-    p.z += d.z;
+    const XYZ &q = cells[parent].p;
+    XYZ p = {q.x + d.x, q.y + d.y, q.z + d.z};
     AppendCell(p, 0, parent);
   }
   for (int i = ncells - 1; i >= start; i--)
     for (int j = cells[i].parent; j >= 0; j = cells[j].parent) cells[j].weight += 1;
-  double maxweight = 0;
-  for (int i = 0; i < ncells; i++)
-    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
-  growthstate.maxweight = maxweight;
-}
-
-// A fresh aggregate with the program's own start: defaults, then the roots.
-static void StartAggregate(int nroots, int distribution, int associate) {
-  SetOptionDefaults();
-  SetGrowthDefaults();
-  growthstate.nroots = nroots;
-  growthstate.rootdistribution = distribution;
-  growthstate.rootrange = 4;
-  growthstate.associate = associate;
-  InitialiseGrowth();
-  ResetSeeds();
+  growthstate.maxweight = 0;
+  for (int i = 0; i < ncells; i++) growthstate.maxweight = std::max(growthstate.maxweight, cells[i].weight);
 }
 
 struct FRAME {
   std::vector<unsigned char> rgba;
   GLfloat colour[4];  // current colour left behind
-  GLboolean vertexarray, colourarray;
 };
 
 // The eye's distance from the centre in radii of the aggregate: outside it
@@ -70,8 +51,7 @@ static double eyedistance = 1.5;
 // One frame of the aggregate alone.
 static FRAME Draw(int drawmode, int immediate) {
   double radius = 1;
-  for (int i = 0; i < ncells; i++)
-    if (Modulus(cells[i].p) > radius) radius = Modulus(cells[i].p);
+  for (int i = 0; i < ncells; i++) radius = std::max(radius, Modulus(cells[i].p));
 
   glViewport(0, 0, kWidth, kHeight);
   glMatrixMode(GL_PROJECTION);
@@ -97,98 +77,60 @@ static FRAME Draw(int drawmode, int immediate) {
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
   glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_UNSIGNED_BYTE, f.rgba.data());
   glGetFloatv(GL_CURRENT_COLOR, f.colour);
-  f.vertexarray = glIsEnabled(GL_VERTEX_ARRAY);
-  f.colourarray = glIsEnabled(GL_COLOR_ARRAY);
+  EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY)) << "vertex array left enabled";
+  EXPECT_FALSE(glIsEnabled(GL_COLOR_ARRAY)) << "colour array left enabled";
   EXPECT_EQ(glGetError(), (GLenum)GL_NO_ERROR);
   return f;
 }
 
-// Draws both ways and compares byte for byte. At least minlit pixels must be
-// lit and at least mincolours colours seen, so that an empty or one-colour
-// picture cannot pass.
-static void ExpectSamePicture(int drawmode, int minlit, int mincolours, const char *what) {
+// Draws both ways and compares byte for byte; at least minlit pixels lit in
+// mincolours colours, so that an empty or one-colour picture cannot pass.
+static int ExpectSamePicture(int drawmode, int minlit, int mincolours, const char *what) {
   SCOPED_TRACE(what);
   FRAME ref = Draw(drawmode, 1);
   FRAME arr = Draw(drawmode, 0);
 
-  int lit = 0, differ = 0, first = -1;
+  int lit = 0;
   std::set<unsigned> colours;
-  for (int k = 0; k < kWidth * kHeight; k++) {
-    const unsigned char *a = &ref.rgba[4 * k];
-    const unsigned char *b = &arr.rgba[4 * k];
-    if (a[0] | a[1] | a[2]) {
-      lit++;
-      colours.insert(a[0] << 16 | a[1] << 8 | a[2]);
-    }
-    if (memcmp(a, b, 4) != 0) {
-      differ++;
-      if (first < 0) first = k;
-    }
+  for (size_t k = 0; k < ref.rgba.size(); k += 4) {
+    unsigned rgb = ref.rgba[k] << 16 | ref.rgba[k + 1] << 8 | ref.rgba[k + 2];
+    if (rgb != 0) colours.insert(rgb);
+    lit += rgb != 0;
   }
+  int first = (int)(std::mismatch(ref.rgba.begin(), ref.rgba.end(), arr.rgba.begin()).first - ref.rgba.begin()) / 4;
   EXPECT_GE(lit, minlit) << "too little drawn to compare (mode " << drawmode << ")";
   EXPECT_GE((int)colours.size(), mincolours) << "too few colours to compare (mode " << drawmode << ")";
-  if (differ > 0) {
-    const unsigned char *a = &ref.rgba[4 * first];
-    const unsigned char *b = &arr.rgba[4 * first];
-    ADD_FAILURE() << differ << " of " << kWidth * kHeight << " pixels differ in mode " << drawmode
-                  << "; first at x " << first % kWidth << " y " << first / kWidth << ": immediate "
-                  << (int)a[0] << "," << (int)a[1] << "," << (int)a[2] << " arrays " << (int)b[0]
-                  << "," << (int)b[1] << "," << (int)b[2];
-  }
+  EXPECT_TRUE(ref.rgba == arr.rgba) << "pixels differ in mode " << drawmode << ", first at x " << first % kWidth
+                                    << " y " << first / kWidth;
   for (int c = 0; c < 4; c++)
     EXPECT_EQ(ref.colour[c], arr.colour[c]) << "current colour component " << c << " (mode " << drawmode << ")";
-  EXPECT_FALSE(arr.vertexarray) << "vertex array left enabled";
-  EXPECT_FALSE(arr.colourarray) << "colour array left enabled";
+  return lit;
 }
 
-static void ExpectBothModes(int minlit, int mincolours, const char *what) {
-  ExpectSamePicture(DLADRAW_POINTS, minlit, mincolours, what);
-  ExpectSamePicture(DLADRAW_LINES, minlit, mincolours, what);
-}
-
-TEST(DrawArrays, ColoursByWeightMatchImmediateMode) {
-  StartAggregate(1, ROOT_ORIGIN, 0);
-  GrowBranches(3000, 1);
-  ExpectBothModes(500, 3, "one root, 3000 cells");
-}
-
-TEST(DrawArrays, ColoursByRootMatchImmediateMode) {
-  // Several roots with association on: one colour per root index.
-  StartAggregate(5, ROOT_RINGZ, 1);
-  GrowBranches(3000, 2);
-  ExpectBothModes(500, 5, "five roots by root colour");
-  // The same aggregate with association off is coloured by weight again.
-  growthstate.associate = 0;
-  ExpectBothModes(500, 3, "five roots by weight");
-  // No roots asked for (the origin is placed all the same): by weight even
-  // with association on.
-  StartAggregate(0, ROOT_ORIGIN, 1);
-  ASSERT_EQ(ncells, 1);
-  GrowBranches(3000, 9);
-  ExpectBothModes(500, 3, "no roots asked for");
+static int ExpectBothModes(int minlit, int mincolours, const char *what) {
+  int lit = ExpectSamePicture(DLADRAW_POINTS, minlit, mincolours, what);
+  return lit + ExpectSamePicture(DLADRAW_LINES, minlit, mincolours, what);
 }
 
 TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
-  StartAggregate(1, ROOT_ORIGIN, 0);
+  ResetProgram();  // one root at the origin
   GrowBranches(1000, 3);
   ExpectBothModes(200, 3, "first frame");
 
-  // Cells arrive between frames, the weights and maxweight rise with them.
-  GrowBranches(1, 4);
+  GrowBranches(1, 4);  // a cell arrives between frames, weights and maxweight rise
   ExpectBothModes(200, 3, "one cell appended");
-  GrowBranches(2500, 5);
-  ExpectBothModes(500, 3, "2500 cells appended");
 
-  // The restart of F4: back to the roots, the storage kept; a different
-  // aggregate then grows over the old cells, first smaller, then past the
-  // old count between two frames.
+  // F4's restart: back to the roots, the storage kept; another aggregate grows
+  // over the old cells, first smaller, then past the old count in one step.
   int before = ncells;
   growthstate.nroots = 3;
   growthstate.rootdistribution = ROOT_SPHERICAL;
   growthstate.associate = 1;
   InitialiseGrowth();
   ResetSeeds();
-  ExpectBothModes(0, 0, "roots only");
+  // Roots alone draw nothing, and leave the colour set before current.
+  EXPECT_EQ(ExpectBothModes(0, 0, "roots only"), 0);
+  EXPECT_EQ(Draw(DLADRAW_LINES, 0).colour[0], 0.25f);
   GrowBranches(400, 6);
   ExpectBothModes(100, 3, "smaller aggregate after the restart");
   InitialiseGrowth();
@@ -205,19 +147,6 @@ TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
   GrowBranches(n - ncells, 8);
   ASSERT_EQ(ncells, n);
   ExpectBothModes(500, 3, "same count, different cells");
-}
-
-TEST(DrawArrays, RootsAloneDrawNothing) {
-  StartAggregate(4, ROOT_RINGX, 0);
-  FRAME ref = Draw(DLADRAW_LINES, 1);
-  FRAME arr = Draw(DLADRAW_LINES, 0);
-  int lit = 0;
-  for (size_t k = 0; k < arr.rgba.size(); k += 4) lit += (arr.rgba[k] | arr.rgba[k + 1] | arr.rgba[k + 2]) != 0;
-  EXPECT_EQ(lit, 0);
-  EXPECT_TRUE(ref.rgba == arr.rgba);
-  // Nothing drawn: the colour set before stays current either way.
-  EXPECT_EQ(arr.colour[0], 0.25f);
-  EXPECT_EQ(ref.colour[0], 0.25f);
 }
 
 // Growth itself between frames: the weights of the ancestors rise with each
@@ -241,6 +170,12 @@ TEST(DrawArrays, RealGrowthMatchesImmediateMode) {
   ExpectBothModes(500, 4, "coloured by root");
   growthstate.nroots = 3;
   ExpectBothModes(500, 3, "by root, fewer roots");
+  // Back by weight with association off, or with no roots asked for.
+  growthstate.associate = 0;
+  ExpectBothModes(500, 3, "association off");
+  growthstate.nroots = 0;
+  growthstate.associate = 1;
+  ExpectBothModes(500, 3, "no roots asked for");
 }
 
 // With the eye inside the aggregate most lines lie beyond a clipping plane

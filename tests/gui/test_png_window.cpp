@@ -1,13 +1,6 @@
-// The window's side of the picture test (test_png.sh): takes dla3d-batch's
-// options, --png included, and runs the batch program's own RunBatch; where
-// the batch program would draw offscreen, this opens a GLUT window of the
-// picture's size and lets the desktop's display callback (HandleDisplay)
-// draw three frames, the last with a window dump (w): 0000.tga in the
-// current directory. The information overlay is off (F2).
-//   test_png_window --encode RAW WIDTH HEIGHT OUT.tga
-// writes pixels (RGBA, rows from the bottom) as the window dump writes its
-// own, so that a picture can be compared with a dump byte for byte: the
-// dump's run-length coding rewrites a few pixels by design.
+// test_png.sh's window side: dla3d-batch's run, its picture drawn in a GLUT
+// window by the desktop's display callback (no overlay) and dumped (w) to
+// 0000.tga. "--encode RAW WIDTH HEIGHT OUT.tga" codes RGBA pixels as a dump.
 #include <GL/freeglut.h>
 #include <stdio.h>
 #include <stdlib.h>  // atoi()

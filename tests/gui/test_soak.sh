@@ -1,18 +1,15 @@
 #!/usr/bin/env bash
-# Soak: the program grows while random keys and menu choices hit it for
-# SOAK_SECONDS (60, warm-up and pause included); its resident memory must
-# stay in proportion to the cells grown and not climb while growth is
-# paused; it still quits with 0. SOAK_SEED=N repeats a run. Before a release:
+# Soak: random keys and menus for SOAK_SECONDS (60, all included) while it
+# grows; its memory stays in proportion to the cells and does not climb while
+# paused; it quits with 0. SOAK_SEED=N repeats a run. Before a release:
 #   SOAK_SECONDS=3600 SOAK_PAUSE_SECONDS=60 tests/gui/test_soak.sh build/dla3d build/tests/gui/libdla_gui_shim.so
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 SOAK_SECONDS=${SOAK_SECONDS:-60} SOAK_PAUSE_SECONDS=${SOAK_PAUSE_SECONDS:-10} RANDOM=${SOAK_SEED:=$((RANDOM + $$))}
 echo "soak: $SOAK_SECONDS s, seed $SOAK_SEED"
-# Bounds (kB). Per cell: its record in an array that at most doubles, the
-# boxes of a statistics run, the renderer's binned copy of a frame of tubes
-# (about 1 kB a cell): 4 kB covers them, and a leak per growth step would
-# not fit. The fixed allowance is for one-off costs: each drawing mode's
-# buffers, the largest sample surface and its display list, a dump buffer.
+# Bounds (kB). Per cell: its record, a statistics run's boxes, a frame of
+# tubes in the renderer (1 kB); a leak per step would not fit. Fixed: each
+# drawing mode's buffers, the largest sample surface, a dump buffer.
 PER_CELL_KB=4 FIXED_KB=${SOAK_FIXED_KB:-32768} PAUSE_KB=${SOAK_PAUSE_KB:-1024}
 rss() { awk '/^VmRSS:/ {print $2}' /proc/$GUI_PID/status; }
 max=0 peak=0 growing=1 actions=0 dumps=0
@@ -32,9 +29,8 @@ for m in Points "Tubes (Slow)" Lines; do menu "DLA drawing mode" "$m"; done
 menu "Sample constraint surfaces" "Sphere"
 for m in "Faces, solid" "Mid points of faces" "Faces, wireframe"; do menu "Constraint surface drawing mode" "$m"; done
 key F5 w; sleep 1; base=$(rss); cells
-echo "baseline: $base kB at $CELLS cells"
-# Keys less the quitting ones and r, some that do nothing; menu choices
-# that open no selector or form, as "ENTRIES|MAIN" (0: no sub-menu).
+# Keys less the quitting ones and r; menus that open no selector or form,
+# as "ENTRIES|MAIN" (0: no sub-menu).
 keys=(h H plus equal minus underscore period greater comma less bracketleft bracketright a A F1 F2 F3 F5 Left Right Up Down
   shift+Left shift+Down x 1 space Tab F6 Home)
 menus=("4|DLA drawing mode" "5|Constraint surface drawing mode" "17|New particle distribution" "11|Sample constraint surfaces"
@@ -64,8 +60,7 @@ done
 # Paused, the view spinning: the memory may move within what it reached.
 [ $growing = 0 ] || key F3
 key a; sleep 2; cells
-# The memory settles first (up to 30 s): a frame of a drawing mode chosen
-# just before, or a statistics count still running, may be under way.
+# The memory settles first (up to a minute): a frame or a statistics count may be under way.
 last=0
 for i in $(seq 30); do
   [ "$(rss)" != "$last" ] || break

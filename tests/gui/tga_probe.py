@@ -1,18 +1,17 @@
 #!/usr/bin/python3
-"""Reads dla3d's window dumps with Pillow (which also rejects run-length
-packets that cross a row), files named from the directory given. One
-command a line from standard input, one answer a line ("error" if it fails);
-rows top down, a box is X0 Y0 X1 Y1 (exclusive).
+"""Reads pictures with Pillow (which rejects run-length packets that cross a
+row) in the directory given: a command a line from standard input, an answer
+a line ("error" if it fails); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
   size FILE / lit FILE [BOX] / count FILE R G B [BOX] / extent FILE R G B
-  other FILE R,G,B...   lit pixels of none of the colours
-  greys FILE            lit grey pixels and how many levels they take
-  mixed FILE            pixels with two or three channels lit
+  colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
+  raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
+  greys FILE / mixed FILE  lit grey pixels and their levels; pixels with 2+ channels lit
   same FILE1 FILE2 / having R G B FILE... (files holding it)
   brightest BOX FILE... per file, the brightest grey in the box
 """
 import os
 import sys
-from PIL import Image, ImageChops
+from PIL import Image, ImageChops, ImageOps
 
 
 def load(path):
@@ -33,6 +32,13 @@ def main(cmd, a):
         print(sum(n for n, p in colours(a[0], list(map(int, a[4:8]))) if p == c))
     elif cmd == "lit":
         print(sum(n for n, p in colours(a[0], list(map(int, a[1:5]))) if p != black))
+    elif cmd == "colours":
+        print(sum(p != black for n, p in colours(a[0])))
+    elif cmd == "raw":
+        im = ImageOps.flip(load(a[0]))
+        im.putalpha(255)
+        open(a[1], "wb").write(im.tobytes())
+        print(*im.size)
     elif cmd == "other":
         allowed = {black} | {tuple(map(int, c.split(","))) for c in a[1:]}
         print(sum(n for n, p in colours(a[0]) if p not in allowed))

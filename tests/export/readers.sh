@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Real readers of every file dla3d-batch writes (the GUI tests read the
+# window dumps); a missing reader fails the check.
+# Usage: readers.sh BATCH models|gltf|ply|summary: POV-Ray, VRML, DXF and STL
+# readers; Khronos's validator, Blender and assimp; assimp and a struct
+# reader; the summary against the CSV and report of its run.
+set -u
+bin=$(realpath "$1")
+here=$(cd "$(dirname "$0")" && pwd)
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+status=0
+fail() { echo "FAIL: $*" >&2; status=1; }
+for tool in povray tovrmlx3d admesh assimp node blender /usr/bin/python3; do
+  command -v "$tool" >/dev/null 2>&1 || { echo "FAIL: $tool is not installed (scripts/install-deps.sh --test)" >&2; exit 1; }
+done
+roots=(--roots 3 --root-distribution 2 --associate)
+
+case "$2" in
+models)
+  cd "$dir" || exit 1
+  # Default settings; then two roots each with its texture, inside a box.
+  "$bin" --no-progress --cells 400 --pov a.pov --pov-sweep b.pov || fail "first batch run"
+  "$bin" --no-progress --cells 300 --roots 2 --root-distribution 2 --associate --sample 11 --pov c.pov --pov-sweep d.pov \
+    --vrml e.wrl --vrml-caps f.wrl --dxf-points g.dxf --stl-out h.stl || fail "second batch run"
+  for f in a b c d; do
+    povray +I$f.pov +O$f.png +FN +W80 +H60 -D -V >$f.out 2>&1
+    [ $? = 0 ] && [ -s $f.png ] && ! grep -q "Parse Error" $f.out || fail "povray $f.pov: $(tail -5 $f.out)"
+  done
+  for f in e f; do
+    tovrmlx3d $f.wrl >/dev/null 2>$f.err  # exits 0 even on errors
+    [ ! -s $f.err ] || fail "tovrmlx3d $f.wrl: $(head -5 $f.err)"
+  done
+  [ "$(admesh -e h.stl 2>&1 | sed -n 's/^Number of facets *: *\([0-9]*\).*/\1/p' | head -1)" = 16 ] || fail "admesh h.stl"
+  [ "$(assimp info h.stl 2>&1 | sed -n 's/^Faces: *\([0-9]*\).*/\1/p' | head -1)" = 16 ] || fail "assimp h.stl"
+  /usr/bin/python3 - <<'PY' || status=1
+import re, sys, ezdxf
+bad = []
+# No VRML reader notices an index past the point list: 298 segments and 16 faces.
+for f in ("e.wrl", "f.wrl"):
+    sets = re.findall(r"point \[\n(.*?)\n   \]\n  \}\n  coordIndex \[\n(.*?)  \]\n", open(f).read(), re.S)
+    for points, index in sets:
+        n, idx = len(points.split("\n")), [int(v) for v in re.findall(r"-?\d+", index)]
+        if not idx or idx[-1] != -1 or min(idx) < -1 or max(idx) >= n: bad.append(f"{f}: indices {idx[:8]} of {n} points")
+    if len(sets) != 298 + 16: bad.append(f"{f}: {len(sets)} face sets")
+if len(ezdxf.readfile("g.dxf").modelspace().query("POINT")) != 10 * 298: bad.append("g.dxf: ezdxf point count")
+for b in bad: print("FAIL:", b)
+sys.exit(1 if bad else 0)
+PY
+  ;;
+gltf)
+  runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 ${roots[*]}" "roots.gltf ${roots[*]}")
+  for run in "${runs[@]}"; do
+    read -r name opts <<<"$run"
+    "$bin" --cells 300 --no-progress --csv "$dir/$name.csv" --info "$dir/$name.txt" --gltf "$dir/$name" $opts ||
+      { fail "dla3d-batch $opts"; continue; }
+    facets=$(awk '/^Faces in constraint surface: / {n = $5} END {print n + 0}' "$dir/$name.txt")
+    tubes=$(awk -F, 'NR > 1 && $2 >= 0' "$dir/$name.csv" | wc -l)
+    out=$(node "$here/gltf_validate.js" "$dir/$name") || fail "gltf-validator: $out"
+    want="vertices $((20 * tubes + 3 * facets)) triangles $((20 * tubes + facets))"
+    [[ ${out%%$'\n'*} == *"$want" ]] || fail "gltf-validator: ${out%%$'\n'*}, expected $want"
+    [[ $opts == *associate* ]] && colouring=root || colouring=weight
+    blender -b --factory-startup --python-exit-code 1 --python "$here/blender_check.py" -- "$dir/$name" "$dir/$name.csv" \
+      "$facets" "$colouring" >"$dir/blender.out" 2>&1 ||
+      { fail "blender on $name"; grep -E "FAIL|Error" "$dir/blender.out" | head >&2; }
+    # One mesh per tree that has a tube, one for the surface.
+    meshes=$(awk -F, -v f="$facets" 'NR > 1 { r[$1] = $2 < 0 ? $1 : r[$2]; if ($2 >= 0 && !seen[r[$1]]++) n++ }
+      END { print n + (f > 0) }' "$dir/$name.csv")
+    info=$(assimp info "$dir/$name" 2>&1) || fail "assimp info $name: $(tail -3 <<<"$info")"
+    grep -q "^Meshes: *$meshes\$" <<<"$info" && grep -q "^Faces: *$((20 * tubes + facets))\$" <<<"$info" ||
+      fail "assimp read $name as $(grep -E '^(Meshes|Faces): *[0-9]' <<<"$info" | tr -s ' \n' ' '), expected $meshes meshes"
+  done
+  ;;
+ply)
+  "$bin" --cells 300 --no-progress "${roots[@]}" --csv "$dir/a.csv" --ply "$dir/a.ply" || fail "dla3d-batch"
+  /usr/bin/python3 "$here/ply_check.py" "$dir/a.ply" "$dir/a.csv" || status=1
+  # -r: assimp's own validation refuses a mesh without faces, a point cloud too.
+  info=$(assimp info "$dir/a.ply" -r 2>&1) || fail "assimp info: $(tail -3 <<<"$info")"
+  grep -q "^Vertices: *300\$" <<<"$info" || fail "assimp: $(grep -E '^Vertices' <<<"$info"), expected 300"
+  ;;
+summary)
+  # 100,000 cells from one root: the dimension of three-dimensional DLA.
+  "$bin" --cells 100000 --no-progress --csv "$dir/big.csv" --summary "$dir/big.json" || fail "dla3d-batch"
+  /usr/bin/python3 "$here/summary_check.py" "$dir/big.json" "$dir/big.csv" || status=1
+  /usr/bin/python3 -c 'import json, sys; d = json.load(open(sys.argv[1]))["dimension_gyration"]
+sys.exit(0 if 2.3 < d < 2.6 else "FAIL: dimension %s, not between 2.3 and 2.6" % d)' "$dir/big.json" || status=1
+  # A step limit, settings of its own and the statistics.
+  "$bin" --cells 100000 --steps 600000 --seed 99 --stickiness 90 --thickness 0.5 0.02 --stats --no-progress \
+    --csv "$dir/s.csv" --info "$dir/s.txt" --summary "$dir/s.json" || fail "dla3d-batch --stats"
+  /usr/bin/python3 "$here/summary_check.py" "$dir/s.json" "$dir/s.csv" "$dir/s.txt" steps=600000 seed=99 \
+    stickiness=90 thickstart=0.5 thickend=0.02 || status=1
+  ;;
+*)
+  fail "unknown check $2"
+  ;;
+esac
+exit $status
