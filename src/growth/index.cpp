@@ -97,6 +97,7 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
 static uint8_t fieldroot[FIELD_CAP * FIELD_CAP + 1];
@@ -247,6 +248,7 @@ static void Insert(int c) {
     s.next.resize(size);
     s.hops.resize(size);
     s.parent.resize(size);
+    s.standin.resize(size);
   }
   int parent = cells[c].parent;
   s.parent[c] = parent;
@@ -268,7 +270,19 @@ static void Insert(int c) {
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
   for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.occupied, Key(k, ix >> k, iy >> k, iz >> k), 1);
   FieldAdd(&s.fine, cells[c].p);
-  FieldAdd(&s.coarse, cells[c].p);
+  // The coarse field holds one cell of each little cluster: a cell near
+  // its parent's stand-in is left out, and the field's bounds are taken
+  // that much lower. Most cells are left out, and their update was the
+  // larger part of a stick's cost.
+  int standin = c;
+  if (parent >= 0 && parent < c) {
+    int r = s.standin[parent];
+    double dx = cells[c].p.x - cells[r].p.x, dy = cells[c].p.y - cells[r].p.y,
+           dz = cells[c].p.z - cells[r].p.z;
+    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) standin = r;
+  }
+  s.standin[c] = standin;
+  if (standin == c) FieldAdd(&s.coarse, cells[c].p);
 }
 
 static void Rebuild(void) {
@@ -286,12 +300,16 @@ static void Rebuild(void) {
   // aggregates of 150,000 to 1,000,000 cells.
   FieldReset(&s.fine, 15, s.h / 2);
   FieldReset(&s.coarse, 14, s.h * 4);
+  // Within the coarse field's cap (24 h) less this, the blocks of levels 1
+  // to 3 (all their points within 1.5 sqrt(3) 8 h of the particle) still lie.
+  s.standinreach = STANDIN_REACHES * s.reach;
   s.overflow = 0;
   Clear(&s.buckets);
   Clear(&s.occupied);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
+  s.standin.assign(s.next.size(), -1);
   s.owed.clear();  // made by the fast walk's first stick
   s.owing = 0;
   s.ball = 0;
@@ -372,12 +390,16 @@ static double Slack(XYZ p) {
   return MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + searchindex.h * (1 << INDEX_LEVELS));
 }
 
-// The fine field's bound at p, or the coarse one's where the fine field has
-// no cell within its cap; *saturated when neither has.
+// The fine field's bound at p, or where the fine field has no cell within
+// its cap the better of its cap and the coarse field's bound; *saturated
+// when neither has a cell within its cap.
 static double FieldsFree(XYZ p, double slack, int *saturated) {
   SEARCHINDEX &s = searchindex;
   double free = FieldFree(&s.fine, p, slack, saturated);
-  if (*saturated) free = FieldFree(&s.coarse, p, slack, saturated);
+  if (*saturated) {
+    double coarse = FieldFree(&s.coarse, p, slack, saturated) - s.standinreach;
+    if (coarse > free) free = coarse;
+  }
   return free;
 }
 
@@ -542,12 +564,19 @@ void SettleWeights(void) {
 }
 
 double IndexClearance(XYZ p) {
-  const SEARCHINDEX &s = searchindex;
+  SEARCHINDEX &s = searchindex;
   int ix, iy, iz;
   if (!s.valid || s.overflow || !FiniteBucket(p, &ix, &iy, &iz)) return 0;
   double slack = Slack(p);
   int saturated;
-  double free = FieldsFree(p, slack, &saturated);
+  // The coarse field first: it is small and stays in cache, and where it
+  // bounds beyond the fine field's cap the fine field cannot do better.
+  double free = FieldFree(&s.coarse, p, slack, &saturated) - s.standinreach;
+  if (!saturated && free < FIELD_CAP * s.fine.unit - slack) {
+    int finesaturated;
+    double fine = FieldFree(&s.fine, p, slack, &finesaturated);
+    if (fine > free) free = fine;
+  }
   if (saturated) {
     // No cell within the coarse field's cap: the blocks of levels 1 to 3
     // (all their points within 42 reaches) hold none, and bound no more.

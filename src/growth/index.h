@@ -49,6 +49,9 @@ struct SEARCHINDEX {
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
+  // per cell: the cell within standin of it that the coarse field holds
+  // for it (itself when it is in the field)
+  std::vector<int> standin;
   // The fast walk's shares not yet added along the way to the root: per
   // cell, the sum of 1/d of the cells that stuck to it (empty for the
   // exact walk).
@@ -65,6 +68,7 @@ struct SEARCHINDEX {
   double maxweight;
   int maxweightknown;
   FIELD fine, coarse;
+  double standinreach;  // how far a cell may lie from its stand-in
 };
 
 extern SEARCHINDEX searchindex;
