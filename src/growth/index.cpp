@@ -97,6 +97,8 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
+#define DIRECTORY_MOST 128  // and at most: 64 MB
 #define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
@@ -114,14 +116,54 @@ static void FieldReset(FIELD *f, int tag, double v) {
   f->invv = 1 / v;
   f->unit = v / 16;
   Clear(&f->bricks);
+  f->half = DIRECTORY_FIRST;
+  f->directory.assign((size_t)8 * f->half * f->half * f->half, -1);
   f->data.clear();
   f->lastkey = EMPTYKEY;
   f->lastbrick = -1;
 }
 
+// The directory's entry of brick (bx, by, bz); NULL outside it.
+static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
+  unsigned n = 2 * f->half, ux = bx + f->half, uy = by + f->half, uz = bz + f->half;
+  if (ux >= n || uy >= n || uz >= n) return NULL;
+  return &f->directory[((size_t)ux * n + uy) * n + uz];
+}
+
+// Doubles the directory's span until it holds brick (bx, by, bz) or
+// reaches DIRECTORY_MOST; the bricks it held keep their numbers.
+static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
+  int half = f->half;
+  while (half < DIRECTORY_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half))
+    half *= 2;
+  if (half == f->half) return;
+  std::vector<int> old;
+  old.swap(f->directory);
+  int oldhalf = f->half, n = 2 * oldhalf;
+  f->half = half;
+  f->directory.assign((size_t)8 * half * half * half, -1);
+  for (int i = 0; i < n; i++)
+    for (int j = 0; j < n; j++)
+      for (int k = 0; k < n; k++)
+        *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
+}
+
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
 static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
-  uint64_t key = Key(f->tag, ix >> 3, iy >> 3, iz >> 3);
+  int bx = ix >> 3, by = iy >> 3, bz = iz >> 3;
+  int *entry = DirectoryEntry(f, bx, by, bz);
+  if (!entry && make) {
+    WidenDirectory(f, bx, by, bz);
+    entry = DirectoryEntry(f, bx, by, bz);
+  }
+  if (entry) {
+    if (*entry < 0 && make) {
+      *entry = (int)(f->data.size() / FIELD_VOXELS);
+      f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    }
+    return *entry;
+  }
+  uint64_t key = Key(f->tag, bx, by, bz);
   if (key == f->lastkey) return f->lastbrick;
   int b = Lookup(&f->bricks, key);
   if (b < 0 && make) {

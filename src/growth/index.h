@@ -32,7 +32,12 @@ struct HASHTABLE {
 struct FIELD {
   int tag;                   // key level of its bricks
   double v, invv, unit;
-  HASHTABLE bricks;          // brick coordinates to brick numbers
+  // Brick numbers (-1: none) of the bricks -half .. half - 1 along each
+  // axis, x slowest: one read, and small enough to stay in cache. Bricks
+  // beyond go to the hash table.
+  std::vector<int> directory;
+  int half;
+  HASHTABLE bricks;          // brick coordinates to brick numbers, outside the directory
   std::vector<uint8_t> data;
   uint64_t lastkey;          // the brick used last
   int lastbrick;

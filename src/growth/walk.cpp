@@ -71,7 +71,10 @@ static double ExitTime(double kappa) {
     } else {
       tau = q[k] + (u - k) * (q[k + 1] - q[k]);
     }
-    if (kappa == 0 || WalkUniform() < exp(-kappa * kappa * tau / 2)) return tau;
+    if (kappa == 0) return tau;
+    // exp(-x) >= 1 - x: most draws are accepted without the exponential.
+    double x = kappa * kappa * tau / 2, u2 = WalkUniform();
+    if (u2 < 1 - x || u2 < exp(-x)) return tau;
   }
 }
 
