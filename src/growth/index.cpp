@@ -97,6 +97,7 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define OCCUPANCY_HIGH 4  // the first level of the small occupancy table
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
 #define DIRECTORY_MOST 128  // and at most: 64 MB
 #define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
@@ -283,6 +284,11 @@ static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   return q * f->unit - slack;
 }
 
+// The occupancy table of level k (1 and up).
+static HASHTABLE *Occupancy(int k) {
+  return k < OCCUPANCY_HIGH ? &searchindex.occupied : &searchindex.occupiedhigh;
+}
+
 static void Insert(int c) {
   SEARCHINDEX &s = searchindex;
   if ((int)s.next.size() <= c) {
@@ -310,7 +316,7 @@ static void Insert(int c) {
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.occupied, Key(k, ix >> k, iy >> k, iz >> k), 1);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(Occupancy(k), Key(k, ix >> k, iy >> k, iz >> k), 1);
   FieldAdd(&s.fine, cells[c].p);
   // The coarse field holds one cell of each little cluster: a cell near
   // its parent's stand-in is left out, and the field's bounds are taken
@@ -348,6 +354,7 @@ static void Rebuild(void) {
   s.overflow = 0;
   Clear(&s.buckets);
   Clear(&s.occupied);
+  Clear(&s.occupiedhigh);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
@@ -520,9 +527,10 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first)
     double bound = rx < ry ? rx : ry;
     if (rz < bound) bound = rz;
     int occupied = 0;
+    const HASHTABLE *occupancy = Occupancy(k);
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(&s.occupied, Key(k, bx, by, bz)) < 0) continue;
+      if (Lookup(occupancy, Key(k, bx, by, bz)) < 0) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);

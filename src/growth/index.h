@@ -63,7 +63,8 @@ struct SEARCHINDEX {
   std::vector<double> owed;
   int owing;
   HASHTABLE buckets;  // level 0: newest cell of the bucket
-  HASHTABLE occupied;  // levels 1 and up: 1 for a bucket holding a cell (few: they stay in cache)
+  HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
+  HASHTABLE occupiedhigh;  // levels 4 and up, which the fast walk climbs: few, they stay in cache
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
