@@ -97,6 +97,10 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define OCCUPANCY_HIGH 4  // the first level of the small occupancy table
+#define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
+#define DIRECTORY_MOST 128  // and at most: 64 MB
+#define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
 static uint8_t fieldroot[FIELD_CAP * FIELD_CAP + 1];
@@ -113,14 +117,54 @@ static void FieldReset(FIELD *f, int tag, double v) {
   f->invv = 1 / v;
   f->unit = v / 16;
   Clear(&f->bricks);
+  f->half = DIRECTORY_FIRST;
+  f->directory.assign((size_t)8 * f->half * f->half * f->half, -1);
   f->data.clear();
   f->lastkey = EMPTYKEY;
   f->lastbrick = -1;
 }
 
+// The directory's entry of brick (bx, by, bz); NULL outside it.
+static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
+  unsigned n = 2 * f->half, ux = bx + f->half, uy = by + f->half, uz = bz + f->half;
+  if (ux >= n || uy >= n || uz >= n) return NULL;
+  return &f->directory[((size_t)ux * n + uy) * n + uz];
+}
+
+// Doubles the directory's span until it holds brick (bx, by, bz) or
+// reaches DIRECTORY_MOST; the bricks it held keep their numbers.
+static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
+  int half = f->half;
+  while (half < DIRECTORY_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half))
+    half *= 2;
+  if (half == f->half) return;
+  std::vector<int> old;
+  old.swap(f->directory);
+  int oldhalf = f->half, n = 2 * oldhalf;
+  f->half = half;
+  f->directory.assign((size_t)8 * half * half * half, -1);
+  for (int i = 0; i < n; i++)
+    for (int j = 0; j < n; j++)
+      for (int k = 0; k < n; k++)
+        *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
+}
+
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
 static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
-  uint64_t key = Key(f->tag, ix >> 3, iy >> 3, iz >> 3);
+  int bx = ix >> 3, by = iy >> 3, bz = iz >> 3;
+  int *entry = DirectoryEntry(f, bx, by, bz);
+  if (!entry && make) {
+    WidenDirectory(f, bx, by, bz);
+    entry = DirectoryEntry(f, bx, by, bz);
+  }
+  if (entry) {
+    if (*entry < 0 && make) {
+      *entry = (int)(f->data.size() / FIELD_VOXELS);
+      f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    }
+    return *entry;
+  }
+  uint64_t key = Key(f->tag, bx, by, bz);
   if (key == f->lastkey) return f->lastbrick;
   int b = Lookup(&f->bricks, key);
   if (b < 0 && make) {
@@ -240,6 +284,11 @@ static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   return q * f->unit - slack;
 }
 
+// The occupancy table of level k (1 and up).
+static HASHTABLE *Occupancy(int k) {
+  return k < OCCUPANCY_HIGH ? &searchindex.occupied : &searchindex.occupiedhigh;
+}
+
 static void Insert(int c) {
   SEARCHINDEX &s = searchindex;
   if ((int)s.next.size() <= c) {
@@ -247,6 +296,7 @@ static void Insert(int c) {
     s.next.resize(size);
     s.hops.resize(size);
     s.parent.resize(size);
+    s.standin.resize(size);
   }
   int parent = cells[c].parent;
   s.parent[c] = parent;
@@ -266,9 +316,21 @@ static void Insert(int c) {
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(&s.occupied, Key(k, ix >> k, iy >> k, iz >> k), 1);
+  for (int k = 1; k < INDEX_LEVELS; k++) Store(Occupancy(k), Key(k, ix >> k, iy >> k, iz >> k), 1);
   FieldAdd(&s.fine, cells[c].p);
-  FieldAdd(&s.coarse, cells[c].p);
+  // The coarse field holds one cell of each little cluster: a cell near
+  // its parent's stand-in is left out, and the field's bounds are taken
+  // that much lower. Most cells are left out, and their update was the
+  // larger part of a stick's cost.
+  int standin = c;
+  if (parent >= 0 && parent < c) {
+    int r = s.standin[parent];
+    double dx = cells[c].p.x - cells[r].p.x, dy = cells[c].p.y - cells[r].p.y,
+           dz = cells[c].p.z - cells[r].p.z;
+    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) standin = r;
+  }
+  s.standin[c] = standin;
+  if (standin == c) FieldAdd(&s.coarse, cells[c].p);
 }
 
 static void Rebuild(void) {
@@ -286,12 +348,17 @@ static void Rebuild(void) {
   // aggregates of 150,000 to 1,000,000 cells.
   FieldReset(&s.fine, 15, s.h / 2);
   FieldReset(&s.coarse, 14, s.h * 4);
+  // Within the coarse field's cap (24 h) less this, the blocks of levels 1
+  // to 3 (all their points within 1.5 sqrt(3) 8 h of the particle) still lie.
+  s.standinreach = STANDIN_REACHES * s.reach;
   s.overflow = 0;
   Clear(&s.buckets);
   Clear(&s.occupied);
+  Clear(&s.occupiedhigh);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
+  s.standin.assign(s.next.size(), -1);
   s.owed.clear();  // made by the fast walk's first stick
   s.owing = 0;
   s.ball = 0;
@@ -372,12 +439,16 @@ static double Slack(XYZ p) {
   return MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + searchindex.h * (1 << INDEX_LEVELS));
 }
 
-// The fine field's bound at p, or the coarse one's where the fine field has
-// no cell within its cap; *saturated when neither has.
+// The fine field's bound at p, or where the fine field has no cell within
+// its cap the better of its cap and the coarse field's bound; *saturated
+// when neither has a cell within its cap.
 static double FieldsFree(XYZ p, double slack, int *saturated) {
   SEARCHINDEX &s = searchindex;
   double free = FieldFree(&s.fine, p, slack, saturated);
-  if (*saturated) free = FieldFree(&s.coarse, p, slack, saturated);
+  if (*saturated) {
+    double coarse = FieldFree(&s.coarse, p, slack, saturated) - s.standinreach;
+    if (coarse > free) free = coarse;
+  }
   return free;
 }
 
@@ -456,9 +527,10 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first)
     double bound = rx < ry ? rx : ry;
     if (rz < bound) bound = rz;
     int occupied = 0;
+    const HASHTABLE *occupancy = Occupancy(k);
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(&s.occupied, Key(k, bx, by, bz)) < 0) continue;
+      if (Lookup(occupancy, Key(k, bx, by, bz)) < 0) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);
@@ -542,12 +614,19 @@ void SettleWeights(void) {
 }
 
 double IndexClearance(XYZ p) {
-  const SEARCHINDEX &s = searchindex;
+  SEARCHINDEX &s = searchindex;
   int ix, iy, iz;
   if (!s.valid || s.overflow || !FiniteBucket(p, &ix, &iy, &iz)) return 0;
   double slack = Slack(p);
   int saturated;
-  double free = FieldsFree(p, slack, &saturated);
+  // The coarse field first: it is small and stays in cache, and where it
+  // bounds beyond the fine field's cap the fine field cannot do better.
+  double free = FieldFree(&s.coarse, p, slack, &saturated) - s.standinreach;
+  if (!saturated && free < FIELD_CAP * s.fine.unit - slack) {
+    int finesaturated;
+    double fine = FieldFree(&s.fine, p, slack, &finesaturated);
+    if (fine > free) free = fine;
+  }
   if (saturated) {
     // No cell within the coarse field's cap: the blocks of levels 1 to 3
     // (all their points within 42 reaches) hold none, and bound no more.

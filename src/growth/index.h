@@ -32,7 +32,12 @@ struct HASHTABLE {
 struct FIELD {
   int tag;                   // key level of its bricks
   double v, invv, unit;
-  HASHTABLE bricks;          // brick coordinates to brick numbers
+  // Brick numbers (-1: none) of the bricks -half .. half - 1 along each
+  // axis, x slowest: one read, and small enough to stay in cache. Bricks
+  // beyond go to the hash table.
+  std::vector<int> directory;
+  int half;
+  HASHTABLE bricks;          // brick coordinates to brick numbers, outside the directory
   std::vector<uint8_t> data;
   uint64_t lastkey;          // the brick used last
   int lastbrick;
@@ -49,13 +54,17 @@ struct SEARCHINDEX {
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
   std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
+  // per cell: the cell within standin of it that the coarse field holds
+  // for it (itself when it is in the field)
+  std::vector<int> standin;
   // The fast walk's shares not yet added along the way to the root: per
   // cell, the sum of 1/d of the cells that stuck to it (empty for the
   // exact walk).
   std::vector<double> owed;
   int owing;
   HASHTABLE buckets;  // level 0: newest cell of the bucket
-  HASHTABLE occupied;  // levels 1 and up: 1 for a bucket holding a cell (few: they stay in cache)
+  HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
+  HASHTABLE occupiedhigh;  // levels 4 and up, which the fast walk climbs: few, they stay in cache
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;
@@ -65,6 +74,7 @@ struct SEARCHINDEX {
   double maxweight;
   int maxweightknown;
   FIELD fine, coarse;
+  double standinreach;  // how far a cell may lie from its stand-in
 };
 
 extern SEARCHINDEX searchindex;
