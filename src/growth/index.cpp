@@ -99,7 +99,7 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
 #define OCCUPANCY_HIGH 4  // the first level of the small occupancy table
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
-#define DIRECTORY_MOST 128  // and at most: 64 MB
+#define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
 #define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
@@ -131,11 +131,17 @@ static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
   return &f->directory[((size_t)ux * n + uy) * n + uz];
 }
 
-// Doubles the directory's span until it holds brick (bx, by, bz) or
-// reaches DIRECTORY_MOST; the bricks it held keep their numbers.
+// Doubles the directory's span towards brick (bx, by, bz), up to
+// DIRECTORY_MOST, while the bricks made are dense enough for it: an entry
+// costs 4 bytes against a brick's 512, so at most 128 entries a brick keep
+// the directory within the bricks' own memory, and a root far from the rest
+// costs its bricks, not 64 MB. The bricks it held keep their numbers;
+// those the hash table held that now fall inside are entered too.
 static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
+  size_t nbricks = f->data.size() / FIELD_VOXELS;
   int half = f->half;
-  while (half < DIRECTORY_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half))
+  while (half < DIRECTORY_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half) &&
+         (size_t)64 * half * half * half <= 128 * nbricks)
     half *= 2;
   if (half == f->half) return;
   std::vector<int> old;
@@ -147,6 +153,15 @@ static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
     for (int j = 0; j < n; j++)
       for (int k = 0; k < n; k++)
         *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
+  const uint64_t m = (1u << KEYBITS) - 1;
+  for (const HASHSLOT &slot : f->bricks.slots) {
+    if (slot.key == EMPTYKEY) continue;
+    int x = (int)((slot.key >> (2 * KEYBITS)) & m) - KEYRANGE;
+    int y = (int)((slot.key >> KEYBITS) & m) - KEYRANGE;
+    int z = (int)(slot.key & m) - KEYRANGE;
+    int *entry = DirectoryEntry(f, x, y, z);
+    if (entry) *entry = slot.value;
+  }
 }
 
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
