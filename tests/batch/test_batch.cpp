@@ -100,7 +100,7 @@ TEST_F(BatchRun, CsvCellsSurfaceAndSlicesAsTheWindowMakesThem) {
   g.bias = 0.7;
   g.rotation = 1.5;
   g.nroots = 3;
-  g.rootdistribution = 8;
+  g.rootdistribution = ROOT_RINGZ;
   g.associate = 1;
   MakeSampleSurface(SAMPLE_HEMISPHERE);
   TransformSTL(V(2, 1, 0.5), V(0, 0, 5), V(90, 0, 0));

@@ -119,7 +119,7 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   g.intersectrange = 10;
   g.radius = 16.0175;
   g.lifespan = 310;
-  g.sourcetype = 0;
+  g.sourcetype = 0;  // no such source
   OVERLAYLINE lines[MAXINFOLINES];
   std::string got;
   for (int i = 0, n = InfoLines(lines, MAXINFOLINES, 600); i < n; i++)
@@ -134,7 +134,7 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   g.associate = 1;
   g.nroots = 3;
   g.rootrange = 20;
-  g.sourcetype = 9;
+  g.sourcetype = SOURCE_MINUSZ;
   CopyName(g.rootname, std::string(127, 'b').c_str(), sizeof(g.rootname));
   CopyName(g.stlname, std::string(255, 'a').c_str(), sizeof(g.stlname));
   AppendFacet(V(-1, 0, 2), V(3, 0.5, 2), V(0, -2.25, 7));
