@@ -39,6 +39,14 @@ static uint64_t Key(int level, int ix, int iy, int iz) {
          (((uint64_t)(iy + KEYRANGE) & m) << KEYBITS) | ((uint64_t)(iz + KEYRANGE) & m);
 }
 
+// The coordinates Key packed (its level aside).
+static void KeyCoords(uint64_t key, int *ix, int *iy, int *iz) {
+  const uint64_t m = (1u << KEYBITS) - 1;
+  *ix = (int)((key >> (2 * KEYBITS)) & m) - KEYRANGE;
+  *iy = (int)((key >> KEYBITS) & m) - KEYRANGE;
+  *iz = (int)(key & m) - KEYRANGE;
+}
+
 static size_t Slot(const HASHTABLE *t, uint64_t key) {
   size_t mask = t->slots.size() - 1;
   // The top bits of the product depend on every bit of the key.
@@ -153,12 +161,10 @@ static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
     for (int j = 0; j < n; j++)
       for (int k = 0; k < n; k++)
         *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
-  const uint64_t m = (1u << KEYBITS) - 1;
   for (const HASHSLOT &slot : f->bricks.slots) {
     if (slot.key == EMPTYKEY) continue;
-    int x = (int)((slot.key >> (2 * KEYBITS)) & m) - KEYRANGE;
-    int y = (int)((slot.key >> KEYBITS) & m) - KEYRANGE;
-    int z = (int)(slot.key & m) - KEYRANGE;
+    int x, y, z;
+    KeyCoords(slot.key, &x, &y, &z);
     int *entry = DirectoryEntry(f, x, y, z);
     if (entry) *entry = slot.value;
   }
