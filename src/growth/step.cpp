@@ -1,3 +1,4 @@
+#include <limits.h>  // INT_MAX
 #include <math.h>    // fabs()
 #include <stdio.h>   // fwrite()
 #include <string.h>  // strlen()
@@ -322,6 +323,9 @@ void IterateSystem(void) {
 
   // 1. Release a new particle at the start of every life span.
   if (g.lifespan % GROWTH_LIFESPAN == 0) {
+    // A particle that never sticks would carry the count past INT_MAX; it
+    // starts again from 0 at a release, so lives still last 10000 steps.
+    if (g.lifespan > INT_MAX - GROWTH_LIFESPAN) g.lifespan = 0;
     g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
     seeds[nseeds % NSEEDS] = g.particle;
     nseeds++;

@@ -152,4 +152,25 @@ TEST_F(Walks, FastRunsRepeatForASeed) {
   EXPECT_NE(fast, exact);
 }
 
+// A particle that never sticks counts its steps on past INT_MAX: the
+// replacements must still come every 10000 steps in both walks.
+TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
+  for (int walk : {WALK_EXACT, WALK_FAST}) {
+    ResetProgram();
+    growthwalk = walk;
+    growthstate.stickiness = 0;
+    IterateSystemSteps(1);
+    growthstate.lifespan = 2147479997;  // 3 steps before the last release below INT_MAX
+    std::vector<long> releases;
+    for (long steps = 0; releases.size() < 3;) {
+      int before = nseeds;
+      long k = IterateSystemSteps(1000);
+      if (nseeds != before) releases.push_back(steps);
+      steps += k;
+    }
+    EXPECT_EQ(releases, (std::vector<long>{3, 10003, 20003})) << "walk " << walk;
+    EXPECT_GE(growthstate.lifespan, 0);
+  }
+}
+
 }  // namespace
