@@ -173,4 +173,23 @@ TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
   }
 }
 
+// A cell beyond the distance fields' first directory is kept in a hash
+// table; once enough cells are in, the directory widens over it and must
+// take its bricks along, or jumps would cross the cell.
+TEST_F(Walks, ClearanceKeepsCellsTheDirectoryWidensOver) {
+  AppendCell(V(100, 0, 0), 0, 0);
+  for (int x = -56; x <= 56; x += 8)
+    for (int y = -56; y <= 56; y += 8)
+      for (int z = -56; z <= 56; z += 8) AppendCell(V(x, y, z), 0, 0);
+  AppendCell(V(-100, 0, 0), 0, 0);
+  SyncSearchIndex();
+  for (int i = 0; i < ncells; i++) ASSERT_EQ(IndexClearance(cells[i].p), 0) << "cell " << i;
+  srand48(9);
+  for (int k = 0; k < 2000; k++) {
+    XYZ p = V(100 + 20 * drand48() - 10, 20 * drand48() - 10, 20 * drand48() - 10);
+    double room = IndexClearance(p);
+    if (room > 0) ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "point " << k;
+  }
+}
+
 }  // namespace
