@@ -5,6 +5,7 @@
 #include <GL/glu.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>  // drand48()
+#include <string.h>  // memcmp()
 
 #include <algorithm>  // std::max, std::mismatch
 #include <set>
@@ -20,23 +21,9 @@
 static const int kWidth = 320;
 static const int kHeight = 240;
 
-// n random unit branches hung off random earlier cells (roots included),
-// with weights counting descendants and maxweight set as growth keeps it.
-static void GrowBranches(int n, long seed) {
-  srand48(seed);
-  int start = ncells;
-  for (int k = 0; k < n; k++) {
-    int parent = (int)(drand48() * ncells);
-    XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
-    Normalise(&d);
-    const XYZ &q = cells[parent].p;
-    XYZ p = {q.x + d.x, q.y + d.y, q.z + d.z};
-    AppendCell(p, 0, parent);
-  }
-  for (int i = ncells - 1; i >= start; i--)
-    for (int j = cells[i].parent; j >= 0; j = cells[j].parent) cells[j].weight += 1;
-  growthstate.maxweight = 0;
-  for (int i = 0; i < ncells; i++) growthstate.maxweight = std::max(growthstate.maxweight, cells[i].weight);
+// Grows to n cells; one step at a time, so the count is reached exactly.
+static void GrowTo(int n) {
+  while (ncells < n) IterateSystem();
 }
 
 struct FRAME {
@@ -65,12 +52,10 @@ static FRAME Draw(int drawmode, int immediate) {
   glClearColor(0, 0, 0, 0);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   glColor3f(0.25f, 0.5f, 0.75f);  // a colour the aggregate never has
-
   drawimmediate = immediate;
   DrawDLA(drawmode);
   drawimmediate = 0;
   glFinish();
-
   FRAME f;
   f.rgba.resize(4 * kWidth * kHeight);
   glReadBuffer(GL_BACK);
@@ -83,45 +68,41 @@ static FRAME Draw(int drawmode, int immediate) {
   return f;
 }
 
-// Draws both ways and compares byte for byte; at least minlit pixels lit in
-// mincolours colours, so that an empty or one-colour picture cannot pass.
-static int ExpectSamePicture(int drawmode, int minlit, int mincolours, const char *what) {
+// Draws in each mode both ways and compares byte for byte, the colour left
+// current too; at least minlit pixels lit in mincolours colours, so that an
+// empty or one-colour picture cannot pass. The pixels lit.
+static int ExpectSamePicture(int minlit, int mincolours, const char *what,
+                             std::initializer_list<int> modes = {DLADRAW_POINTS, DLADRAW_LINES}) {
   SCOPED_TRACE(what);
-  FRAME ref = Draw(drawmode, 1);
-  FRAME arr = Draw(drawmode, 0);
-
   int lit = 0;
-  std::set<unsigned> colours;
-  for (size_t k = 0; k < ref.rgba.size(); k += 4) {
-    unsigned rgb = ref.rgba[k] << 16 | ref.rgba[k + 1] << 8 | ref.rgba[k + 2];
-    if (rgb != 0) colours.insert(rgb);
-    lit += rgb != 0;
+  for (int mode : modes) {
+    FRAME ref = Draw(mode, 1);
+    FRAME arr = Draw(mode, 0);
+    std::set<unsigned> colours;
+    int n = 0;
+    for (size_t k = 0; k < ref.rgba.size(); k += 4) {
+      unsigned rgb = ref.rgba[k] << 16 | ref.rgba[k + 1] << 8 | ref.rgba[k + 2];
+      if (rgb != 0) colours.insert(rgb);
+      n += rgb != 0;
+    }
+    int first = (int)(std::mismatch(ref.rgba.begin(), ref.rgba.end(), arr.rgba.begin()).first - ref.rgba.begin()) / 4;
+    EXPECT_GE(n, minlit) << "too little drawn to compare (mode " << mode << ")";
+    EXPECT_GE((int)colours.size(), mincolours) << "too few colours to compare (mode " << mode << ")";
+    EXPECT_TRUE(ref.rgba == arr.rgba) << "mode " << mode << ": pixels differ first at x " << first % kWidth << " y "
+                                      << first / kWidth;
+    EXPECT_EQ(memcmp(ref.colour, arr.colour, sizeof(ref.colour)), 0) << "current colour differs (mode " << mode << ")";
+    lit += n;
   }
-  int first = (int)(std::mismatch(ref.rgba.begin(), ref.rgba.end(), arr.rgba.begin()).first - ref.rgba.begin()) / 4;
-  EXPECT_GE(lit, minlit) << "too little drawn to compare (mode " << drawmode << ")";
-  EXPECT_GE((int)colours.size(), mincolours) << "too few colours to compare (mode " << drawmode << ")";
-  EXPECT_TRUE(ref.rgba == arr.rgba) << "pixels differ in mode " << drawmode << ", first at x " << first % kWidth
-                                    << " y " << first / kWidth;
-  for (int c = 0; c < 4; c++)
-    EXPECT_EQ(ref.colour[c], arr.colour[c]) << "current colour component " << c << " (mode " << drawmode << ")";
   return lit;
-}
-
-static int ExpectBothModes(int minlit, int mincolours, const char *what) {
-  int lit = ExpectSamePicture(DLADRAW_POINTS, minlit, mincolours, what);
-  return lit + ExpectSamePicture(DLADRAW_LINES, minlit, mincolours, what);
 }
 
 TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
   ResetProgram();  // one root at the origin
-  GrowBranches(1000, 3);
-  ExpectBothModes(200, 3, "first frame");
-
-  GrowBranches(1, 4);  // a cell arrives between frames, weights and maxweight rise
-  ExpectBothModes(200, 3, "one cell appended");
-
-  // F4's restart: back to the roots, the storage kept; another aggregate grows
-  // over the old cells, first smaller, then past the old count in one step.
+  GrowTo(1000);
+  ExpectSamePicture(200, 3, "first frame");
+  // F4's restart: back to the roots, the storage kept; another aggregate
+  // grows over the old cells, first smaller, then past the old count
+  // between two frames.
   int before = ncells;
   growthstate.nroots = 3;
   growthstate.rootdistribution = ROOT_SPHERICAL;
@@ -129,66 +110,59 @@ TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
   InitialiseGrowth();
   ResetSeeds();
   // Roots alone draw nothing, and leave the colour set before current.
-  EXPECT_EQ(ExpectBothModes(0, 0, "roots only"), 0);
+  EXPECT_EQ(ExpectSamePicture(0, 0, "roots only"), 0);
   EXPECT_EQ(Draw(DLADRAW_LINES, 0).colour[0], 0.25f);
-  GrowBranches(400, 6);
-  ExpectBothModes(100, 3, "smaller aggregate after the restart");
+  GrowTo(400);
+  ExpectSamePicture(100, 3, "smaller aggregate after the restart");
+  growthstate.seed = 2;  // other cells over the ones drawn
   InitialiseGrowth();
-  GrowBranches(before + 200, 7);
-  ExpectBothModes(500, 3, "restarted and grown past the old count");
-
+  GrowTo(before + 200);
+  ExpectSamePicture(500, 3, "restarted and grown past the old count");
   // New roots read in the middle of growth: same count, other cells.
   int n = ncells;
   growthstate.nroots = 1;
-  growthstate.rootdistribution = ROOT_ORIGIN;
   growthstate.associate = 0;
   InitialiseGrowth();
   ResetSeeds();
-  GrowBranches(n - ncells, 8);
-  ASSERT_EQ(ncells, n);
-  ExpectBothModes(500, 3, "same count, different cells");
+  GrowTo(n);
+  ExpectSamePicture(500, 3, "same count, different cells");
 }
 
 // Growth itself between frames: the weights of the ancestors rise with each
 // stuck particle, the buffers are outgrown (4096 drawn cells, then 8192).
-TEST(DrawArrays, RealGrowthMatchesImmediateMode) {
+// Then the eye inside the aggregate, where most lines lie beyond a clipping
+// plane and are left out: those kept follow growth, and the view's changes.
+TEST(DrawArrays, RealGrowthAndLinesOutOfViewMatchImmediateMode) {
   ResetProgram();
   for (int n : {50, 1000, 1001, 4500, 9000}) {
     while (ncells < n) IterateSystemSteps(1000);
-    ExpectBothModes(n < 100 ? 20 : 300, 3, "grown");
+    ExpectSamePicture(n < 100 ? 20 : 300, 3, "grown");
   }
   // Weights moved with no new cell, then maxweight alone: the colours follow.
   for (int i = 1; i < ncells; i += 7) cells[i].weight += 2.5;
-  ExpectBothModes(500, 3, "weights raised in place");
+  ExpectSamePicture(500, 3, "weights raised in place");
   growthstate.maxweight *= 4;
-  ExpectBothModes(500, 3, "maxweight raised");
+  ExpectSamePicture(500, 3, "maxweight raised");
   // Tubes in between, then lines again; association on with several roots.
-  ExpectSamePicture(DLADRAW_TUBES, 500, 3, "tubes");
-  ExpectBothModes(500, 3, "after tubes");
+  ExpectSamePicture(500, 3, "tubes", {DLADRAW_TUBES});
+  ExpectSamePicture(500, 3, "after tubes");
   growthstate.nroots = 4;
   growthstate.associate = 1;
-  ExpectBothModes(500, 4, "coloured by root");
+  ExpectSamePicture(500, 4, "coloured by root");
   growthstate.nroots = 3;
-  ExpectBothModes(500, 3, "by root, fewer roots");
+  ExpectSamePicture(500, 3, "by root, fewer roots");
   // Back by weight with association off, or with no roots asked for.
   growthstate.associate = 0;
-  ExpectBothModes(500, 3, "association off");
+  ExpectSamePicture(500, 3, "association off");
   growthstate.nroots = 0;
   growthstate.associate = 1;
-  ExpectBothModes(500, 3, "no roots asked for");
-}
-
-// With the eye inside the aggregate most lines lie beyond a clipping plane
-// and are left out; those kept follow growth, and the view's changes.
-TEST(DrawArrays, LinesOutOfViewLeftOut) {
-  ResetProgram();
-  while (ncells < 3000) IterateSystemSteps(1000);
+  ExpectSamePicture(500, 3, "no roots asked for");
   for (double d : {0.3, 0.3, 0.1, 1.5, 0.2}) {
     eyedistance = d;
-    ExpectBothModes(100, 3, "eye inside");
+    ExpectSamePicture(100, 3, "eye inside");
     int n = ncells + 300;
     while (ncells < n) IterateSystemSteps(1000);
-    ExpectBothModes(100, 3, "grown, same view");
+    ExpectSamePicture(100, 3, "grown, same view");
   }
   eyedistance = 1.5;
 }

@@ -46,7 +46,8 @@ TEST_F(Slicing, TwoSlabsShareTheirBoundaryInTheCurrentDirectory) {
   EXPECT_EQ(err, "Slice 0, distance: 10 to 0\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
                  "      Tracing branch node from 0 -> 2\nSlice 1, distance: 0 to -10\n");
   // Slab 0: the second segment leaves through the lower bound, inside end first; slab 1: the first, crossing first.
-  EXPECT_EQ(Slice(s.dir, 2, V(0, 0, 1)), "1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n|");
+  EXPECT_EQ(ReadFile(s / "slice_000.txt") + "|" + ReadFile(s / "slice_001.txt"),
+            "1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n");
   // Slab 0 is the one nearest +radius along the normal.
   EXPECT_EQ(Slice(s.dir, 2, V(0, 0, -1)), "1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n|1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|");
 }
