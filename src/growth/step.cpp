@@ -233,8 +233,10 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
 // come as arguments so that a run of steps can read them once.
 // With owe set, one root's rand draws are owed rather than made (their
 // values are not needed); the plain scan makes them, as the reference.
+// With atorigin set (one root at the origin, no association, draws owed)
+// the drift takes a shorter road to the same numbers.
 static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit, double bias,
-                               int nroots, int associate, double rotation, int owe) {
+                               int nroots, int associate, double rotation, int owe, int atorigin) {
   // 3. One random step of one branch length.
   XYZ u;
   u.x = GrowthDrand48() - 0.5;
@@ -256,7 +258,19 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
 
   // 5. Drift, away from the target by design. No roots: no drift (the
   // index arithmetic would divide by zero).
-  if (bias > 0 && nroots > 0) {
+  if (bias > 0 && atorigin) {
+    // 0 - p is -p exactly, whose squared length is m2, and taking p - b (-p / l)
+    // as p + b (p / l) changes no bit; one subtraction less in the chain of
+    // dependent arithmetic that bounds the walk.
+    double b = bias * 0.01 * branchlength;
+    SkipGrowthRand(3);
+    if (m2 > 0) {
+      double l = sqrt(m2);
+      p->x += b * (p->x / l);
+      p->y += b * (p->y / l);
+      p->z += b * (p->z / l);
+    }
+  } else if (bias > 0 && nroots > 0) {
     double b = bias * 0.01 * branchlength;
     // Roots may have been asked for but not placed.
     if ((int)cells.size() < nroots) ReserveCells(nroots);
@@ -334,7 +348,7 @@ void IterateSystem(void) {
   g.lifespan++;
 
   if (!MoveParticle(&g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
-                    g.associate, g.rotation, growthsearch == SEARCH_INDEX))
+                    g.associate, g.rotation, growthsearch == SEARCH_INDEX, 0))
     return;
   FinishStep(q);
 }
@@ -357,6 +371,7 @@ long IterateExactSteps(long n) {
   double branchlength = g.branchlength, limit = g.radius + 2 * g.branchlength, bias = g.bias;
   double rotation = g.rotation;
   int nroots = g.nroots, associate = g.associate;
+  int atorigin = nroots == 1 && !associate && cells[0].p.x == 0 && cells[0].p.y == 0 && cells[0].p.z == 0;
   XYZ centre = s.centre;
   double safe2 = s.safe2;
   XYZ p = g.particle;
@@ -366,7 +381,8 @@ long IterateExactSteps(long n) {
     XYZ q = p;
     lifespan++;
     k++;
-    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation, 1)) continue;
+    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation, 1, atorigin))
+      continue;
     double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
     if (dx * dx + dy * dy + dz * dz < safe2) {
       GrowthDrand48();  // 8: the stickiness number, with nothing touched
