@@ -19,6 +19,7 @@
 #include "app/startup.h"
 #include "batch/batch.h"
 #include "growth/growth.h"
+#include "surface/samples.h"
 
 // The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
@@ -83,6 +84,35 @@ inline std::string DebugOutput(const std::function<void()> &f) {
   f();
   options.debug = 0;
   return testing::internal::GetCapturedStderr();
+}
+
+// Settings of a run in a table, the others start-up's: what, cells, branch length, bias, rotation,
+// stickiness, intersection range, roots (range 20), distribution, association, sample surface, source.
+struct SETTINGS {
+  const char *what;
+  int n;
+  double branchlength, bias, rotation, stickiness, intersectrange;
+  int nroots, distribution, associate, sample, source;
+};
+
+// A fresh program with s's settings and its roots placed, growth seeded with seed.
+inline void StartGrowth(const SETTINGS &s, int seed) {
+  ResetProgram();
+  GROWTHSTATE &g = growthstate;
+  g.rootrange = 20;
+  g.seed = seed;
+  g.branchlength = s.branchlength;
+  g.bias = s.bias;
+  g.rotation = s.rotation;
+  g.stickiness = s.stickiness;
+  g.intersectrange = s.intersectrange;
+  g.nroots = s.nroots;
+  g.rootdistribution = s.distribution;
+  g.associate = s.associate;
+  g.sourcetype = s.source;
+  if (s.sample) MakeSampleSurface(s.sample);
+  InitialiseGrowth();
+  ResetSeeds();
 }
 
 // One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.

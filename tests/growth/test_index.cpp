@@ -13,24 +13,11 @@ namespace {
 
 using SearchIndex = Fresh;
 
-// Settings a run is grown with, changed from start-up's by setup.
-using G = GROWTHSTATE;
-struct SETTINGS {
-  const char *what;
-  int n;
-  void (*setup)(G &g);
-};
-
 // The hash of s.n cells grown step by step or in runs, with maxweight and radius at every stick.
 uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
-  ResetProgram();
+  StartGrowth(s, seed);
   growthsearch = search;
   GROWTHSTATE &g = growthstate;
-  g.rootrange = 20;
-  g.seed = seed;
-  s.setup(g);
-  InitialiseGrowth();
-  ResetSeeds();
   uint64_t h = 0;
   for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < s.n; run = run * 7 % 5001 + 1) {
     long took = Steps(runs ? run : 0);
@@ -41,26 +28,23 @@ uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
       seen = ncells;
     }
   }
-  growthsearch = SEARCH_INDEX;
   EXPECT_GT(ncells, g.nroots) << s.what << ": nothing grew";
   return h ^ AggregateHash();
 }
 
 TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
   const SETTINGS cases[] = {
-      {"defaults", 700, [](G &) {}},
-      {"branch length 0.3", 500, [](G &g) { g.branchlength = 0.3; }},
-      {"branch length 0.7, bias 1", 500, [](G &g) { g.branchlength = 0.7; g.bias = 1; }},
-      {"branch length 2.5", 400, [](G &g) { g.branchlength = 2.5; }},
-      {"ring of 5, association", 500, [](G &g) { g.nroots = 5; g.rootdistribution = ROOT_RINGZ; g.associate = 1; }},
-      {"random roots, association, 0.7", 500,
-       [](G &g) { g.branchlength = 0.7; g.nroots = 4; g.rootdistribution = ROOT_SPHERICAL; g.associate = 1; }},
-      {"rotation and bias", 500, [](G &g) { g.bias = 0.8; g.rotation = 3; }},
-      {"stickiness 20, branch length 0.3", 350, [](G &g) { g.branchlength = 0.3; g.stickiness = 20; }},
-      {"intersection range", 350, [](G &g) { g.intersectrange = 5; }},
-      {"sample sphere", 300, [](G &) { MakeSampleSurface(SAMPLE_SPHERE); }},
-      {"sample plane, source +z", 350, [](G &g) { MakeSampleSurface(SAMPLE_PLANE); g.sourcetype = SOURCE_PLUSZ; }},
-  };
+      {"defaults", 700, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"branch length 0.3", 500, 0.3, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"branch length 0.7, bias 1", 500, 0.7, 1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"branch length 2.5", 400, 2.5, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"ring of 5, association", 500, 1, 0.1, 0, 100, 0, 5, ROOT_RINGZ, 1, 0, SOURCE_SPHERE},
+      {"random roots, association, 0.7", 500, 0.7, 0.1, 0, 100, 0, 4, ROOT_SPHERICAL, 1, 0, SOURCE_SPHERE},
+      {"rotation and bias", 500, 1, 0.8, 3, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"stickiness 20, branch length 0.3", 350, 0.3, 0.1, 0, 20, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"intersection range", 350, 1, 0.1, 0, 100, 5, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"sample sphere", 300, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_SPHERE, SOURCE_SPHERE},
+      {"sample plane, source +z", 350, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_PLANE, SOURCE_PLUSZ}};
   int seed = 3;
   for (const SETTINGS &s : cases) {
     uint64_t scan = Grow(s, seed, SEARCH_SCAN, 0);
@@ -68,38 +52,6 @@ TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
     EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 1), scan) << s.what << ", in runs";
     seed++;
   }
-}
-
-// Changes made between steps, as the settings form and the menus make them.
-TEST_F(SearchIndex, FollowsChangesOutsideTheStep) {
-  uint64_t h[3];
-  for (int k = 0; k < 3; k++) {
-    ResetProgram();
-    growthsearch = k == 0 ? SEARCH_SCAN : SEARCH_INDEX;
-    growthstate.seed = 21;
-    InitialiseGrowth();
-    uint64_t sum = 0;
-    auto growto = [&](int n) {
-      for (long steps = 0; steps < 2000000 && ncells < n;) steps += Steps(k == 2 ? n % 900 + 1 : 0);
-      sum = sum * 31 + AggregateHash() + (uint64_t)(growthstate.radius * 1e9);
-    };
-    growto(250);
-    growthstate.branchlength = 0.6;  // mid-run, no restart
-    growto(350);
-    growthstate.branchlength = 1.7;
-    growto(420);
-    growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
-    InitialiseGrowth();
-    growto(520);
-    growthstate.nroots = 1;
-    InitialiseGrowth();
-    ResetSeeds();
-    growto(600);
-    h[k] = sum;
-    growthsearch = SEARCH_INDEX;
-  }
-  EXPECT_EQ(h[1], h[0]);
-  EXPECT_EQ(h[2], h[0]);
 }
 
 // Roots at p + each offset, and the index rebuilt for them.

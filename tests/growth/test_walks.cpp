@@ -1,7 +1,5 @@
 // The walk: owed rand draws taken at once, jumps across space the index
 // proves empty, and the batch program's choice between the two walks.
-#include <functional>
-
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -31,113 +29,90 @@ TEST_F(Walks, OwedRandDrawsJumpAheadExactly) {
   EXPECT_EQ(GrowthRand(), rand());
 }
 
-// Grows to n cells one step at a time (every rand drawn), or in runs (rand draws owed).
-void GrowTo(int n, int runs) {
-  for (long k = 0; k < 3000000 && ncells < n;) k += Steps(runs ? k % 700 + 1 : 0);
-}
-
-// Owed draws come due for roots added without a restart (drift picks random roots) and
-// for a surface source (random facets); a reseed drops them.
-TEST_F(Walks, OwedRandDrawsGiveThePlainScansAggregate) {
-  auto grow = [](int runs) {
-    growthsearch = runs ? SEARCH_INDEX : SEARCH_SCAN;
+// Changes made between steps, as the settings form and the menus make them: the
+// index must follow a new branch length, restarts and new roots; owed draws come
+// due for roots added without a restart (drift picks random roots) and for a
+// surface source (random facets), and a reseed drops them.
+TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
+  uint64_t h[3];
+  for (int k = 0; k < 3; k++) {  // the scan step by step, the index step by step, the index in runs
     ResetProgram();
+    growthsearch = k ? SEARCH_INDEX : SEARCH_SCAN;
     growthstate.seed = 77;
     InitialiseGrowth();
-    GrowTo(300, runs);
-    growthstate.nroots = 3;  // cells 1 and 2 become roots' places
-    GrowTo(450, runs);
+    uint64_t sum = 0;
+    auto growto = [&](int n) {
+      for (long steps = 0; steps < 3000000 && ncells < n;) steps += Steps(k == 2 ? steps % 700 + 1 : 0);
+      EXPECT_EQ(ncells, n);
+      sum = sum * 31 + AggregateHash() + (uint64_t)(growthstate.radius * 1e9);
+    };
+    growto(250);
+    growthstate.branchlength = 0.6;  // mid-run, no restart
+    growto(350);
+    growthstate.branchlength = 1.7;
+    growto(420);
+    growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
+    InitialiseGrowth();
+    growto(520);
+    growthstate.nroots = 3;  // without a restart
+    growto(600);
     growthstate.nroots = 1;
     growthstate.sourcetype = SOURCE_STL;
     MakeSampleSurface(SAMPLE_SPHERE);
-    GrowTo(600, runs);
+    growto(700);
     InitialiseGrowth();  // reseeds mid-aggregate
     growthstate.sourcetype = SOURCE_SPHERE;
-    GrowTo(700, runs);
-    growthstate.nroots = 2;
-    growthstate.bias = 0.7;
-    GrowTo(800, runs);
-    growthsearch = SEARCH_INDEX;
-    EXPECT_EQ(ncells, 800);
-    return AggregateHash();
-  };
-  EXPECT_EQ(grow(1), grow(0));
-}
-
-double Nearest(XYZ p) {
-  double best = 1e300;
-  for (int i = 0; i < ncells; i++) {
-    double d = VectorLength(p, cells[i].p);
-    if (d < best) best = d;
+    growto(800);
+    growthstate.nroots = 1;
+    InitialiseGrowth();
+    ResetSeeds();
+    growto(900);
+    h[k] = sum;
   }
-  return best;
-}
-
-void FourRoots(int distribution, double range, int associate) {
-  growthstate.nroots = 4;
-  growthstate.rootdistribution = distribution;
-  growthstate.rootrange = range;
-  growthstate.associate = associate;
-  InitialiseGrowth();
-  ResetSeeds();
+  EXPECT_EQ(h[1], h[0]);
+  EXPECT_EQ(h[2], h[0]);
 }
 
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
-  struct {
-    const char *what;
-    std::function<void()> setup;
-  } cases[] = {
-      {"defaults", [] {}},
-      {"drift and swirl", [] { growthstate.bias = 1; growthstate.rotation = 3; }},
-      {"branch length 2.5, swirl against", [] { growthstate.branchlength = 2.5; growthstate.rotation = -4; }},
-      {"four roots, association", [] { FourRoots(ROOT_RINGZ, 10, 1); }},
-      {"four random roots", [] { FourRoots(ROOT_SPHERICAL, 30, 0); }},
-  };
+  const SETTINGS cases[] = {
+      {"drift and swirl", 600, 1, 1, 3, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"branch length 2.5, swirl against", 600, 2.5, 0.1, -4, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
+      {"four roots, association", 600, 1, 0.1, 0, 100, 0, 4, ROOT_RINGZ, 1, 0, SOURCE_SPHERE},
+      {"four random roots", 600, 1, 0.1, 0, 100, 0, 4, ROOT_SPHERICAL, 0, 0, SOURCE_SPHERE}};
   int died = 0;  // life spans that ended inside a jump
   for (auto &c : cases) {
-    ResetProgram();
-    growthstate.seed = 5;
-    c.setup();
-    InitialiseGrowth();
+    StartGrowth(c, 5);
+    GROWTHSTATE &g = growthstate;
     int jumps = 0;
-    for (long calls = 0; calls < 2000000 && ncells < 600; calls++) {
+    for (long calls = 0; calls < 2000000 && ncells < c.n; calls++) {
       JUMP jump;
-      if (growthstate.lifespan % GROWTH_LIFESPAN == 0) {
+      if (g.lifespan % GROWTH_LIFESPAN == 0) {
         IterateSystem();
       } else if (Jump(1 << 20, &jump)) {
         if (jump.died) {
           died++;
-          ASSERT_EQ(growthstate.lifespan % GROWTH_LIFESPAN, 0) << c.what;
+          ASSERT_EQ(g.lifespan % GROWTH_LIFESPAN, 0) << c.what;
           continue;
         }
         jumps++;
-        double limit = growthstate.radius + 2 * growthstate.branchlength;
-        ASSERT_LE(Modulus(jump.to), limit) << c.what << ", jump " << jumps;
-        double away = VectorLength(jump.to, jump.from);
-        double span = away > jump.radius ? away : jump.radius;
-        ASSERT_GE(jump.radius, WALK_MINJUMP * growthstate.branchlength) << c.what;
-        ASSERT_GE(Nearest(jump.from), span + growthstate.branchlength) << c.what << ", jump " << jumps;
+        ASSERT_LE(Modulus(jump.to), g.radius + 2 * g.branchlength) << c.what << ", jump " << jumps;
+        ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << c.what;
+        double nearest = 1e300;
+        for (int i = 0; i < ncells; i++) nearest = fmin(nearest, VectorLength(jump.from, cells[i].p));
+        double span = fmax(VectorLength(jump.to, jump.from), jump.radius);
+        ASSERT_GE(nearest, span + g.branchlength) << c.what << ", jump " << jumps;
       } else {
         IterateExactSteps(4);
       }
     }
-    EXPECT_GE(ncells, 600) << c.what;
+    EXPECT_GE(ncells, c.n) << c.what;
     EXPECT_GT(jumps, 1000) << c.what;
   }
   EXPECT_GT(died, 0);
 }
 
-TEST_F(Walks, BatchRefusesWhatTheFastWalkCannotDo) {
-  std::string err;
-  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
-  EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
-  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
-  EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
-  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
-}
-
-// The jumps draw from their own numbers, seeded from --seed.
-TEST_F(Walks, FastRunsRepeatForASeed) {
+// The jumps draw from their own numbers, seeded from --seed; the fast walk needs the index.
+TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   std::string err;
   auto grow = [&](const std::string &walk, const std::string &seed) {
     ResetProgram();  // the batch expects a fresh program
@@ -146,10 +121,16 @@ TEST_F(Walks, FastRunsRepeatForASeed) {
     return AggregateHash();
   };
   uint64_t exact = grow("exact", "3"), fast = grow("fast", "3");
-  EXPECT_EQ(grow("fast", "3"), fast);  // same seed
+  EXPECT_EQ(grow("fast", "3"), fast);    // same seed
   EXPECT_EQ(grow("exact", "3"), exact);  // the exact walk after a fast one
   EXPECT_NE(grow("fast", "4"), fast);
+  EXPECT_NE(grow("exact", "4"), exact);
   EXPECT_NE(fast, exact);
+  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
+  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
+  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
 }
 
 }  // namespace
