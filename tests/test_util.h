@@ -19,7 +19,6 @@
 #include "app/startup.h"
 #include "batch/batch.h"
 #include "growth/growth.h"
-#include "surface/samples.h"
 
 // The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
@@ -86,35 +85,6 @@ inline std::string DebugOutput(const std::function<void()> &f) {
   return testing::internal::GetCapturedStderr();
 }
 
-// Settings of a run in a table, the others start-up's: what, cells, branch length, bias, rotation,
-// stickiness, intersection range, roots (range 20), distribution, association, sample surface, source.
-struct SETTINGS {
-  const char *what;
-  int n;
-  double branchlength, bias, rotation, stickiness, intersectrange;
-  int nroots, distribution, associate, sample, source;
-};
-
-// A fresh program with s's settings and its roots placed, growth seeded with seed.
-inline void StartGrowth(const SETTINGS &s, int seed) {
-  ResetProgram();
-  GROWTHSTATE &g = growthstate;
-  g.rootrange = 20;
-  g.seed = seed;
-  g.branchlength = s.branchlength;
-  g.bias = s.bias;
-  g.rotation = s.rotation;
-  g.stickiness = s.stickiness;
-  g.intersectrange = s.intersectrange;
-  g.nroots = s.nroots;
-  g.rootdistribution = s.distribution;
-  g.associate = s.associate;
-  g.sourcetype = s.source;
-  if (s.sample) MakeSampleSurface(s.sample);
-  InitialiseGrowth();
-  ResetSeeds();
-}
-
 // One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.
 inline long Steps(long run) {
   if (run) return IterateSystemSteps(run);
@@ -146,6 +116,13 @@ inline int Batch(const std::string &line, std::string *err, bool parse_only = fa
     if (status == BATCH_OK && !parse_only) status = RunBatch(&BatchRecord(), fp);
   });
   return status;
+}
+
+// A fresh program set up by dla3d-batch's options (its growth settings,
+// surface and roots), no step taken yet.
+inline void StartGrowth(const std::string &options) {
+  std::string err;
+  EXPECT_EQ(Batch(options + " --steps 0 --no-progress", &err), BATCH_OK) << options << ": " << err;
 }
 
 // FNV-1a over the positions, weights and parents of the aggregate: two runs

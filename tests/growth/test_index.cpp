@@ -6,20 +6,20 @@
 
 #include "growth/growth.h"
 #include "growth/index.h"
-#include "surface/samples.h"
 #include "test_util.h"
 
 namespace {
 
 using SearchIndex = Fresh;
 
-// The hash of s.n cells grown step by step or in runs, with maxweight and radius at every stick.
-uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
-  StartGrowth(s, seed);
+// The hash of n cells grown with the batch program's options step by step or
+// in runs, with maxweight and radius at every stick.
+uint64_t Grow(const char *options, int n, int search, int runs) {
+  StartGrowth(options);
   growthsearch = search;
   GROWTHSTATE &g = growthstate;
   uint64_t h = 0;
-  for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < s.n; run = run * 7 % 5001 + 1) {
+  for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < n; run = run * 7 % 5001 + 1) {
     long took = Steps(runs ? run : 0);
     EXPECT_TRUE(took >= 1 && took <= (runs ? run : 1));
     k += took;
@@ -28,29 +28,29 @@ uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
       seen = ncells;
     }
   }
-  EXPECT_GT(ncells, g.nroots) << s.what << ": nothing grew";
+  EXPECT_GT(ncells, g.nroots) << options << ": nothing grew";
   return h ^ AggregateHash();
 }
 
 TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
-  const SETTINGS cases[] = {
-      {"defaults", 700, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"branch length 0.3", 500, 0.3, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"branch length 0.7, bias 1", 500, 0.7, 1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"branch length 2.5", 400, 2.5, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"ring of 5, association", 500, 1, 0.1, 0, 100, 0, 5, ROOT_RINGZ, 1, 0, SOURCE_SPHERE},
-      {"random roots, association, 0.7", 500, 0.7, 0.1, 0, 100, 0, 4, ROOT_SPHERICAL, 1, 0, SOURCE_SPHERE},
-      {"rotation and bias", 500, 1, 0.8, 3, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"stickiness 20, branch length 0.3", 350, 0.3, 0.1, 0, 20, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"intersection range", 350, 1, 0.1, 0, 100, 5, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"sample sphere", 300, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_SPHERE, SOURCE_SPHERE},
-      {"sample plane, source +z", 350, 1, 0.1, 0, 100, 0, 1, ROOT_ORIGIN, 0, SAMPLE_PLANE, SOURCE_PLUSZ}};
-  int seed = 3;
-  for (const SETTINGS &s : cases) {
-    uint64_t scan = Grow(s, seed, SEARCH_SCAN, 0);
-    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 0), scan) << s.what;
-    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 1), scan) << s.what << ", in runs";
-    seed++;
+  struct {
+    int n;
+    const char *options;
+  } cases[] = {{700, "--seed 3"},
+               {500, "--seed 4 --branch-length 0.3"},
+               {500, "--seed 5 --branch-length 0.7 --bias 1"},
+               {400, "--seed 6 --branch-length 2.5"},
+               {500, "--seed 7 --roots 5 --root-distribution 8 --root-range 20 --associate"},
+               {500, "--seed 8 --roots 4 --root-distribution 2 --root-range 20 --associate --branch-length 0.7"},
+               {500, "--seed 9 --bias 0.8 --rotation 3"},
+               {350, "--seed 10 --stickiness 20 --branch-length 0.3"},
+               {350, "--seed 11 --intersect-range 5"},
+               {300, "--seed 12 --sample 21"},
+               {350, "--seed 13 --sample 31 --source 8"}};
+  for (auto &c : cases) {
+    uint64_t scan = Grow(c.options, c.n, SEARCH_SCAN, 0);
+    EXPECT_EQ(Grow(c.options, c.n, SEARCH_INDEX, 0), scan) << c.options;
+    EXPECT_EQ(Grow(c.options, c.n, SEARCH_INDEX, 1), scan) << c.options << ", in runs";
   }
 }
 

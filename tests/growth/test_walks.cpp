@@ -74,14 +74,16 @@ TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
 }
 
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
-  const SETTINGS cases[] = {
-      {"drift and swirl", 600, 1, 1, 3, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"branch length 2.5, swirl against", 600, 2.5, 0.1, -4, 100, 0, 1, ROOT_ORIGIN, 0, 0, SOURCE_SPHERE},
-      {"four roots, association", 600, 1, 0.1, 0, 100, 0, 4, ROOT_RINGZ, 1, 0, SOURCE_SPHERE},
-      {"four random roots", 600, 1, 0.1, 0, 100, 0, 4, ROOT_SPHERICAL, 0, 0, SOURCE_SPHERE}};
+  struct {
+    int n;
+    const char *options;
+  } cases[] = {{600, "--bias 1 --rotation 3"},
+               {600, "--branch-length 2.5 --rotation -4"},
+               {600, "--roots 4 --root-distribution 8 --associate"},
+               {600, "--roots 4 --root-distribution 2 --root-range 30"}};
   int died = 0;  // life spans that ended inside a jump
   for (auto &c : cases) {
-    StartGrowth(c, 5);
+    StartGrowth(std::string(c.options) + " --seed 5");
     GROWTHSTATE &g = growthstate;
     int jumps = 0;
     for (long calls = 0; calls < 2000000 && ncells < c.n; calls++) {
@@ -91,22 +93,22 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
       } else if (Jump(1 << 20, &jump)) {
         if (jump.died) {
           died++;
-          ASSERT_EQ(g.lifespan % GROWTH_LIFESPAN, 0) << c.what;
+          ASSERT_EQ(g.lifespan % GROWTH_LIFESPAN, 0) << c.options;
           continue;
         }
         jumps++;
-        ASSERT_LE(Modulus(jump.to), g.radius + 2 * g.branchlength) << c.what << ", jump " << jumps;
-        ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << c.what;
+        ASSERT_LE(Modulus(jump.to), g.radius + 2 * g.branchlength) << c.options << ", jump " << jumps;
+        ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << c.options;
         double nearest = 1e300;
         for (int i = 0; i < ncells; i++) nearest = fmin(nearest, VectorLength(jump.from, cells[i].p));
         double span = fmax(VectorLength(jump.to, jump.from), jump.radius);
-        ASSERT_GE(nearest, span + g.branchlength) << c.what << ", jump " << jumps;
+        ASSERT_GE(nearest, span + g.branchlength) << c.options << ", jump " << jumps;
       } else {
         IterateExactSteps(4);
       }
     }
-    EXPECT_GE(ncells, c.n) << c.what;
-    EXPECT_GT(jumps, 1000) << c.what;
+    EXPECT_GE(ncells, c.n) << c.options;
+    EXPECT_GT(jumps, 1000) << c.options;
   }
   EXPECT_GT(died, 0);
 }
