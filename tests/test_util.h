@@ -11,6 +11,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -56,11 +57,9 @@ inline std::string ReadFile(const std::string &path) {
   return s;
 }
 
+// Writes content to path; returns path.
 inline std::string WriteFile(const std::string &path, const std::string &content) {
-  FILE *fp = fopen(path.c_str(), "wb");
-  if (fp == NULL) return path;
-  fwrite(content.data(), 1, content.size(), fp);
-  fclose(fp);
+  std::ofstream(path, std::ios::binary) << content;
   return path;
 }
 
