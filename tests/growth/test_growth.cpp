@@ -359,41 +359,34 @@ TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
   EXPECT_NEAR(Modulus(seeds[(nseeds - 1) % NSEEDS]), 14, 1e-12);
 }
 
-// One landing with debug on: its message, and whether it stuck; a veto puts the particle back.
-std::string LandVetoed(XYZ target, int *stuck) {
-  int before = ncells;
-  XYZ u = ReplayStep(1), q = V(target.x - u.x, target.y - u.y, target.z - u.z);
-  std::string err = DebugOutput([&] { LandAt(target); });
-  *stuck = ncells == before + 1;
-  EXPECT_TRUE(*stuck || !memcmp(&growthstate.particle, &q, sizeof(XYZ)));
-  return err;
-}
-
-TEST_F(Step, VetoesSelfIntersectionCuttingAndGaps) {
-  Quiet("0 0 0\n2 0 0\n");
-  LandAt(V(2, 0, 0.9));  // cell 2 on root 1: along z at x = 2
-  LandAt(V(0, 0, 0.9));  // cell 3 on root 0
-  int stuck;
-  growthstate.intersectrange = 10;  // the new branch's line meets cell 2's beyond its end
-  EXPECT_EQ(LandVetoed(V(-0.5, 0, 0.9), &stuck), "*** Self intersection\n");
-  EXPECT_EQ(stuck, 0);
-  EXPECT_EQ(LandVetoed(V(-0.5, 0.5, 0.9), &stuck), "");
-  EXPECT_EQ(stuck, 1);
-  ResetProgram();
-  Quiet(NULL);
-  AppendFacet(V(0.3, -1, -1), V(0.3, 1, -1), V(0.3, 0, 1));
-  UpdateSTL();
-  EXPECT_EQ(LandVetoed(V(0.6, 0, 0), &stuck), "*** Cuts constraint surface\n");
-  EXPECT_EQ(LandVetoed(V(-0.6, 0, 0), &stuck), "");
-  EXPECT_EQ(stuck, 1);
-  // An edge 0.2 above the branch: refused when the facet faces the particle (-z), not when it faces away.
-  for (int facing = -1; facing <= 1; facing += 2) {
+// A branch along z at x = 2 (cell 2 on root 1) and cell 3 on root 0 at (0, 0, 0.9). The new branch's line
+// meeting cell 2's beyond its end; a facet across the branch; an edge 0.2 above the branch, refused when its
+// facet faces the particle (-z), not when it faces away.
+TEST_F(Step, VetoesSelfIntersectionCuttingAndGapsPutTheParticleBack) {
+  struct {
+    double intersectrange;
+    std::vector<XYZ> facet;
+    XYZ target;
+    const char *message;
+  } cases[] = {{10, {}, {-0.5, 0, 0.9}, "*** Self intersection\n"},
+               {10, {}, {-0.5, 0.5, 0.9}, ""},
+               {0, {{0.3, -1, -1}, {0.3, 1, -1}, {0.3, 0, 1}}, {0.6, 0, 0}, "*** Cuts constraint surface\n"},
+               {0, {{0.3, -1, -1}, {0.3, 1, -1}, {0.3, 0, 1}}, {-0.6, 0, 0}, ""},
+               {0, {{0.5, -1, 0.2}, {0.5, 1, 0.2}, {2, 0, 0.2}}, {0.5, 0, 0}, "*** Gap poke through\n"},
+               {0, {{0.5, 1, 0.2}, {0.5, -1, 0.2}, {2, 0, 0.2}}, {0.5, 0, 0}, ""}};
+  for (auto &c : cases) {
     ResetProgram();
-    Quiet(NULL);
-    AppendFacet(V(0.5, facing, 0.2), V(0.5, -facing, 0.2), V(2, 0, 0.2));
+    Quiet("0 0 0\n2 0 0\n");
+    AppendCell(V(2, 0, 0.9), 0, 1);
+    AppendCell(V(0, 0, 0.9), 0, 0);
+    growthstate.intersectrange = c.intersectrange;
+    if (!c.facet.empty()) AppendFacet(c.facet[0], c.facet[1], c.facet[2]);
     UpdateSTL();
-    EXPECT_EQ(LandVetoed(V(0.5, 0, 0), &stuck), facing < 0 ? "*** Gap poke through\n" : "");
-    EXPECT_EQ(stuck, facing > 0);
+    XYZ u = ReplayStep(1), q = V(c.target.x - u.x, c.target.y - u.y, c.target.z - u.z);
+    EXPECT_EQ(DebugOutput([&] { LandAt(c.target); }), c.message);
+    bool stuck = ncells == 5;
+    EXPECT_EQ(stuck, !*c.message) << c.message;
+    EXPECT_TRUE(stuck || !memcmp(&growthstate.particle, &q, sizeof(XYZ))) << c.message;
   }
 }
 
