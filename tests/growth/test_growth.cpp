@@ -137,34 +137,31 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   EXPECT_EQ(growthstate.nroots, 1);
 }
 
-// Every source code's direction from the draws r[0..2] (s = 0.1 * branch length 2): by code - 2, else the sphere's.
-XYZ SourceDirection(int code, const double *r) {
-  double a = (r[0] - 0.5) * 0.2, b = (r[1] - 0.5) * 0.2, c = (r[2] - 0.5) * 0.2, u = 2 * (r[0] - 0.5),
-         v = 2 * (r[1] - 0.5), x = r[0] - 0.5, y = r[1] - 0.5, z = r[2] - 0.5;
-  const XYZ rule[] = {{1, a, b},          {-1, a, b},         {r[0] < 0.5 ? -1.0 : 1, b, c},
-                      {a, 1, b},          {a, -1, b},         {a, r[1] < 0.5 ? -1.0 : 1, c},
-                      {a, b, 1},          {a, b, -1},         {a, b, r[2] < 0.5 ? -1.0 : 1},
-                      {1, u, v},          {u, 1, v},          {u, v, 1},
-                      {0.5 * r[0], y, z}, {x, 0.5 * r[1], z}, {x, y, 0.5 * r[2]}};
-  return code >= SOURCE_PLUSX && code <= SOURCE_HEMIZ ? rule[code - SOURCE_PLUSX] : V(x, y, z);
-}
+// Each source code's direction, a letter a component: 1 or - (-1) draw nothing; the others take the next
+// uniform number r: p is -1 below 0.5 else 1, s (r - 0.5) 0.1 branch length, w 2 (r - 0.5), h 0.5 r, c r - 0.5.
+const char *kSourceRules[] = {"1ss", "-ss", "pss", "s1s", "s-s", "sps", "ss1", "ss-",
+                              "ssp", "1ww", "w1w", "ww1", "hcc", "chc", "cch"};
+const char kLetters[] = "1-pswhc";
 
 TEST_F(Source, EveryCodeFollowsItsRuleWithExactlyItsDraws) {
   growthstate.branchlength = 2;
   for (int code = -1; code <= 18; code++) {
-    bool two = code >= SOURCE_PLUSX && code <= SOURCE_PLANEZ && code != SOURCE_DOUBLEX && code != SOURCE_DOUBLEY;
-    int draws = two && code != SOURCE_DOUBLEZ ? 2 : 3;
+    const char *rule = code >= SOURCE_PLUSX && code <= SOURCE_HEMIZ ? kSourceRules[code - SOURCE_PLUSX] : "ccc";
     for (unsigned seed = 1; seed <= 40; seed++) {
       SCOPED_TRACE(testing::Message() << "code " << code << " seed " << seed);
       GrowthSrand48(seed);
-      double r[4];
-      for (double &v : r) v = GrowthDrand48();
-      XYZ d = SourceDirection(code, r);
-      Normalise(&d);
+      double d[3];
+      for (int k = 0; k < 3; k++) {
+        char c = rule[k];
+        double r = c == '1' || c == '-' ? 0 : GrowthDrand48();
+        const double value[] = {1, -1, r < 0.5 ? -1.0 : 1, (r - 0.5) * 0.2, 2 * (r - 0.5), 0.5 * r, r - 0.5};
+        d[k] = value[strchr(kLetters, c) - kLetters];
+      }
+      double next = GrowthDrand48(), l = sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
       GrowthSrand48(seed);
       XYZ got = GetNewParticle(code, 7.5);
-      EXPECT_XYZ(got, 7.5 * d.x, 7.5 * d.y, 7.5 * d.z, 1e-14);
-      EXPECT_EQ(GrowthDrand48(), r[draws]);
+      EXPECT_XYZ(got, 7.5 * d[0] / l, 7.5 * d[1] / l, 7.5 * d[2] / l, 1e-14);
+      EXPECT_EQ(GrowthDrand48(), next);
     }
   }
   // The surface source: the centroid of facet rand() mod nstltri, no uniform number.
