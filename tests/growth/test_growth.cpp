@@ -385,7 +385,8 @@ TEST_F(Step, VetoesSelfIntersectionCuttingAndGapsPutTheParticleBack) {
   }
 }
 
-TEST(Random, SameNumbersAsTheLibraryAndTheDefinitions) {
+// Any seed, and rand draws owed below and above the one-by-one limit and far beyond it.
+TEST(Random, SameNumbersAsTheLibraryForEverySeedAndAfterOwedDraws) {
   for (long seed : {0L, 1L, -1L, (long)INT_MAX, (long)INT_MIN, 12345L, 0x100000001L, 7919L * 77}) {
     srand48(seed);
     srand((unsigned)seed);
@@ -398,6 +399,14 @@ TEST(Random, SameNumbersAsTheLibraryAndTheDefinitions) {
   GrowthSrand(0);  // as srand(1): glibc's well-known first numbers
   EXPECT_EQ(GrowthRand(), 1804289383);
   EXPECT_EQ(GrowthRand(), 846930886);
+  for (unsigned long n : {1ul, 30ul, 1999ul, 2000ul, 2001ul, 123457ul, 40000003ul}) {
+    srand(4711);
+    for (unsigned long k = 0; k < n; k++) rand();
+    GrowthSrand(4711);
+    SkipGrowthRand(n);
+    for (int k = 0; k < 40; k++) ASSERT_EQ(GrowthRand(), rand()) << n << " owed, draw " << k;
+  }
+  SkipGrowthRand(5000);  // seeding drops what is owed
   SeedGrowthRandom(4242);
   srand48(4242);
   srand(4242);

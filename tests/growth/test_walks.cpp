@@ -3,7 +3,6 @@
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
-#include "growth/random.h"
 #include "growth/walk.h"
 #include "surface/samples.h"
 #include "test_util.h"
@@ -11,23 +10,6 @@
 namespace {
 
 using Walks = Fresh;
-
-// Below and above the one-by-one limit, and far beyond it.
-TEST_F(Walks, OwedRandDrawsJumpAheadExactly) {
-  for (unsigned long n : {1ul, 30ul, 1999ul, 2000ul, 2001ul, 123457ul, 40000003ul}) {
-    srand(4711);
-    for (unsigned long k = 0; k < n; k++) rand();
-    GrowthSrand(4711);
-    SkipGrowthRand(n);
-    for (int k = 0; k < 40; k++) ASSERT_EQ(GrowthRand(), rand()) << n << " owed, draw " << k;
-  }
-  // Seeding drops what is owed.
-  GrowthSrand(99);
-  SkipGrowthRand(5000);
-  GrowthSrand(99);
-  srand(99);
-  EXPECT_EQ(GrowthRand(), rand());
-}
 
 // Changes made between steps, as the settings form and the menus make them: the
 // index must follow a new branch length, restarts and new roots; owed draws come
