@@ -1,5 +1,6 @@
-// The walk: owed rand draws taken at once, jumps across space the index
-// proves empty, and the batch program's choice between the two walks.
+// The walk: runs of steps owing rand draws across changes made between
+// them, jumps across space the index proves empty, and the batch program's
+// choice between the two walks.
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -55,6 +56,12 @@ TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
   EXPECT_EQ(h[2], h[0]);
 }
 
+double Nearest(XYZ p) {
+  double best = 1e300;
+  for (int i = 0; i < ncells; i++) best = fmin(best, VectorLength(p, cells[i].p));
+  return best;
+}
+
 TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
   const std::string cases[] = {"--bias 1 --rotation 3", "--branch-length 2.5 --rotation -4",
                                "--roots 4 --root-distribution 8 --associate",
@@ -77,10 +84,8 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
         jumps++;
         ASSERT_LE(Modulus(jump.to), g.radius + 2 * g.branchlength) << c << ", jump " << jumps;
         ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << c;
-        double nearest = 1e300;
-        for (int i = 0; i < ncells; i++) nearest = fmin(nearest, VectorLength(jump.from, cells[i].p));
         double span = fmax(VectorLength(jump.to, jump.from), jump.radius);
-        ASSERT_GE(nearest, span + g.branchlength) << c << ", jump " << jumps;
+        ASSERT_GE(Nearest(jump.from), span + g.branchlength) << c << ", jump " << jumps;
       } else {
         IterateExactSteps(4);
       }
@@ -91,9 +96,14 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
   EXPECT_GT(died, 0);
 }
 
-// The jumps draw from their own numbers, seeded from --seed; the fast walk needs the index.
+// The fast walk needs the index; the jumps draw from their own numbers, seeded from --seed.
 TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   std::string err;
+  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
+  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
+  EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
+  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
   auto grow = [&](const std::string &walk, const std::string &seed) {
     ResetProgram();  // the batch expects a fresh program
     EXPECT_EQ(Batch("--walk " + walk + " --seed " + seed + " --cells 700 --rotation 1", &err), BATCH_OK) << err;
@@ -103,14 +113,9 @@ TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   uint64_t exact = grow("exact", "3"), fast = grow("fast", "3");
   EXPECT_EQ(grow("fast", "3"), fast);    // same seed
   EXPECT_EQ(grow("exact", "3"), exact);  // the exact walk after a fast one
-  EXPECT_NE(grow("fast", "4"), fast);
   EXPECT_NE(grow("exact", "4"), exact);
+  EXPECT_NE(grow("fast", "4"), fast);
   EXPECT_NE(fast, exact);
-  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
-  EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
-  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
-  EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
-  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
 }
 
 }  // namespace
