@@ -16,14 +16,6 @@ using Roots = Fresh;
 using Source = Fresh;
 using Step = Fresh;
 
-void PlaceRoots(int code, int n, double range) {
-  growthstate.rootdistribution = code;
-  growthstate.nroots = n;
-  growthstate.rootrange = range;
-  InitialiseGrowth();
-  ResetSeeds();
-}
-
 int ReadRootsText(const std::string &text, FILEMESSAGE *msg, std::string *path = NULL) {
   Scratch s;
   std::string p = WriteFile(s / "seeds.txt", text);
@@ -50,7 +42,7 @@ TEST_F(Roots, EachDistributionItsPlacesDrawsAndName) {
   const double ring[4][2] = {{10, 0}, {0, 10}, {-10, 0}, {0, -10}};  // "Ring: ..." places, the others draw
   for (auto &c : cases) {
     SCOPED_TRACE(c.code);
-    PlaceRoots(c.code, 4, 10);
+    StartGrowth("--roots 4 --root-distribution " + std::to_string(c.code));
     ASSERT_EQ(ncells, 4);
     double after = GrowthDrand48();  // reseeded after the roots
     GrowthSrand48(12345);
@@ -66,12 +58,13 @@ TEST_F(Roots, EachDistributionItsPlacesDrawsAndName) {
     EXPECT_STREQ(growthstate.rootname, c.name);
     EXPECT_EQ(growthstate.radius, 20);  // rootrange + 10
   }
-  PlaceRoots(10, 3, 10);
-  EXPECT_EQ(ncells, 0);
-  PlaceRoots(ROOT_SPHERICAL, 0, 10);
-  EXPECT_EQ(ncells, 0);
-  PlaceRoots(ROOT_ORIGIN, 0, 10);  // one root whatever the count
-  EXPECT_EQ(ncells, 1);
+  // No roots above code 9 or below one root; "Origin" places one whatever the count.
+  for (auto c : {std::make_pair("--roots 3 --root-distribution 10", 0),
+                 {"--roots 0 --root-distribution 2", 0},
+                 {"--roots 0", 1}}) {
+    StartGrowth(c.first);
+    EXPECT_EQ(ncells, c.second) << c.first;
+  }
 }
 
 TEST_F(Roots, RestartKeepsRootsTheirWeightsAndOriginsLeftovers) {
@@ -124,7 +117,7 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   growthstate.rootdistribution = ROOT_ORIGIN;
   ASSERT_EQ(ReadRootsText("1 1 1\n", &msg), 1);
   EXPECT_STREQ(growthstate.rootname, "Origin");  // ResetSeeds names code 1 after the path was set
-  PlaceRoots(ROOT_RINGZ, 4, 10);
+  StartGrowth("--roots 4 --root-distribution 8");
   Scratch s;
   EXPECT_EQ(ReadRootsFile((s / "none").c_str(), &msg), 0);
   EXPECT_EQ(Lines(msg), "File Error|Failed to read seed file|" + s / "none");
@@ -327,7 +320,7 @@ TEST_F(Step, AssociationSearchesOneIndexClassAndDriftsToItsRootWithoutRand) {
 }
 
 TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
-  PlaceRoots(10, 1, 10);  // no cells: a fresh particle every 10000 steps at radius + 2
+  StartGrowth("--root-distribution 10");  // no cells: a fresh particle every 10000 steps at radius + 2
   growthstate.bias = 0;
   for (int i = 0; i < 10001; i++) IterateSystem();
   EXPECT_EQ(nseeds, 2);
