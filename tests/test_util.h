@@ -11,6 +11,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -56,11 +57,9 @@ inline std::string ReadFile(const std::string &path) {
   return s;
 }
 
+// Writes content to path; returns path.
 inline std::string WriteFile(const std::string &path, const std::string &content) {
-  FILE *fp = fopen(path.c_str(), "wb");
-  if (fp == NULL) return path;
-  fwrite(content.data(), 1, content.size(), fp);
-  fclose(fp);
+  std::ofstream(path, std::ios::binary) << content;
   return path;
 }
 
@@ -116,6 +115,13 @@ inline int Batch(const std::string &line, std::string *err, bool parse_only = fa
     if (status == BATCH_OK && !parse_only) status = RunBatch(&BatchRecord(), fp);
   });
   return status;
+}
+
+// A fresh program set up by dla3d-batch's options (its growth settings,
+// surface and roots), no step taken yet.
+inline void StartGrowth(const std::string &options) {
+  std::string err;
+  EXPECT_EQ(Batch(options + " --steps 0 --no-progress", &err), BATCH_OK) << options << ": " << err;
 }
 
 // FNV-1a over the positions, weights and parents of the aggregate: two runs

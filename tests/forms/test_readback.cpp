@@ -11,47 +11,29 @@ using FormReadBack = Fresh;
 
 TEST_F(FormReadBack, EachSettingWithItsRule) {
   GROWTHSTATE &g = growthstate;
+  // The seed: a decimal number truncated toward zero, then made positive; the slice count: atoi ("1e3" is 1),
+  // at least 2; the thick end is not compared with the start.
   struct {
     void (*read)(const char *);
     double *field;
-    const char *text;
-    double stored;
-  } cases[] = {{ReadStickinessText, &g.stickiness, "250", 100},
-               {ReadStickinessText, &g.stickiness, "0.5", 1},
-               {ReadStickinessText, &g.stickiness, "37.5", 37.5},
-               {ReadStickinessText, &g.stickiness, "", 1},
-               {ReadBiasText, &g.bias, "1.5", 1},
-               {ReadBiasText, &g.bias, "-0.2", 0},
-               {ReadBiasText, &g.bias, "0.25", 0.25},
-               {ReadRotationText, &g.rotation, "12", 5},
-               {ReadRotationText, &g.rotation, "-12", -5},
-               {ReadRotationText, &g.rotation, "-2.5", -2.5},
-               {ReadIntersectRangeText, &g.intersectrange, "95", 90},
-               {ReadIntersectRangeText, &g.intersectrange, "-1", 0},
-               {ReadIntersectRangeText, &g.intersectrange, "45", 45},
-               {ReadBranchLengthText, &g.branchlength, "", 0.01},
-               {ReadBranchLengthText, &g.branchlength, "-3", 0.01},
-               {ReadBranchLengthText, &g.branchlength, "2500", 2500},
-               {ReadThickEndText, &g.thickend, "-0.3", 0.3},
-               {ReadThickEndText, &g.thickend, "7", 7},  // not compared with the start
-               {ReadThickStartText, &g.thickstart, "-2", 2},
-               {ReadThickStartText, &g.thickstart, "abc", 0}};
-  for (auto &c : cases) {
-    c.read(c.text);
-    EXPECT_EQ(*c.field, c.stored) << c.text;
-  }
-  // The seed: a decimal number truncated toward zero, then made positive;
-  // the slice count: atoi ("1e3" is 1), at least 2.
-  for (auto s : {std::make_pair("-42.9", 42), std::make_pair("1e3", 1000), std::make_pair("", 0)}) {
-    ReadSeedText(s.first);
-    EXPECT_EQ(g.seed, s.second) << s.first;
-  }
+    int *count;                                           // for the whole-number settings
+    std::vector<std::pair<const char *, double>> stored;  // each text and what it stores
+  } cases[] = {{ReadStickinessText, &g.stickiness, NULL, {{"250", 100}, {"0.5", 1}, {"37.5", 37.5}, {"", 1}}},
+               {ReadBiasText, &g.bias, NULL, {{"1.5", 1}, {"-0.2", 0}, {"0.25", 0.25}}},
+               {ReadRotationText, &g.rotation, NULL, {{"12", 5}, {"-12", -5}, {"-2.5", -2.5}}},
+               {ReadIntersectRangeText, &g.intersectrange, NULL, {{"95", 90}, {"-1", 0}, {"45", 45}}},
+               {ReadBranchLengthText, &g.branchlength, NULL, {{"", 0.01}, {"-3", 0.01}, {"2500", 2500}}},
+               {ReadThickEndText, &g.thickend, NULL, {{"-0.3", 0.3}, {"7", 7}}},
+               {ReadThickStartText, &g.thickstart, NULL, {{"-2", 2}, {"abc", 0}}},
+               {ReadSeedText, NULL, &g.seed, {{"-42.9", 42}, {"1e3", 1000}, {"", 0}}},
+               {ReadSliceCountText, NULL, &options.nslices, {{"1", 2}, {"-9", 2}, {"7.8", 7}, {"1e3", 2}}}};
+  for (auto &c : cases)
+    for (auto &t : c.stored) {
+      c.read(t.first);
+      EXPECT_EQ(c.field ? *c.field : *c.count, t.second) << t.first;
+    }
   EXPECT_EQ(TruncateText("1e30") + TruncateText("-1e30") + TruncateText("nan"), 0);  // held in the int range
   EXPECT_EQ(TruncateText("1e30"), 2147483647);
-  for (auto s : {std::make_pair("1", 2), std::make_pair("-9", 2), std::make_pair("7.8", 7), std::make_pair("1e3", 2)}) {
-    ReadSliceCountText(s.first);
-    EXPECT_EQ(options.nslices, s.second) << s.first;
-  }
 }
 
 TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {

@@ -15,15 +15,6 @@ namespace {
 using Roots = Fresh;
 using Source = Fresh;
 using Step = Fresh;
-using Growth = Fresh;
-
-void PlaceRoots(int code, int n, double range) {
-  growthstate.rootdistribution = code;
-  growthstate.nroots = n;
-  growthstate.rootrange = range;
-  InitialiseGrowth();
-  ResetSeeds();
-}
 
 int ReadRootsText(const std::string &text, FILEMESSAGE *msg, std::string *path = NULL) {
   Scratch s;
@@ -33,50 +24,47 @@ int ReadRootsText(const std::string &text, FILEMESSAGE *msg, std::string *path =
   return ReadRootsFile(p.c_str(), msg);
 }
 
-TEST_F(Roots, RandomAndRingDistributions) {
+std::string Lines(const FILEMESSAGE &msg) { return std::string(msg.line1) + "|" + msg.line2 + "|" + msg.line3; }
+
+TEST_F(Roots, EachDistributionItsPlacesDrawsAndName) {
   struct {
-    int code, x, y, z;
+    int code, flat;  // the axis left at 0, or -1
     const char *name;
-  } random[] = {{2, 1, 1, 1, "Spherical"},
-                {9, 1, 1, 1, "Spherical"},
-                {-4, 1, 1, 1, "Spherical"},
-                {3, 0, 1, 1, "Random: x axis plane"},
-                {4, 1, 0, 1, "Random: y axis plane"},
-                {5, 1, 1, 0, "Random: z axis plane"}};
-  for (auto &c : random) {
+  } cases[] = {{ROOT_SPHERICAL, -1, "Spherical"},
+               {ROOT_SPHERICAL9, -1, "Spherical"},
+               {-4, -1, "Spherical"},
+               {ROOT_RANDOMX, 0, "Random: x axis plane"},
+               {ROOT_RANDOMY, 1, "Random: y axis plane"},
+               {ROOT_RANDOMZ, 2, "Random: z axis plane"},
+               {ROOT_RINGX, 0, "Ring: x axis plane"},
+               {ROOT_RINGY, 1, "Ring: y axis plane"},
+               {ROOT_RINGZ, 2, "Ring: z axis plane"}};
+  const double ring[4][2] = {{10, 0}, {0, 10}, {-10, 0}, {0, -10}};  // "Ring: ..." places, the others draw
+  for (auto &c : cases) {
     SCOPED_TRACE(c.code);
-    PlaceRoots(c.code, 3, 8);
-    ASSERT_EQ(ncells, 3);
+    StartGrowth("--roots 4 --root-distribution " + std::to_string(c.code));
+    ASSERT_EQ(ncells, 4);
     double after = GrowthDrand48();  // reseeded after the roots
     GrowthSrand48(12345);
     EXPECT_EQ(after, GrowthDrand48());
-    GrowthSrand48(12345);  // the roots come from the state InitialiseGrowth seeded, x y z in order
-    for (int i = 0; i < 3; i++) {
-      double x = c.x ? (GrowthDrand48() - 0.5) * 8 : 0, y = c.y ? (GrowthDrand48() - 0.5) * 8 : 0;
-      EXPECT_XYZ(cells[i].p, x, y, c.z ? (GrowthDrand48() - 0.5) * 8 : 0, 0);
+    GrowthSrand48(12345);  // random roots come from the state InitialiseGrowth seeded, x y z in order
+    for (int i = 0; i < 4; i++) {
+      double p[3];
+      for (int k = 0, j = 0; k < 3; k++)
+        p[k] = k == c.flat ? 0 : c.name[1] == 'i' ? ring[i][j++] : (GrowthDrand48() - 0.5) * 10;
+      EXPECT_XYZ(cells[i].p, p[0], p[1], p[2], 1e-12);
       EXPECT_EQ(cells[i].parent, -1);
     }
     EXPECT_STREQ(growthstate.rootname, c.name);
-  }
-  const double ring[4][2] = {{10, 0}, {0, 10}, {-10, 0}, {0, -10}};
-  for (int code = ROOT_RINGX; code <= ROOT_RINGZ; code++) {
-    PlaceRoots(code, 4, 10);
-    ASSERT_EQ(ncells, 4);
-    for (int i = 0; i < 4; i++) {
-      XYZ p = cells[i].p, want = code == ROOT_RINGX   ? V(0, ring[i][0], ring[i][1])
-                                 : code == ROOT_RINGY ? V(ring[i][0], 0, ring[i][1])
-                                                      : V(ring[i][0], ring[i][1], 0);
-      EXPECT_XYZ(p, want.x, want.y, want.z, 1e-12);
-    }
     EXPECT_EQ(growthstate.radius, 20);  // rootrange + 10
   }
-  EXPECT_STREQ(growthstate.rootname, "Ring: z axis plane");
-  PlaceRoots(10, 3, 10);
-  EXPECT_EQ(ncells, 0);
-  PlaceRoots(ROOT_SPHERICAL, 0, 10);
-  EXPECT_EQ(ncells, 0);
-  PlaceRoots(ROOT_ORIGIN, 0, 10);  // one root whatever the count
-  EXPECT_EQ(ncells, 1);
+  // No roots above code 9 or below one root; "Origin" places one whatever the count.
+  for (auto c : {std::make_pair("--roots 3 --root-distribution 10", 0),
+                 {"--roots 0 --root-distribution 2", 0},
+                 {"--roots 0", 1}}) {
+    StartGrowth(c.first);
+    EXPECT_EQ(ncells, c.second) << c.first;
+  }
 }
 
 TEST_F(Roots, RestartKeepsRootsTheirWeightsAndOriginsLeftovers) {
@@ -112,7 +100,7 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   EXPECT_XYZ(roots[1], 30, 40, 0, 0);
   EXPECT_EQ(growthstate.radius, 50);
   EXPECT_STREQ(growthstate.rootname, path.c_str());
-  InitialiseGrowth();
+  InitialiseGrowth();  // a restart keeps the file's roots
   EXPECT_EQ(ncells, 2);
   // The scanner's numbers: NaN, infinity, overflow; a fourth number starts the next root.
   ASSERT_EQ(ReadRootsText("nan 0 0\ninf 0 0\n0 1e999 0x1p3 4\n5 6 x\n", &msg), 1);
@@ -129,60 +117,44 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   growthstate.rootdistribution = ROOT_ORIGIN;
   ASSERT_EQ(ReadRootsText("1 1 1\n", &msg), 1);
   EXPECT_STREQ(growthstate.rootname, "Origin");  // ResetSeeds names code 1 after the path was set
-  PlaceRoots(ROOT_RINGZ, 4, 10);
+  StartGrowth("--roots 4 --root-distribution 8");
   Scratch s;
   EXPECT_EQ(ReadRootsFile((s / "none").c_str(), &msg), 0);
-  EXPECT_EQ(std::string(msg.line1) + "|" + msg.line2 + "|" + msg.line3,
-            "File Error|Failed to read seed file|" + s / "none");
+  EXPECT_EQ(Lines(msg), "File Error|Failed to read seed file|" + s / "none");
   EXPECT_EQ(ncells, 4);  // nothing changed
   EXPECT_EQ(ReadRootsText("x 1 2\n1 2 3\n", &msg), 0);
-  EXPECT_EQ(std::string(msg.line1) + "|" + msg.line2 + "|" + msg.line3,
-            "File Error|Failed to read any root positions|Resetting");
+  EXPECT_EQ(Lines(msg), "File Error|Failed to read any root positions|Resetting");
   EXPECT_EQ(growthstate.rootdistribution, ROOT_ORIGIN);
   EXPECT_STREQ(growthstate.rootname, "Origin");
   ASSERT_EQ(ncells, 1);
   EXPECT_EQ(growthstate.nroots, 1);
 }
 
-// The direction each source code builds from the draws r[0..2], s = 0.1 * branch length.
-XYZ SourceDirection(int code, const double *r, double s) {
-  double pm0 = r[0] < 0.5 ? -1 : 1, pm1 = r[1] < 0.5 ? -1 : 1, pm2 = r[2] < 0.5 ? -1 : 1;
-  double a = (r[0] - 0.5) * s, b = (r[1] - 0.5) * s, c = (r[2] - 0.5) * s, u = 2 * (r[0] - 0.5), v = 2 * (r[1] - 0.5);
-  switch (code) {
-    case 2: return {1, a, b};
-    case 3: return {-1, a, b};
-    case 4: return {pm0, b, c};
-    case 5: return {a, 1, b};
-    case 6: return {a, -1, b};
-    case 7: return {a, pm1, c};
-    case 8: return {a, b, 1};
-    case 9: return {a, b, -1};
-    case 10: return {a, b, pm2};
-    case 11: return {1, u, v};
-    case 12: return {u, 1, v};
-    case 13: return {u, v, 1};
-    case 14: return {0.5 * r[0], r[1] - 0.5, r[2] - 0.5};
-    case 15: return {r[0] - 0.5, 0.5 * r[1], r[2] - 0.5};
-    case 16: return {r[0] - 0.5, r[1] - 0.5, 0.5 * r[2]};
-    default: return {r[0] - 0.5, r[1] - 0.5, r[2] - 0.5};
-  }
-}
+// Each source code's direction, a letter a component: 1 or - (-1) draw nothing; the others take the next
+// uniform number r: p is -1 below 0.5 else 1, s (r - 0.5) 0.1 branch length, w 2 (r - 0.5), h 0.5 r, c r - 0.5.
+const char *kSourceRules[] = {"1ss", "-ss", "pss", "s1s", "s-s", "sps", "ss1", "ss-",
+                              "ssp", "1ww", "w1w", "ww1", "hcc", "chc", "cch"};
+const char kLetters[] = "1-pswhc";
 
 TEST_F(Source, EveryCodeFollowsItsRuleWithExactlyItsDraws) {
   growthstate.branchlength = 2;
   for (int code = -1; code <= 18; code++) {
-    int draws = code >= 2 && code <= 13 && code != 4 && code != 7 && code != 10 ? 2 : 3;
+    const char *rule = code >= SOURCE_PLUSX && code <= SOURCE_HEMIZ ? kSourceRules[code - SOURCE_PLUSX] : "ccc";
     for (unsigned seed = 1; seed <= 40; seed++) {
       SCOPED_TRACE(testing::Message() << "code " << code << " seed " << seed);
       GrowthSrand48(seed);
-      double r[4];
-      for (double &v : r) v = GrowthDrand48();
-      XYZ d = SourceDirection(code, r, 0.2);
-      Normalise(&d);
+      double d[3];
+      for (int k = 0; k < 3; k++) {
+        char c = rule[k];
+        double r = c == '1' || c == '-' ? 0 : GrowthDrand48();
+        const double value[] = {1, -1, r < 0.5 ? -1.0 : 1, (r - 0.5) * 0.2, 2 * (r - 0.5), 0.5 * r, r - 0.5};
+        d[k] = value[strchr(kLetters, c) - kLetters];
+      }
+      double next = GrowthDrand48(), l = sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
       GrowthSrand48(seed);
       XYZ got = GetNewParticle(code, 7.5);
-      EXPECT_XYZ(got, 7.5 * d.x, 7.5 * d.y, 7.5 * d.z, 1e-14);
-      EXPECT_EQ(GrowthDrand48(), r[draws]);
+      EXPECT_XYZ(got, 7.5 * d[0] / l, 7.5 * d[1] / l, 7.5 * d[2] / l, 1e-14);
+      EXPECT_EQ(GrowthDrand48(), next);
     }
   }
   // The surface source: the centroid of facet rand() mod nstltri, no uniform number.
@@ -348,7 +320,7 @@ TEST_F(Step, AssociationSearchesOneIndexClassAndDriftsToItsRootWithoutRand) {
 }
 
 TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
-  PlaceRoots(10, 1, 10);  // no cells: a fresh particle every 10000 steps at radius + 2
+  StartGrowth("--root-distribution 10");  // no cells: a fresh particle every 10000 steps at radius + 2
   growthstate.bias = 0;
   for (int i = 0; i < 10001; i++) IterateSystem();
   EXPECT_EQ(nseeds, 2);
@@ -377,61 +349,39 @@ TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
   EXPECT_NEAR(Modulus(seeds[(nseeds - 1) % NSEEDS]), 14, 1e-12);
 }
 
-// One landing with debug on: its message, and whether it stuck; a veto puts the particle back.
-std::string LandVetoed(XYZ target, int *stuck) {
-  int before = ncells;
-  XYZ u = ReplayStep(1), q = V(target.x - u.x, target.y - u.y, target.z - u.z);
-  std::string err = DebugOutput([&] { LandAt(target); });
-  *stuck = ncells == before + 1;
-  EXPECT_TRUE(*stuck || !memcmp(&growthstate.particle, &q, sizeof(XYZ)));
-  return err;
-}
-
-TEST_F(Step, VetoesSelfIntersectionCuttingAndGaps) {
-  Quiet("0 0 0\n2 0 0\n");
-  LandAt(V(2, 0, 0.9));  // cell 2 on root 1: along z at x = 2
-  LandAt(V(0, 0, 0.9));  // cell 3 on root 0
-  int stuck;
-  growthstate.intersectrange = 10;  // the new branch's line meets cell 2's beyond its end
-  EXPECT_EQ(LandVetoed(V(-0.5, 0, 0.9), &stuck), "*** Self intersection\n");
-  EXPECT_EQ(stuck, 0);
-  EXPECT_EQ(LandVetoed(V(-0.5, 0.5, 0.9), &stuck), "");
-  EXPECT_EQ(stuck, 1);
-  ResetProgram();
-  Quiet(NULL);
-  AppendFacet(V(0.3, -1, -1), V(0.3, 1, -1), V(0.3, 0, 1));
-  UpdateSTL();
-  EXPECT_EQ(LandVetoed(V(0.6, 0, 0), &stuck), "*** Cuts constraint surface\n");
-  EXPECT_EQ(LandVetoed(V(-0.6, 0, 0), &stuck), "");
-  EXPECT_EQ(stuck, 1);
-  // An edge 0.2 above the branch: refused when the facet faces the particle (-z), not when it faces away.
-  for (int facing = -1; facing <= 1; facing += 2) {
+// A branch along z at x = 2 (cell 2 on root 1) and cell 3 on root 0 at (0, 0, 0.9). The new branch's line
+// meeting cell 2's beyond its end; a facet across the branch; an edge 0.2 above the branch, refused when its
+// facet faces the particle (-z), not when it faces away.
+TEST_F(Step, VetoesSelfIntersectionCuttingAndGapsPutTheParticleBack) {
+  struct {
+    double intersectrange;
+    std::vector<XYZ> facet;
+    XYZ target;
+    const char *message;
+  } cases[] = {{10, {}, {-0.5, 0, 0.9}, "*** Self intersection\n"},
+               {10, {}, {-0.5, 0.5, 0.9}, ""},
+               {0, {{0.3, -1, -1}, {0.3, 1, -1}, {0.3, 0, 1}}, {0.6, 0, 0}, "*** Cuts constraint surface\n"},
+               {0, {{0.3, -1, -1}, {0.3, 1, -1}, {0.3, 0, 1}}, {-0.6, 0, 0}, ""},
+               {0, {{0.5, -1, 0.2}, {0.5, 1, 0.2}, {2, 0, 0.2}}, {0.5, 0, 0}, "*** Gap poke through\n"},
+               {0, {{0.5, 1, 0.2}, {0.5, -1, 0.2}, {2, 0, 0.2}}, {0.5, 0, 0}, ""}};
+  for (auto &c : cases) {
     ResetProgram();
-    Quiet(NULL);
-    AppendFacet(V(0.5, facing, 0.2), V(0.5, -facing, 0.2), V(2, 0, 0.2));
+    Quiet("0 0 0\n2 0 0\n");
+    AppendCell(V(2, 0, 0.9), 0, 1);
+    AppendCell(V(0, 0, 0.9), 0, 0);
+    growthstate.intersectrange = c.intersectrange;
+    if (!c.facet.empty()) AppendFacet(c.facet[0], c.facet[1], c.facet[2]);
     UpdateSTL();
-    EXPECT_EQ(LandVetoed(V(0.5, 0, 0), &stuck), facing < 0 ? "*** Gap poke through\n" : "");
-    EXPECT_EQ(stuck, facing > 0);
+    XYZ u = ReplayStep(1), q = V(c.target.x - u.x, c.target.y - u.y, c.target.z - u.z);
+    EXPECT_EQ(DebugOutput([&] { LandAt(c.target); }), c.message);
+    bool stuck = ncells == 5;
+    EXPECT_EQ(stuck, !*c.message) << c.message;
+    EXPECT_TRUE(stuck || !memcmp(&growthstate.particle, &q, sizeof(XYZ))) << c.message;
   }
 }
 
-// A seed reproduces a run, swirl and drift included; another seed does not.
-TEST_F(Growth, FixedSeedReproducesTheRun) {
-  growthstate.rotation = 2;
-  growthstate.bias = 0.5;
-  uint64_t h[3];
-  for (int run = 0; run < 3; run++) {
-    growthstate.seed = run == 2 ? 54321 : 12345;
-    InitialiseGrowth();
-    ResetSeeds();
-    while (ncells < 300) IterateSystem();
-    h[run] = AggregateHash() ^ (uint64_t)(growthstate.radius * 1e9);
-  }
-  EXPECT_EQ(h[0], h[1]);
-  EXPECT_NE(h[0], h[2]);
-}
-
-TEST(Random, SameNumbersAsTheLibraryAndTheDefinitions) {
+// Any seed, and rand draws owed below and above the one-by-one limit and far beyond it.
+TEST(Random, SameNumbersAsTheLibraryForEverySeedAndAfterOwedDraws) {
   for (long seed : {0L, 1L, -1L, (long)INT_MAX, (long)INT_MIN, 12345L, 0x100000001L, 7919L * 77}) {
     srand48(seed);
     srand((unsigned)seed);
@@ -444,6 +394,14 @@ TEST(Random, SameNumbersAsTheLibraryAndTheDefinitions) {
   GrowthSrand(0);  // as srand(1): glibc's well-known first numbers
   EXPECT_EQ(GrowthRand(), 1804289383);
   EXPECT_EQ(GrowthRand(), 846930886);
+  for (unsigned long n : {1ul, 30ul, 1999ul, 2000ul, 2001ul, 123457ul, 40000003ul}) {
+    srand(4711);
+    for (unsigned long k = 0; k < n; k++) rand();
+    GrowthSrand(4711);
+    SkipGrowthRand(n);
+    for (int k = 0; k < 40; k++) ASSERT_EQ(GrowthRand(), rand()) << n << " owed, draw " << k;
+  }
+  SkipGrowthRand(5000);  // seeding drops what is owed
   SeedGrowthRandom(4242);
   srand48(4242);
   srand(4242);

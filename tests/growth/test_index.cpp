@@ -6,33 +6,20 @@
 
 #include "growth/growth.h"
 #include "growth/index.h"
-#include "surface/samples.h"
 #include "test_util.h"
 
 namespace {
 
 using SearchIndex = Fresh;
 
-// Settings a run is grown with, changed from start-up's by setup.
-using G = GROWTHSTATE;
-struct SETTINGS {
-  const char *what;
-  int n;
-  void (*setup)(G &g);
-};
-
-// The hash of s.n cells grown step by step or in runs, with maxweight and radius at every stick.
-uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
-  ResetProgram();
+// The hash of n cells grown with the batch program's options step by step or
+// in runs, with maxweight and radius at every stick.
+uint64_t Grow(const char *options, int n, int search, int runs) {
+  StartGrowth(options);
   growthsearch = search;
   GROWTHSTATE &g = growthstate;
-  g.rootrange = 20;
-  g.seed = seed;
-  s.setup(g);
-  InitialiseGrowth();
-  ResetSeeds();
   uint64_t h = 0;
-  for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < s.n; run = run * 7 % 5001 + 1) {
+  for (long k = 0, run = 1, seen = ncells; k < 3000000 && ncells < n; run = run * 7 % 5001 + 1) {
     long took = Steps(runs ? run : 0);
     EXPECT_TRUE(took >= 1 && took <= (runs ? run : 1));
     k += took;
@@ -41,65 +28,30 @@ uint64_t Grow(const SETTINGS &s, int seed, int search, int runs) {
       seen = ncells;
     }
   }
-  growthsearch = SEARCH_INDEX;
-  EXPECT_GT(ncells, g.nroots) << s.what << ": nothing grew";
+  EXPECT_GT(ncells, g.nroots) << options << ": nothing grew";
   return h ^ AggregateHash();
 }
 
 TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
-  const SETTINGS cases[] = {
-      {"defaults", 700, [](G &) {}},
-      {"branch length 0.3", 500, [](G &g) { g.branchlength = 0.3; }},
-      {"branch length 0.7, bias 1", 500, [](G &g) { g.branchlength = 0.7; g.bias = 1; }},
-      {"branch length 2.5", 400, [](G &g) { g.branchlength = 2.5; }},
-      {"ring of 5, association", 500, [](G &g) { g.nroots = 5; g.rootdistribution = ROOT_RINGZ; g.associate = 1; }},
-      {"random roots, association, 0.7", 500,
-       [](G &g) { g.branchlength = 0.7; g.nroots = 4; g.rootdistribution = ROOT_SPHERICAL; g.associate = 1; }},
-      {"rotation and bias", 500, [](G &g) { g.bias = 0.8; g.rotation = 3; }},
-      {"stickiness 20, branch length 0.3", 350, [](G &g) { g.branchlength = 0.3; g.stickiness = 20; }},
-      {"intersection range", 350, [](G &g) { g.intersectrange = 5; }},
-      {"sample sphere", 300, [](G &) { MakeSampleSurface(SAMPLE_SPHERE); }},
-      {"sample plane, source +z", 350, [](G &g) { MakeSampleSurface(SAMPLE_PLANE); g.sourcetype = SOURCE_PLUSZ; }},
-  };
-  int seed = 3;
-  for (const SETTINGS &s : cases) {
-    uint64_t scan = Grow(s, seed, SEARCH_SCAN, 0);
-    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 0), scan) << s.what;
-    EXPECT_EQ(Grow(s, seed, SEARCH_INDEX, 1), scan) << s.what << ", in runs";
-    seed++;
+  struct {
+    int n;
+    const char *options;
+  } cases[] = {{700, "--seed 3"},
+               {500, "--seed 4 --branch-length 0.3"},
+               {500, "--seed 5 --branch-length 0.7 --bias 1"},
+               {400, "--seed 6 --branch-length 2.5"},
+               {500, "--seed 7 --roots 5 --root-distribution 8 --root-range 20 --associate"},
+               {500, "--seed 8 --roots 4 --root-distribution 2 --root-range 20 --associate --branch-length 0.7"},
+               {500, "--seed 9 --bias 0.8 --rotation 3"},
+               {350, "--seed 10 --stickiness 20 --branch-length 0.3"},
+               {350, "--seed 11 --intersect-range 5"},
+               {300, "--seed 12 --sample 21"},
+               {350, "--seed 13 --sample 31 --source 8"}};
+  for (auto &c : cases) {
+    uint64_t scan = Grow(c.options, c.n, SEARCH_SCAN, 0);
+    EXPECT_EQ(Grow(c.options, c.n, SEARCH_INDEX, 0), scan) << c.options;
+    EXPECT_EQ(Grow(c.options, c.n, SEARCH_INDEX, 1), scan) << c.options << ", in runs";
   }
-}
-
-// Changes made between steps, as the settings form and the menus make them.
-TEST_F(SearchIndex, FollowsChangesOutsideTheStep) {
-  uint64_t h[3];
-  for (int k = 0; k < 3; k++) {
-    ResetProgram();
-    growthsearch = k == 0 ? SEARCH_SCAN : SEARCH_INDEX;
-    growthstate.seed = 21;
-    InitialiseGrowth();
-    uint64_t sum = 0;
-    auto growto = [&](int n) {
-      for (long steps = 0; steps < 2000000 && ncells < n;) steps += Steps(k == 2 ? n % 900 + 1 : 0);
-      sum = sum * 31 + AggregateHash() + (uint64_t)(growthstate.radius * 1e9);
-    };
-    growto(250);
-    growthstate.branchlength = 0.6;  // mid-run, no restart
-    growto(350);
-    growthstate.branchlength = 1.7;
-    growto(420);
-    growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
-    InitialiseGrowth();
-    growto(520);
-    growthstate.nroots = 1;
-    InitialiseGrowth();
-    ResetSeeds();
-    growto(600);
-    h[k] = sum;
-    growthsearch = SEARCH_INDEX;
-  }
-  EXPECT_EQ(h[1], h[0]);
-  EXPECT_EQ(h[2], h[0]);
 }
 
 // Roots at p + each offset, and the index rebuilt for them.

@@ -47,36 +47,33 @@ TEST_F(Camera, HomeKeepsWindowAndStereoAndBothOrbitsShareTheFirstRightVector) {
   EXPECT_XYZ(camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
 }
 
+// Side by side stereo gives each eye half the window (1601: 800), the right eye the right half; each eye sits
+// half the separation (focal length / 30) along vd x vu = +y, its frustum shifted against it by
+// 0.5 eyesep near / focal length. Clip planes and separation follow the eye's distance.
 TEST_F(Camera, EachEyeItsHalfItsOffsetAndItsShiftedFrustum) {
-  const double top = 6 * tan(M_PI / 6);  // near 6, aperture 60
-  EYEVIEW m = EyeView(EYE_MONO);
-  EXPECT_XYZ(V(m.top, m.right, m.near), top, 4.0 / 3 * top, 6, 1e-6);
-  EXPECT_XYZ(V(m.bottom, m.left, m.far), -m.top, -m.right, 600, 0);
-  EXPECT_EQ(m.x * 10000 + m.width, 800);
-  EXPECT_XYZ(m.eye, 60, 0, 0, 0);
-  // Side by side, 1601 wide: halves of 800, the right eye in the right half
-  // and one unit (half of eyesep 2) along vd x vu = +y; the frustum shifted
-  // by 0.5 eyesep near / focallength = 0.1 against the eye.
-  camera.stereo = STEREO_DUAL;
-  camera.screenwidth = 1601;
-  for (int eye : {EYE_RIGHT, EYE_LEFT}) {
-    double side = eye == EYE_RIGHT ? 1 : -1;
-    EYEVIEW v = EyeView(eye);
-    EXPECT_EQ(v.x * 10000 + v.width * 10 + (v.height == 600), eye == EYE_RIGHT ? 8008001 : 8001);
-    EXPECT_XYZ(v.eye, 60, side, 0, 1e-12);
-    EXPECT_NEAR(v.right, 1601 / 1200.0 * top - side * 0.1, 1e-6);
-    EXPECT_NEAR(v.left, -1601 / 1200.0 * top - side * 0.1, 1e-6);
+  struct {
+    int stereo, screenwidth;
+    double distance;
+    int eye, x;
+    double side;
+  } cases[] = {{STEREO_MONO, 800, 60, EYE_MONO, 0, 0},
+               {STEREO_DUAL, 1601, 60, EYE_RIGHT, 800, 0.5},
+               {STEREO_DUAL, 1601, 60, EYE_LEFT, 0, -0.5},
+               {STEREO_ACTIVE, 800, 30, EYE_LEFT, 0, -0.5}};
+  for (auto &c : cases) {
+    SCOPED_TRACE(c.eye);
+    camera.stereo = c.stereo;
+    camera.screenwidth = c.screenwidth;
+    camera.vp = V(c.distance, 0, 0);
+    FrameCamera();
+    EYEVIEW v = EyeView(c.eye);
+    double near = c.distance / 10, top = near * tan(M_PI / 6), shift = c.side * c.distance / 300;
+    double right = (c.stereo == STEREO_DUAL ? c.screenwidth / 1200.0 : c.screenwidth / 600.0) * top;
+    EXPECT_EQ(v.x * 10000 + v.width * 10 + (v.height == 600), c.x * 10000 + 8001);
+    EXPECT_XYZ(v.eye, c.distance, c.side * c.distance / 30, 0, 1e-12);
+    EXPECT_XYZ(V(v.near, v.far, v.top), near, 10 * c.distance, top, 1e-6);
+    EXPECT_XYZ(V(v.bottom, v.left, v.right), -top, -right - shift, right - shift, 1e-6);
   }
-  // Active stereo: both eyes over the whole window. Closer, the clip planes
-  // and the separation follow the eye.
-  camera.stereo = STEREO_ACTIVE;
-  camera.screenwidth = 800;
-  camera.vp = V(30, 0, 0);
-  FrameCamera();
-  EYEVIEW v = EyeView(EYE_LEFT);
-  EXPECT_EQ(v.x * 10000 + v.width, 800);
-  EXPECT_XYZ(V(v.near, v.far, v.left), 3, 300, -4.0 / 3 * v.top + 0.05, 1e-9);
-  EXPECT_XYZ(v.eye, 30, -0.5, 0, 1e-12);
 }
 
 TEST_F(Colours, ByRootForPointsAndLinesWithAssociationElseByWeight) {
@@ -125,12 +122,13 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   for (int i = 0, n = InfoLines(lines, MAXINFOLINES, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "\n";
   // One root: no distribution lines; no surface: the particles 26 below its name.
-  EXPECT_EQ(got, "10,574 Version: 1.02\n10,561 Seed: 7\n10,548 Bias towards origin: 2.5% of step length\n"
-                 "10,535 Branch length: 1.5\n10,522 Stickiness: 80%\n10,509 Rotation: -3 degrees about z axis\n"
-                 "10,496 Branch thickness: 0.4 to 0.01\n10,483 Intersection range: 10% of branch length\n"
-                 "10,470 Seed association: Off\n10,457 Number of roots: 1\n10,444 Source type: Unknown\n"
-                 "10,431 Constraint surface: None\n10,405 Number of particles: 1\n10,392 Current radius: 16.0175\n"
-                 "10,379 Particle life span: 310\n");
+  EXPECT_EQ(got,
+            "10,574 Version: 1.02\n10,561 Seed: 7\n10,548 Bias towards origin: 2.5% of step length\n"
+            "10,535 Branch length: 1.5\n10,522 Stickiness: 80%\n10,509 Rotation: -3 degrees about z axis\n"
+            "10,496 Branch thickness: 0.4 to 0.01\n10,483 Intersection range: 10% of branch length\n"
+            "10,470 Seed association: Off\n10,457 Number of roots: 1\n10,444 Source type: Unknown\n"
+            "10,431 Constraint surface: None\n10,405 Number of particles: 1\n10,392 Current radius: 16.0175\n"
+            "10,379 Particle life span: 310\n");
   g.associate = 1;
   g.nroots = 3;
   g.rootrange = 20;
