@@ -154,7 +154,9 @@ TEST_F(Walks, ClearanceKeepsCellsTheDirectoryWidensOver) {
   for (int k = 0; k < 2000; k++) {
     XYZ p = V(100 + 20 * drand48() - 10, 20 * drand48() - 10, 20 * drand48() - 10);
     double room = IndexClearance(p);
-    if (room > 0) ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "point " << k;
+    if (room > 0) {
+      ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "point " << k;
+    }
   }
 }
 
