@@ -651,7 +651,9 @@ double IndexClearance(XYZ p) {
   if (saturated) {
     // No cell within the coarse field's cap: the blocks of levels 1 to 3
     // (all their points within 42 reaches) hold none, and bound no more.
-    double bound = CoarseFree(p, ix, iy, iz, slack, 4);
+    // Level 4's room is at most 16 h, under the cap's 22 h, and an occupied
+    // block there would end the climb: it starts at level 5.
+    double bound = CoarseFree(p, ix, iy, iz, slack, 5);
     if (bound > free) free = bound;
   }
   // Every cell lies within maxdist of the origin.
