@@ -105,7 +105,9 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
-#define OCCUPANCY_HIGH 4  // the first level of the small occupancy table
+#define OCCUPANCY_HIGH 4  // the first level of the occupancy cubes
+#define CUBE_FIRST 4        // blocks each way from the origin in a new cube
+#define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
 #define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
 #define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
@@ -305,9 +307,71 @@ static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   return q * f->unit - slack;
 }
 
-// The occupancy table of level k (1 and up).
-static HASHTABLE *Occupancy(int k) {
-  return k < OCCUPANCY_HIGH ? &searchindex.occupied : &searchindex.occupiedhigh;
+// The bit of block (bx, by, bz) in cube c; -1 outside it.
+static long CubeBit(const OCCUPANCYCUBE *c, int bx, int by, int bz) {
+  unsigned n = 2 * c->half, ux = bx + c->half, uy = by + c->half, uz = bz + c->half;
+  if (ux >= n || uy >= n || uz >= n) return -1;
+  return ((long)ux * n + uy) * n + uz;
+}
+
+// 64-bit words for (2 half)^3 bits.
+static size_t CubeWords(int half) { return ((size_t)8 * half * half * half + 63) / 64; }
+
+static void CubeReset(OCCUPANCYCUBE *c) {
+  c->half = CUBE_FIRST;
+  c->bits.assign(CubeWords(CUBE_FIRST), 0);
+  c->spilled = 0;
+}
+
+// Doubles cube c's span until block (bx, by, bz) is inside or the span is
+// CUBE_MOST; the blocks it held keep their bits.
+static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
+  int half = c->half;
+  while (half < CUBE_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half))
+    half *= 2;
+  if (half == c->half) return;
+  OCCUPANCYCUBE wide = {half, std::vector<uint64_t>(CubeWords(half), 0), c->spilled};
+  int n = 2 * c->half;
+  for (int i = 0; i < n; i++)
+    for (int j = 0; j < n; j++)
+      for (int k = 0; k < n; k++) {
+        long from = ((long)i * n + j) * n + k;
+        if (!(c->bits[from >> 6] >> (from & 63) & 1)) continue;
+        long to = CubeBit(&wide, i - c->half, j - c->half, k - c->half);
+        wide.bits[to >> 6] |= 1ULL << (to & 63);
+      }
+  *c = wide;
+}
+
+// Marks the block of level k (1 and up) at (bx, by, bz) as holding a cell.
+static void MarkOccupied(int k, int bx, int by, int bz) {
+  SEARCHINDEX &s = searchindex;
+  if (k < OCCUPANCY_HIGH) {
+    Store(&s.occupied, Key(k, bx, by, bz), 1);
+    return;
+  }
+  OCCUPANCYCUBE *c = &s.cube[k];
+  long bit = CubeBit(c, bx, by, bz);
+  if (bit < 0) {
+    WidenCube(c, bx, by, bz);
+    bit = CubeBit(c, bx, by, bz);
+  }
+  if (bit >= 0) {
+    c->bits[bit >> 6] |= 1ULL << (bit & 63);
+  } else {
+    Store(&s.occupiedhigh, Key(k, bx, by, bz), 1);
+    c->spilled = 1;
+  }
+}
+
+// 1 when the block of level k at (bx, by, bz) holds a cell.
+static int Occupied(int k, int bx, int by, int bz) {
+  const SEARCHINDEX &s = searchindex;
+  if (k < OCCUPANCY_HIGH) return Lookup(&s.occupied, Key(k, bx, by, bz)) >= 0;
+  const OCCUPANCYCUBE *c = &s.cube[k];
+  long bit = CubeBit(c, bx, by, bz);
+  if (bit >= 0) return c->bits[bit >> 6] >> (bit & 63) & 1;
+  return c->spilled && Lookup(&s.occupiedhigh, Key(k, bx, by, bz)) >= 0;
 }
 
 static void Insert(int c) {
@@ -337,7 +401,7 @@ static void Insert(int c) {
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) Store(Occupancy(k), Key(k, ix >> k, iy >> k, iz >> k), 1);
+  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(k, ix >> k, iy >> k, iz >> k);
   FieldAdd(&s.fine, cells[c].p);
   // The coarse field holds one cell of each little cluster: a cell near
   // its parent's stand-in is left out, and the field's bounds are taken
@@ -376,6 +440,7 @@ static void Rebuild(void) {
   Clear(&s.buckets);
   Clear(&s.occupied);
   Clear(&s.occupiedhigh);
+  for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
   s.next.assign(ncells > 1024 ? ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
@@ -548,10 +613,9 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first)
     double bound = rx < ry ? rx : ry;
     if (rz < bound) bound = rz;
     int occupied = 0;
-    const HASHTABLE *occupancy = Occupancy(k);
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (Lookup(occupancy, Key(k, bx, by, bz)) < 0) continue;
+      if (!Occupied(k, bx, by, bz)) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);

@@ -43,6 +43,14 @@ struct FIELD {
   int lastbrick;
 };
 
+// Occupied blocks -half .. half - 1 along each axis, x slowest, one bit
+// each; spilled once a block beyond them went to the hash table.
+struct OCCUPANCYCUBE {
+  int half;
+  std::vector<uint64_t> bits;
+  int spilled;
+};
+
 struct SEARCHINDEX {
   int valid;
   unsigned revision;        // cellsrevision the index matches
@@ -64,7 +72,11 @@ struct SEARCHINDEX {
   int owing;
   HASHTABLE buckets;  // level 0: newest cell of the bucket
   HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
-  HASHTABLE occupiedhigh;  // levels 4 and up, which the fast walk climbs: few, they stay in cache
+  // Levels 4 and up, which the fast walk climbs far from the cells: one bit
+  // a block in a cube around the origin, which stays in cache; the blocks
+  // beyond the largest cube go to occupiedhigh.
+  OCCUPANCYCUBE cube[INDEX_LEVELS];
+  HASHTABLE occupiedhigh;
   // A ball around centre that holds no point within reach of a cell.
   int ball;
   XYZ centre;

@@ -158,6 +158,24 @@ TEST_F(Walks, ClearanceKeepsCellsTheDirectoryWidensOver) {
       ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "point " << k;
     }
   }
+  // Far from every cell the coarse levels bound the room; a cell far out
+  // widens their tables, which must keep the blocks they held.
+  ResetProgram();
+  AppendCell(V(300, 0, 0), 0, 0);
+  AppendCell(V(-3000, 0, 0), 0, 0);
+  AppendCell(V(-9000, 0, 0), 0, 0);  // beyond the largest table: kept apart
+  SyncSearchIndex();
+  for (int k = 0; k < 4000; k++) {
+    // Just beyond the coarse field's cap, where the levels decide.
+    XYZ p = V(drand48() - 0.5, drand48() - 0.5, drand48() - 0.5);
+    Normalise(&p);
+    double r = 49 + 30 * drand48();
+    p = V((k % 2 ? 300 : -9000) + r * p.x, r * p.y, r * p.z);
+    double room = IndexClearance(p);
+    if (room > 0) {
+      ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "far point " << k;
+    }
+  }
 }
 
 }  // namespace
