@@ -105,12 +105,12 @@ static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
-#define OCCUPANCY_HIGH 4  // the first level of the occupancy cubes
+#define OCCUPANCY_HIGH 4    // the first level of the occupancy cubes
 #define CUBE_FIRST 4        // blocks each way from the origin in a new cube
 #define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
 #define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
-#define STANDIN_REACHES 4 // how far a cell left out of the coarse field may lie from the cell it holds
+#define STANDIN_REACHES 4   // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
 static uint8_t fieldroot[FIELD_CAP * FIELD_CAP + 1];
@@ -134,11 +134,19 @@ static void FieldReset(FIELD *f, int tag, double v) {
   f->lastbrick = -1;
 }
 
+// The place of block (bx, by, bz) in a cube of blocks -half .. half - 1
+// along each axis, x slowest; -1 outside it. The fields' directories and
+// the occupancy cubes are laid out so.
+static long SpanIndex(int half, int bx, int by, int bz) {
+  unsigned n = 2 * half, ux = bx + half, uy = by + half, uz = bz + half;
+  if (ux >= n || uy >= n || uz >= n) return -1;
+  return ((long)ux * n + uy) * n + uz;
+}
+
 // The directory's entry of brick (bx, by, bz); NULL outside it.
 static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
-  unsigned n = 2 * f->half, ux = bx + f->half, uy = by + f->half, uz = bz + f->half;
-  if (ux >= n || uy >= n || uz >= n) return NULL;
-  return &f->directory[((size_t)ux * n + uy) * n + uz];
+  long i = SpanIndex(f->half, bx, by, bz);
+  return i < 0 ? NULL : &f->directory[i];
 }
 
 // Doubles the directory's span towards brick (bx, by, bz), up to
@@ -150,8 +158,7 @@ static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
 static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
   size_t nbricks = f->data.size() / FIELD_VOXELS;
   int half = f->half;
-  while (half < DIRECTORY_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half) &&
-         (size_t)64 * half * half * half <= 128 * nbricks)
+  while (half < DIRECTORY_MOST && SpanIndex(half, bx, by, bz) < 0 && (size_t)64 * half * half * half <= 128 * nbricks)
     half *= 2;
   if (half == f->half) return;
   std::vector<int> old;
@@ -307,13 +314,6 @@ static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   return q * f->unit - slack;
 }
 
-// The bit of block (bx, by, bz) in cube c; -1 outside it.
-static long CubeBit(const OCCUPANCYCUBE *c, int bx, int by, int bz) {
-  unsigned n = 2 * c->half, ux = bx + c->half, uy = by + c->half, uz = bz + c->half;
-  if (ux >= n || uy >= n || uz >= n) return -1;
-  return ((long)ux * n + uy) * n + uz;
-}
-
 // 64-bit words for (2 half)^3 bits.
 static size_t CubeWords(int half) { return ((size_t)8 * half * half * half + 63) / 64; }
 
@@ -327,8 +327,7 @@ static void CubeReset(OCCUPANCYCUBE *c) {
 // CUBE_MOST; the blocks it held keep their bits.
 static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
   int half = c->half;
-  while (half < CUBE_MOST && (bx < -half || bx >= half || by < -half || by >= half || bz < -half || bz >= half))
-    half *= 2;
+  while (half < CUBE_MOST && SpanIndex(half, bx, by, bz) < 0) half *= 2;
   if (half == c->half) return;
   OCCUPANCYCUBE wide = {half, std::vector<uint64_t>(CubeWords(half), 0), c->spilled};
   int n = 2 * c->half;
@@ -337,7 +336,7 @@ static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
       for (int k = 0; k < n; k++) {
         long from = ((long)i * n + j) * n + k;
         if (!(c->bits[from >> 6] >> (from & 63) & 1)) continue;
-        long to = CubeBit(&wide, i - c->half, j - c->half, k - c->half);
+        long to = SpanIndex(half, i - c->half, j - c->half, k - c->half);
         wide.bits[to >> 6] |= 1ULL << (to & 63);
       }
   *c = wide;
@@ -351,10 +350,10 @@ static void MarkOccupied(int k, int bx, int by, int bz) {
     return;
   }
   OCCUPANCYCUBE *c = &s.cube[k];
-  long bit = CubeBit(c, bx, by, bz);
+  long bit = SpanIndex(c->half, bx, by, bz);
   if (bit < 0) {
     WidenCube(c, bx, by, bz);
-    bit = CubeBit(c, bx, by, bz);
+    bit = SpanIndex(c->half, bx, by, bz);
   }
   if (bit >= 0) {
     c->bits[bit >> 6] |= 1ULL << (bit & 63);
@@ -369,7 +368,7 @@ static int Occupied(int k, int bx, int by, int bz) {
   const SEARCHINDEX &s = searchindex;
   if (k < OCCUPANCY_HIGH) return Lookup(&s.occupied, Key(k, bx, by, bz)) >= 0;
   const OCCUPANCYCUBE *c = &s.cube[k];
-  long bit = CubeBit(c, bx, by, bz);
+  long bit = SpanIndex(c->half, bx, by, bz);
   if (bit >= 0) return c->bits[bit >> 6] >> (bit & 63) & 1;
   return c->spilled && Lookup(&s.occupiedhigh, Key(k, bx, by, bz)) >= 0;
 }
