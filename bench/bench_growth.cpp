@@ -1,11 +1,12 @@
 // Growth speed: steps per second on aggregates of several sizes, and cells
-// per second for a whole run from one root.
+// per second for a whole run from one root; a statistics run by size.
 #include <benchmark/benchmark.h>
 #include <math.h>
 
 #include <random>
 
 #include "app/records.h"
+#include "export/statistics.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 
@@ -67,5 +68,15 @@ static void BM_GrowTo10000(benchmark::State &state) {
   state.counters["steps"] = (double)steps;
 }
 BENCHMARK(BM_GrowTo10000)->Iterations(1)->Unit(benchmark::kSecond);
+
+// A whole statistics run (branch distribution and every box level) on a
+// synthetic aggregate.
+static void BM_Statistics(benchmark::State &state) {
+  SyntheticAggregate((int)state.range(0));
+  for (auto _ : state) RunStatisticsToCompletion();
+  state.counters["levels"] = boxcountstate.depth;
+  state.counters["radius"] = growthstate.radius;
+}
+BENCHMARK(BM_Statistics)->Arg(10000)->Arg(100000)->Arg(1000000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

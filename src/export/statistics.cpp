@@ -1,12 +1,142 @@
 #include "export/statistics.h"
 
-#include <math.h>  // isfinite()
+#include <math.h>  // isfinite(), floor()
+
+#include <algorithm>  // std::nth_element
 
 #include "app/records.h"
 #include "surface/constraint.h"
 
 BOXCOUNT boxcountstate = {0, 0, {0, 0, 0}, {0, 0, 0}, std::vector<BOX>(), 0, 0, 0};
 void (*boxcountdone)(void) = NULL;
+
+// Which segments may meet a box. LineInBox accepts a segment only for a point
+// of it (an end or a tenth-sample) inside the box, and those points lie within
+// the segment's bounds (padded for rounding). So a box need only test the
+// segments whose low corner lies within one segment extent below it: the
+// answer is the one the scan over every cell gives, at a cost that does not
+// grow with the aggregate.
+struct SEGMENTGRID {
+  int built;
+  unsigned revision;  // cellsrevision and ncells it was built from
+  int ncells;
+  XYZ origin;
+  double reach;             // no listed segment extends further than this on any axis
+  double pad;               // rounding allowance of the samples
+  double edge;              // of a grid cell
+  int n;                    // grid cells per axis
+  std::vector<int> first;   // per grid cell (z fastest), its first entry in segs; n^3 + 1 entries
+  std::vector<int> segs;    // cell indices, by the grid cell of their segment's low corner
+  std::vector<int> others;  // longer than reach, or not finite: tested for every box
+};
+
+static SEGMENTGRID segmentgrid;
+
+static void FreeSegmentGrid(void) {
+  SEGMENTGRID &s = segmentgrid;
+  s.built = 0;
+  std::vector<int>().swap(s.first);
+  std::vector<int>().swap(s.segs);
+  std::vector<int>().swap(s.others);
+}
+
+static int GridCell(double v, const SEGMENTGRID &s, double origin) {
+  double k = floor((v - origin) / s.edge);  // clamped before the conversion
+  if (!(k > 0)) return 0;  // NaN too
+  return k < s.n - 1 ? (int)k : s.n - 1;
+}
+
+static void BuildSegmentGrid(void) {
+  SEGMENTGRID &s = segmentgrid;
+  FreeSegmentGrid();
+  s.built = 1;
+  s.revision = cellsrevision;
+  s.ncells = ncells;
+  s.n = 0;
+
+  std::vector<int> list;
+  std::vector<double> extent;
+  XYZ lo = {HUGE_VAL, HUGE_VAL, HUGE_VAL}, hi = {-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
+  double most = 0;
+  for (int i = 0; i < ncells; i++) {
+    if (cells[i].parent < 0) continue;
+    XYZ a = cells[i].p, b = cells[cells[i].parent].p;
+    // fmin and fmax pass over a NaN, so such ends are kept out of the bounds.
+    if (!isfinite(a.x + a.y + a.z + b.x + b.y + b.z)) {
+      s.others.push_back(i);
+      continue;
+    }
+    double e = fmax(fabs(a.x - b.x), fmax(fabs(a.y - b.y), fabs(a.z - b.z)));
+    double m = fmax(fmax(fabs(a.x), fabs(a.y)), fmax(fmax(fabs(a.z), fabs(b.x)), fmax(fabs(b.y), fabs(b.z))));
+    list.push_back(i);
+    extent.push_back(e);
+    most = fmax(most, m);
+    lo = {fmin(lo.x, fmin(a.x, b.x)), fmin(lo.y, fmin(a.y, b.y)), fmin(lo.z, fmin(a.z, b.z))};
+    hi = {fmax(hi.x, fmax(a.x, b.x)), fmax(hi.y, fmax(a.y, b.y)), fmax(hi.z, fmax(a.z, b.z))};
+  }
+  double span = fmax(hi.x - lo.x, fmax(hi.y - lo.y, hi.z - lo.z));
+  if (!isfinite(span)) s.others.insert(s.others.end(), list.begin(), list.end());
+  if (list.empty() || !isfinite(span)) return;
+
+  // Twice the median extent: a few long segments (a branch length changed
+  // during the run) go to the others instead of coarsening the grid.
+  std::vector<double> sorted(extent);
+  std::nth_element(sorted.begin(), sorted.begin() + sorted.size() / 2, sorted.end());
+  s.reach = 2 * sorted[sorted.size() / 2];
+  s.pad = 1e-9 * (1 + most);
+  s.edge = fmax(fmax(s.reach, span / 128), s.pad);
+  s.origin = lo;
+  s.n = (int)(span / s.edge) + 2;
+
+  std::vector<int> where(list.size(), -1);
+  s.first.assign((size_t)s.n * s.n * s.n + 1, 0);
+  for (size_t k = 0; k < list.size(); k++) {
+    if (extent[k] > s.reach) {
+      s.others.push_back(list[k]);
+      continue;
+    }
+    XYZ a = cells[list[k]].p, b = cells[cells[list[k]].parent].p;
+    where[k] = (GridCell(fmin(a.x, b.x), s, lo.x) * s.n + GridCell(fmin(a.y, b.y), s, lo.y)) * s.n +
+               GridCell(fmin(a.z, b.z), s, lo.z);
+    s.first[where[k] + 1]++;
+  }
+  for (size_t g = 1; g < s.first.size(); g++) s.first[g] += s.first[g - 1];
+  s.segs.resize(s.first.back());
+  std::vector<int> next(s.first.begin(), s.first.end() - 1);
+  for (size_t k = 0; k < list.size(); k++)
+    if (where[k] >= 0) s.segs[next[where[k]]++] = list[k];
+}
+
+static int SegmentMeets(int i, XYZ p0, XYZ p1) { return LineInBox(p0, p1, cells[i].p, cells[cells[i].parent].p); }
+
+// 1 when some segment meets the box p0-p1, as LineInBox judges it.
+static int BoxOccupied(XYZ p0, XYZ p1) {
+  SEGMENTGRID &s = segmentgrid;
+  if (!s.built || s.revision != cellsrevision || s.ncells != ncells) BuildSegmentGrid();
+  XYZ bmin = {fmin(p0.x, p1.x), fmin(p0.y, p1.y), fmin(p0.z, p1.z)};
+  XYZ bmax = {fmax(p0.x, p1.x), fmax(p0.y, p1.y), fmax(p0.z, p1.z)};
+  if (!isfinite(bmin.x + bmin.y + bmin.z + bmax.x + bmax.y + bmax.z)) {
+    for (int i = 0; i < ncells; i++)
+      if (cells[i].parent >= 0 && SegmentMeets(i, p0, p1)) return 1;
+    return 0;
+  }
+  for (int i : s.others)
+    if (SegmentMeets(i, p0, p1)) return 1;
+  if (s.n == 0) return 0;
+  // A segment's low corner lies at most reach (plus the samples' rounding)
+  // below the box, and at most the rounding above it.
+  double below = s.reach + s.pad;
+  int x0 = GridCell(bmin.x - below, s, s.origin.x), x1 = GridCell(bmax.x + s.pad, s, s.origin.x);
+  int y0 = GridCell(bmin.y - below, s, s.origin.y), y1 = GridCell(bmax.y + s.pad, s, s.origin.y);
+  int z0 = GridCell(bmin.z - below, s, s.origin.z), z1 = GridCell(bmax.z + s.pad, s, s.origin.z);
+  for (int x = x0; x <= x1; x++)
+    for (int y = y0; y <= y1; y++) {
+      int row = (x * s.n + y) * s.n;
+      for (int k = s.first[row + z0]; k < s.first[row + z1 + 1]; k++)
+        if (SegmentMeets(s.segs[k], p0, p1)) return 1;
+    }
+  return 0;
+}
 
 void Statistics(void) {
   // Counting by parent gives the same numbers as comparing every cell with
@@ -47,6 +177,7 @@ void BoxCountStart(void) {
 static void BoxCountEnd(void) {
   if (boxcountdone != NULL) boxcountdone();
   options.calcstats = 0;
+  FreeSegmentGrid();
   options.stldrawmode = boxcountstate.save1;
   options.dladrawmode = boxcountstate.save2;
 }
@@ -60,18 +191,14 @@ int BoxCountStep(void) {
   b.p1.y = b.p0.y + b.scale;
   b.p1.z = b.p0.z + b.scale;
 
-  for (int i = 0; i < ncells; i++) {
-    if (cells[i].parent < 0) continue;
-    if (LineInBox(b.p0, b.p1, cells[i].p, cells[cells[i].parent].p)) {
-      stats.boxcount[b.depth]++;
-      BOX box = {b.p0, b.p1};
-      if (b.nboxes < (int)b.boxes.size())
-        b.boxes[b.nboxes] = box;
-      else
-        b.boxes.push_back(box);
-      b.nboxes++;
-      break;
-    }
+  if (BoxOccupied(b.p0, b.p1)) {
+    stats.boxcount[b.depth]++;
+    BOX box = {b.p0, b.p1};
+    if (b.nboxes < (int)b.boxes.size())
+      b.boxes[b.nboxes] = box;
+    else
+      b.boxes.push_back(box);
+    b.nboxes++;
   }
 
   // z fastest. The resets use the edge of the level just finished, so the

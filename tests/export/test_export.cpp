@@ -5,6 +5,7 @@
 #include "export/report.h"
 #include "export/statistics.h"
 #include "lib/wrl.h"
+#include "surface/constraint.h"
 #include "surface/stl.h"
 #include "test_util.h"
 
@@ -112,6 +113,32 @@ TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   EXPECT_EQ(options.calcstats * 100 + stats.boxcount[0] * 10 + donecalls, 12);
   EXPECT_EQ(stats.boxcount[1], -1);
   boxcountdone = NULL;
+}
+
+TEST_F(BoxCount, EveryBoxAsTheScanOverAllSegmentsJudgesIt) {
+  std::string err;
+  ASSERT_EQ(Batch("--cells 2000 --no-progress", &err), BATCH_OK) << err;
+  int last = ncells - 1;
+  AppendCell(V(0, 0, 20), 0, 0);         // ten times longer than the rest
+  AppendCell(V(NAN, 0, 0), 0, last);     // meets the boxes its parent is in
+  growthstate.radius *= 1.1;
+  Statistics();
+  int boxes = 0, mismatches = 0, appended = 0;
+  while (options.calcstats) {
+    XYZ p0 = boxcountstate.p0, p1 = {p0.x + boxcountstate.scale, p0.y + boxcountstate.scale, p0.z + boxcountstate.scale};
+    int depth = boxcountstate.depth, before = stats.boxcount[depth];
+    BoxCountStep();
+    int scan = 0;
+    for (int i = 0; i < ncells && !scan; i++)
+      scan = cells[i].parent >= 0 && LineInBox(p0, p1, cells[i].p, cells[cells[i].parent].p);
+    mismatches += (stats.boxcount[depth] - before) != scan;
+    if (++boxes == 3000) {  // cells added during a count are seen
+      AppendCell(V(-growthstate.radius, growthstate.radius, growthstate.radius), 0, 0);
+      appended = 1;
+    }
+  }
+  EXPECT_EQ(appended, 1);
+  EXPECT_EQ(mismatches, 0) << "of " << boxes << " boxes";
 }
 
 TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
