@@ -36,7 +36,7 @@ keys=(h H plus equal minus underscore period greater comma less bracketleft brac
 menus=("4|DLA drawing mode" "5|Constraint surface drawing mode" "17|New particle distribution" "11|Sample constraint surfaces"
   "7|Initial root distribution" "0|Toggle extras (f1)" "0|Toggle info (f2)" "0|Pause / Continue (f3)"
   "0|Calculate statistics (f5)" "0|#7" "0|#10" "0|#15" "0|#21")
-end=$((SECONDS + SOAK_SECONDS - SOAK_PAUSE_SECONDS - 8))
+end=$((SECONDS + SOAK_SECONDS - SOAK_PAUSE_SECONDS - 14))
 while [ $SECONDS -lt $end ]; do
   actions=$((actions + 1)) r=$((RANDOM % 100))
   if [ $r -lt 2 ]; then  # a restart drops cells, not the array's room: count first
@@ -62,6 +62,7 @@ done
 # boxes run to, so it soon ends; growth, which it holds back, shows that.
 cells; key F4; cells; counted=$CELLS
 wait_for 30 eval 'cells; [ "$CELLS" -gt "$counted" ]' || gui_fail "no growth for 30 s after a restart"
+sleep 5  # cells for the paused frames to draw
 # Paused, the view spinning: the memory may move within what it reached.
 key F3; key a; sleep 2; cells
 # The memory settles first (up to a minute): a frame may be under way.
