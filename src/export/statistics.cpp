@@ -57,7 +57,6 @@ static void BuildSegmentGrid(void) {
   std::vector<int> list;
   std::vector<double> extent;
   XYZ lo = {HUGE_VAL, HUGE_VAL, HUGE_VAL}, hi = {-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
-  double most = 0;
   for (int i = 0; i < ncells; i++) {
     if (cells[i].parent < 0) continue;
     XYZ a = cells[i].p, b = cells[cells[i].parent].p;
@@ -66,11 +65,8 @@ static void BuildSegmentGrid(void) {
       s.others.push_back(i);
       continue;
     }
-    double e = fmax(fabs(a.x - b.x), fmax(fabs(a.y - b.y), fabs(a.z - b.z)));
-    double m = fmax(fmax(fabs(a.x), fabs(a.y)), fmax(fmax(fabs(a.z), fabs(b.x)), fmax(fabs(b.y), fabs(b.z))));
     list.push_back(i);
-    extent.push_back(e);
-    most = fmax(most, m);
+    extent.push_back(fmax(fabs(a.x - b.x), fmax(fabs(a.y - b.y), fabs(a.z - b.z))));
     lo = {fmin(lo.x, fmin(a.x, b.x)), fmin(lo.y, fmin(a.y, b.y)), fmin(lo.z, fmin(a.z, b.z))};
     hi = {fmax(hi.x, fmax(a.x, b.x)), fmax(hi.y, fmax(a.y, b.y)), fmax(hi.z, fmax(a.z, b.z))};
   }
@@ -83,7 +79,8 @@ static void BuildSegmentGrid(void) {
   std::vector<double> sorted(extent);
   std::nth_element(sorted.begin(), sorted.begin() + sorted.size() / 2, sorted.end());
   s.reach = 2 * sorted[sorted.size() / 2];
-  s.pad = 1e-9 * (1 + most);
+  double most = fmax(fmax(fmax(-lo.x, -lo.y), -lo.z), fmax(fmax(hi.x, hi.y), hi.z));
+  s.pad = 1e-9 * (1 + fabs(most));
   s.edge = fmax(fmax(s.reach, span / 128), s.pad);
   s.origin = lo;
   s.n = (int)(span / s.edge) + 2;
