@@ -10,7 +10,9 @@ static void SeedGenerators(void) {
 }
 
 // InitialiseGrowth reads the first nroots entries of roots and keeps the
-// first nroots cells: make sure both exist. New entries sit at the origin.
+// first nroots cells: make sure both exist. New entries sit at the origin;
+// only a seed file writes places into roots, so a file's places still count
+// towards a restart's radius after generated roots replaced its cells.
 static void ReserveRoots(int n) {
   if (n > (int)roots.size()) {
     XYZ origin = {0, 0, 0};
@@ -80,7 +82,6 @@ void ResetSeeds(void) {
   if (code == ROOT_ORIGIN) {
     XYZ origin = {0, 0, 0};
     ReserveRoots(1);
-    roots[0] = origin;
     AppendCell(origin, 0, -1);
     CopyName(g.rootname, "Origin", sizeof(g.rootname));
   } else if (code <= 9 && g.nroots >= 1) {
@@ -126,7 +127,6 @@ void ResetSeeds(void) {
           p.z = Spread();
           break;
       }
-      roots[i] = p;
       AppendCell(p, 0, -1);
     }
     CopyName(g.rootname, name, sizeof(g.rootname));

@@ -5,12 +5,12 @@
 #include "app/records.h"
 
 // The first home also sets mono and the window size; later ones keep them.
-static int homed = 0;
+static int first = 0;
 
-void ForgetCameraHome(void) { homed = 0; }
+void ForgetCameraHome(void) { first = 0; }
 
 void CameraHome(void) {
-  if (!homed) {
+  if (!first) {
     camera.stereo = STEREO_MONO;
     camera.screenwidth = 800;
     camera.screenheight = 600;
@@ -34,7 +34,7 @@ void CameraHome(void) {
   camera.pr.z = 0;
   Normalise(&camera.vd);
   Normalise(&camera.vu);
-  homed = 1;
+  first = 1;
 }
 
 void RotateCamera(double ix, double iy, double iz) {

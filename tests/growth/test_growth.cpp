@@ -102,6 +102,9 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   EXPECT_STREQ(growthstate.rootname, path.c_str());
   InitialiseGrowth();  // a restart keeps the file's roots
   EXPECT_EQ(ncells, 2);
+  ResetSeeds();  // generated roots leave the file's places to the restarts' radius
+  InitialiseGrowth();
+  EXPECT_EQ(growthstate.radius, 50);
   // The scanner's numbers: NaN, infinity, overflow; a fourth number starts the next root.
   ASSERT_EQ(ReadRootsText("nan 0 0\ninf 0 0\n0 1e999 0x1p3 4\n5 6 x\n", &msg), 1);
   ASSERT_EQ(ncells, 4);
