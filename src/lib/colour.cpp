@@ -72,6 +72,10 @@ COLOUR StopMap(const COLOURMAP *map, double v, double lo, double dv) {
     f = (v - start) / ((k == 0 ? map->width0 : 1 - map->width0) * dv);
   else
     f = nseg * (v - start) / dv;  // every other map has evenly spaced stops
+  // The segment's start is rounded: at its ends f may overshoot by an ulp,
+  // which would put a colour a hair outside its stops (and outside 0..1).
+  if (f > 1) f = 1;
+  if (f < 0) f = 0;
   COLOUR c = {c0->r + (c1->r - c0->r) * f, c0->g + (c1->g - c0->g) * f,
               c0->b + (c1->b - c0->b) * f};
   if (map->scaled) {

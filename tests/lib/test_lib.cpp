@@ -161,6 +161,9 @@ TEST(Colour, EveryMapAtItsStopsAndHalfWayBetweenThem) {
   for (int type : {0, 32, -1}) ExpectColour(GetColour(0.5, 0, 1, type), 1, 1, 1, 0);
   ExpectColour(GetColour(-5, 0, 1, 1), 0, 0, 1, 0);  // clamped
   for (int type : {1, 30, 31}) ExpectColour(GetColour(7, 0, 1, type), 1, 0, 0, 0);
+  // The top stop exactly where its segment's start rounds: no -2e-16 in an exported colour.
+  ExpectColour(GetColour(0.7, 0.1, 0.7, 1), 1, 0, 0, 0);
+  ExpectColour(GetColour(0.3, 0, 0.3, 4), 1, 0, 0, 0);
   for (int type : {30, 31}) ExpectColour(GetColour(-7, 0, 1, type), 1, 0, 0, 0);
 }
 
