@@ -397,6 +397,7 @@ static void Insert(int c) {
   int ix, iy, iz;
   if (!Bucket(cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
+    s.standin[c] = c;  // its children look it up
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);

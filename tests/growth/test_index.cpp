@@ -87,6 +87,15 @@ TEST_F(SearchIndex, KeepsTheEarlyRejectionAndSeesNewCells) {
   IndexAppendedCell(revision);
   EXPECT_EQ(IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok), 1);
   EXPECT_EQ(best, 1);
+  // A cell beyond the index's range hands the search to the scan; a child
+  // of it must not look for the stand-in the far cell never got.
+  AppendCell(V(1e300, 0, 0), 0, 1);
+  SyncSearchIndex();
+  revision = cellsrevision;
+  AppendCell(V(29, 0, 0), 0, 2);
+  IndexAppendedCell(revision);
+  IndexSearch(V(30, 0, 0), 0, 1, 0, &best, &ok);
+  EXPECT_EQ(ok, 0);
 }
 
 // Random branches; queries from touching to beyond every field.
