@@ -7,8 +7,9 @@ static int ReadAsciiFacets(FILE *fp, FILEMESSAGE *msg) {
   char line[1001];
   char word[1024];
   if (options.debug) fprintf(stderr, "Parsing ascii stl file\n");
-  for (;;) {
-    int more = ReadLine(fp, line, 1000);
+  // A last line without its line end is left unread, as ReadLine reports
+  // the end of the file at once: a file cut off there keeps its facets.
+  while (ReadLine(fp, line, 1000)) {
     if (strstr(line, "outer loop") != NULL || strstr(line, "outerloop") != NULL) {
       XYZ p[3];
       for (int k = 0; k < 3; k++) {
@@ -19,7 +20,6 @@ static int ReadAsciiFacets(FILE *fp, FILEMESSAGE *msg) {
       }
       AppendFacet(p[0], p[1], p[2]);
     }
-    if (!more) break;
   }
   return 1;
 }

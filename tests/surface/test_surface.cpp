@@ -95,6 +95,9 @@ TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
   EXPECT_EQ(ReadBytes(text, &msg), 1);
   ASSERT_EQ(nstltri, 1);  // NaN vertices make a facet degenerate; an infinite one stays
   EXPECT_EQ(stlmax.x, HUGE_VAL);
+  // A last line without its line end is not read: a file cut off in its "outer loop" keeps what came before.
+  EXPECT_EQ(ReadBytes("solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", &msg), 1);
+  EXPECT_EQ(nstltri, 1);
 }
 
 TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
