@@ -218,7 +218,9 @@ int BoxCountStep(void) {
     }
   }
 
-  if (2 * growthstate.branchlength > b.scale || b.depth >= 9) {
+  // An edge that is not a positive number (a radius of 0, infinite or not a
+  // number) never carries a box past the radius: the count would never end.
+  if (2 * growthstate.branchlength > b.scale || b.depth >= 9 || !(b.scale > 0) || !isfinite(b.scale)) {
     BoxCountEnd();
     return 1;
   }
@@ -227,11 +229,5 @@ int BoxCountStep(void) {
 
 void RunStatisticsToCompletion(void) {
   Statistics();
-  while (options.calcstats) {
-    if (!(boxcountstate.scale > 0) || !isfinite(boxcountstate.scale)) {
-      BoxCountEnd();
-      break;
-    }
-    BoxCountStep();
-  }
+  while (options.calcstats) BoxCountStep();
 }

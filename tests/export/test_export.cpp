@@ -156,6 +156,11 @@ TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
   RunStatisticsToCompletion();
   EXPECT_EQ(options.calcstats * 100 + options.stldrawmode * 10 + options.dladrawmode,
             STLDRAW_WIREFRAME * 10 + DLADRAW_OFF);
+  for (double r : {HUGE_VAL, (double)NAN}) {  // boxes that never advance: the window's count ends after one
+    growthstate.radius = r;
+    Statistics();
+    EXPECT_EQ(options.calcstats, 0) << r;
+  }
 }
 
 TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
