@@ -24,6 +24,7 @@
 #include <tiny_gltf.h>
 
 #include "app/records.h"
+#include "export/model.h"  // RadiusSlope()
 #include "export/ply.h"
 #include "lib/primitives.h"
 #include "surface/stl.h"
@@ -228,7 +229,7 @@ static int BuildScene(tinygltf::Model &model, int binary) {
     int vcol = AddView(&model, colat, 4 * nvert, TINYGLTF_TARGET_ARRAY_BUFFER, 4);
     int vidx = AddView(&model, idxat, 4 * ntube * GLTF_TUBEINDICES, TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER, 0);
     // The radii of the window's tubes and of the cone export.
-    double scale = (growthstate.thickstart - growthstate.thickend) / log(growthstate.maxweight + 1);
+    double scale = RadiusSlope();
     for (size_t t = 0; t < treeroot.size(); t++) {
       RANGE range = {};
       for (size_t k = first[t]; k < first[t + 1]; k++) {

@@ -310,12 +310,16 @@ static void WriteSurface(FILE *fp, int format) {
   }
 }
 
+double RadiusSlope(void) {
+  double ln = log(growthstate.maxweight + 1);
+  return ln != 0 ? (growthstate.thickstart - growthstate.thickend) / ln : 0;
+}
+
 void WriteModel(FILE *fp, int format, int variant) {
   if (format > MODEL_GEOMPOINTS) return;
   WriteHeader(fp, format);
   if (variant > 0) {
-    // maxweight 0 divides by zero and gives non-finite radii; left unguarded.
-    double k = (growthstate.thickstart - growthstate.thickend) / log(growthstate.maxweight + 1);
+    double k = RadiusSlope();
     for (int i = 0; i < ncells; i++)
       if (cells[i].parent >= 0) WriteSegment(fp, format, variant, i, k);
   } else {

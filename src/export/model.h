@@ -12,6 +12,11 @@
 void POVHeader(FILE *fp);
 void POVFooter(FILE *fp);
 
+// The slope k of the segment radius thickend + k ln(weight + 1). 0 while
+// maxweight is 0 (a restart that kept grown cells), where the formula would
+// divide by ln 1 and give infinite radii that readers refuse.
+double RadiusSlope(void);
+
 // Writes header, body, footer and surface to fp. Formats above 5 write
 // nothing. Variant 0 leaves every cell's traced mark changed.
 void WriteModel(FILE *fp, int format, int variant);
