@@ -1,12 +1,21 @@
 #include "forms/readback.h"
 
 #include <limits.h>  // INT_MAX
+#include <math.h>    // isfinite()
 #include <stdlib.h>  // atof(), atoi()
 
 #include "app/records.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 #include "surface/transform.h"
+
+// atof, but a value that is not finite ("nan", "inf", 1e999) reads as 0, as
+// other text that is not a number does: no clamp holds not-a-number back,
+// and an infinite length, thickness or range makes no aggregate.
+static double Number(const char *text) {
+  double v = atof(text);
+  return isfinite(v) ? v : 0;
+}
 
 static double Clamp(double v, double lo, double hi) {
   if (v < lo) v = lo;
@@ -26,9 +35,9 @@ int TruncateText(const char *text) {
   return (int)v;
 }
 
-void ReadBiasText(const char *text) { growthstate.bias = Clamp(atof(text), 0, 1); }
+void ReadBiasText(const char *text) { growthstate.bias = Clamp(Number(text), 0, 1); }
 
-void ReadRotationText(const char *text) { growthstate.rotation = Clamp(atof(text), -5, 5); }
+void ReadRotationText(const char *text) { growthstate.rotation = Clamp(Number(text), -5, 5); }
 
 void ReadSeedText(const char *text) {
   int seed = TruncateText(text);
@@ -36,17 +45,17 @@ void ReadSeedText(const char *text) {
 }
 
 void ReadBranchLengthText(const char *text) {
-  double v = atof(text);
+  double v = Number(text);
   growthstate.branchlength = v < 0.01 ? 0.01 : v;
 }
 
-void ReadStickinessText(const char *text) { growthstate.stickiness = Clamp(atof(text), 1, 100); }
+void ReadStickinessText(const char *text) { growthstate.stickiness = Clamp(Number(text), 1, 100); }
 
-void ReadThickEndText(const char *text) { growthstate.thickend = Positive(atof(text)); }
+void ReadThickEndText(const char *text) { growthstate.thickend = Positive(Number(text)); }
 
-void ReadThickStartText(const char *text) { growthstate.thickstart = Positive(atof(text)); }
+void ReadThickStartText(const char *text) { growthstate.thickstart = Positive(Number(text)); }
 
-void ReadIntersectRangeText(const char *text) { growthstate.intersectrange = Clamp(atof(text), 0, 90); }
+void ReadIntersectRangeText(const char *text) { growthstate.intersectrange = Clamp(Number(text), 0, 90); }
 
 static void RestartWithNewRoots(void) {
   InitialiseGrowth();
@@ -60,7 +69,7 @@ void ReadNumberOfRootsText(const char *text) {
 }
 
 void ReadRootRangeText(const char *text) {
-  growthstate.rootrange = atof(text);
+  growthstate.rootrange = Number(text);
   RestartWithNewRoots();
 }
 
@@ -70,7 +79,7 @@ void SetAssociate(int on) {
 }
 
 void ReadSliceNormalText(int axis, const char *text) {
-  double v = atof(text);
+  double v = Number(text);
   if (axis == 0) options.slicenormal.x = v;
   if (axis == 1) options.slicenormal.y = v;
   if (axis == 2) options.slicenormal.z = v;
@@ -89,9 +98,9 @@ XYZ SliceNormalForCut(void) {
 }
 
 void ApplyTransformText(const char *const text[9]) {
-  XYZ scale = {atof(text[0]), atof(text[1]), atof(text[2])};
-  XYZ shift = {atof(text[3]), atof(text[4]), atof(text[5])};
-  XYZ rotate = {atof(text[6]), atof(text[7]), atof(text[8])};
+  XYZ scale = {Number(text[0]), Number(text[1]), Number(text[2])};
+  XYZ shift = {Number(text[3]), Number(text[4]), Number(text[5])};
+  XYZ rotate = {Number(text[6]), Number(text[7]), Number(text[8])};
   TransformSTL(scale, shift, rotate);
   UpdateSTL();
 }

@@ -11,6 +11,7 @@ using FormReadBack = Fresh;
 
 TEST_F(FormReadBack, EachSettingWithItsRule) {
   GROWTHSTATE &g = growthstate;
+  // Not a finite number ("nan", "inf", 1e999) reads as text that is not a number: 0, then the rule.
   // The seed: a decimal number truncated toward zero, then made positive; the slice count: atoi ("1e3" is 1),
   // at least 2; the thick end is not compared with the start.
   struct {
@@ -18,12 +19,12 @@ TEST_F(FormReadBack, EachSettingWithItsRule) {
     double *field;
     int *count;                                           // for the whole-number settings
     std::vector<std::pair<const char *, double>> stored;  // each text and what it stores
-  } cases[] = {{ReadStickinessText, &g.stickiness, NULL, {{"250", 100}, {"0.5", 1}, {"37.5", 37.5}, {"", 1}}},
-               {ReadBiasText, &g.bias, NULL, {{"1.5", 1}, {"-0.2", 0}, {"0.25", 0.25}}},
-               {ReadRotationText, &g.rotation, NULL, {{"12", 5}, {"-12", -5}, {"-2.5", -2.5}}},
-               {ReadIntersectRangeText, &g.intersectrange, NULL, {{"95", 90}, {"-1", 0}, {"45", 45}}},
-               {ReadBranchLengthText, &g.branchlength, NULL, {{"", 0.01}, {"-3", 0.01}, {"2500", 2500}}},
-               {ReadThickEndText, &g.thickend, NULL, {{"-0.3", 0.3}, {"7", 7}}},
+  } cases[] = {{ReadStickinessText, &g.stickiness, NULL, {{"250", 100}, {"0.5", 1}, {"37.5", 37.5}, {"", 1}, {"nan", 1}}},
+               {ReadBiasText, &g.bias, NULL, {{"1.5", 1}, {"-0.2", 0}, {"0.25", 0.25}, {"inf", 0}}},
+               {ReadRotationText, &g.rotation, NULL, {{"12", 5}, {"-12", -5}, {"-2.5", -2.5}, {"-nan", 0}}},
+               {ReadIntersectRangeText, &g.intersectrange, NULL, {{"95", 90}, {"-1", 0}, {"45", 45}, {"NAN", 0}}},
+               {ReadBranchLengthText, &g.branchlength, NULL, {{"", 0.01}, {"-3", 0.01}, {"2500", 2500}, {"1e999", 0.01}}},
+               {ReadThickEndText, &g.thickend, NULL, {{"-0.3", 0.3}, {"7", 7}, {"-inf", 0}}},
                {ReadThickStartText, &g.thickstart, NULL, {{"-2", 2}, {"abc", 0}}},
                {ReadSeedText, NULL, &g.seed, {{"-42.9", 42}, {"1e3", 1000}, {"", 0}}},
                {ReadSliceCountText, NULL, &options.nslices, {{"1", 2}, {"-9", 2}, {"7.8", 7}, {"1e3", 2}}}};
@@ -45,6 +46,8 @@ TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].parent, -1);
   growthstate.rootdistribution = ROOT_RINGZ;
   ReadNumberOfRootsText("4.9");
+  ReadRootRangeText("inf");
+  EXPECT_EQ(growthstate.rootrange, 0);
   ReadRootRangeText("-20");  // unclamped: a ring of radius -20
   ASSERT_EQ(ncells, 4);
   EXPECT_XYZ(cells[1].p, 0, -20, 0, 1e-12);
