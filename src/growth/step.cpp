@@ -328,7 +328,9 @@ static void FinishStep(XYZ q) {
 
   // 8. Stickiness: the number is drawn whether or not a cell was touched.
   double r = GrowthDrand48();
-  if (r > g.stickiness * 0.01 || !touching) return;
+  // A branch length above 1e16 is within reach of the search's starting
+  // bound, so a "touch" can come with no cell found: nothing to stick to.
+  if (r > g.stickiness * 0.01 || !touching || best < 0) return;
   Stick(best, q, indexed);
 }
 

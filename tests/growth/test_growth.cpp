@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "growth/growth.h"
+#include "growth/index.h"
 #include "growth/random.h"
 #include "surface/stl.h"
 #include "test_util.h"
@@ -350,6 +351,13 @@ TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
   growthstate.lifespan = 0;
   IterateSystem();
   EXPECT_NEAR(Modulus(seeds[(nseeds - 1) % NSEEDS]), 14, 1e-12);
+  // A branch length past the search's first bound (1e32 squared) "touches" before any cell is found: no stick.
+  for (int search : {SEARCH_SCAN, SEARCH_INDEX}) {
+    StartGrowth("--branch-length 2e16");
+    growthsearch = search;
+    for (int i = 0; i < 100; i++) IterateSystem();
+    EXPECT_EQ(ncells, 1) << search;
+  }
 }
 
 // A branch along z at x = 2 (cell 2 on root 1) and cell 3 on root 0 at (0, 0, 0.9). The new branch's line
