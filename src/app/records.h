@@ -127,6 +127,10 @@ enum { STEREO_MONO = 0, STEREO_ACTIVE = 1, STEREO_DUAL = 2 };
 
 #define NSEEDS 1000
 
+// The most roots the settings can ask for. Every restart keeps that many
+// cells, so a count in the billions would exhaust memory before any growth.
+#define MAXROOTS 1000000
+
 extern CAMERA camera;
 extern OPTIONS options;
 extern GROWTHSTATE growthstate;

@@ -67,7 +67,7 @@ static const BATCHOPTION batchoptions[] = {
    "swirl about the z axis per step, degrees (0)"},
   {"--thickness", NULL, "START END", BOPT_PAIR, G(thickstart), offsetof(GROWTHSTATE, thickend), 0,
    NOLIMIT, 0, "0 or more", "branch thickness at the largest weight, and at weight 0 (0.4 0.01)"},
-  {"--roots", NULL, "N", BOPT_INT, G(nroots), 0, 0, INT_MAX, 0, "an integer from 0 to 2147483647",
+  {"--roots", NULL, "N", BOPT_INT, G(nroots), 0, 0, MAXROOTS, 0, "an integer from 0 to 1000000",
    "number of roots (1)"},
   {"--root-range", NULL, "R", BOPT_DOUBLE, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "any number",
    "size of the region the roots are placed in (10)"},

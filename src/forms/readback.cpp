@@ -64,7 +64,8 @@ static void RestartWithNewRoots(void) {
 
 void ReadNumberOfRootsText(const char *text) {
   int n = TruncateText(text);
-  growthstate.nroots = n < 0 ? -n : n;
+  n = n < 0 ? -n : n;
+  growthstate.nroots = n > MAXROOTS ? MAXROOTS : n;
   RestartWithNewRoots();
 }
 

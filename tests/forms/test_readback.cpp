@@ -45,6 +45,8 @@ TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {
   EXPECT_EQ(growthstate.nroots * 100 + ncells * 10 + growthstate.growing, 771);
   for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].parent, -1);
   growthstate.rootdistribution = ROOT_RINGZ;
+  ReadNumberOfRootsText("2147483647");  // as many cells as roots: held to a million
+  EXPECT_EQ(growthstate.nroots * 10 + (ncells == MAXROOTS), 10000001);
   ReadNumberOfRootsText("4.9");
   ReadRootRangeText("inf");
   EXPECT_EQ(growthstate.rootrange, 0);
