@@ -619,7 +619,11 @@ int RunBatch(BATCHRUN *run, FILE *err) {
 
   if (csv) {
     WriteCellsCSV(csv);
-    fclose(csv);
+    int ok = !ferror(csv);
+    if (fclose(csv) != 0 || !ok) {  // a full disk: the other files are still tried
+      fprintf(err, "%s: --csv: cannot write \"%s\": %s\n", programname, run->csvfile, strerror(errno));
+      status = BATCH_FILEERROR;
+    }
   }
   if (run->nslices > 0) {
     options.nslices = run->nslices;
@@ -628,7 +632,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     if (!DoSliceIn(run->slicedir, options.nslices, SliceNormalForCut())) return BATCH_FATAL;
   }
   if (run->stats) RunStatisticsToCompletion();
-  status = RunWriters(run, err);
+  if (RunWriters(run, err) != BATCH_OK) status = BATCH_FILEERROR;
   if (run->pngfile[0] && WritePicture(run, err) != BATCH_OK) status = BATCH_FILEERROR;
   return status;
 }

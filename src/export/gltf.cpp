@@ -9,6 +9,7 @@
 #include <stdint.h>  // uint32_t
 #include <string.h>  // memcpy(), strlen(), strrchr()
 #include <strings.h> // strcasecmp()
+#include <sys/stat.h>  // stat()
 
 #include <algorithm>  // std::sort()
 #include <ostream>
@@ -356,7 +357,18 @@ int SaveGLTFFile(const char *path) {
   if (!model.buffers.empty()) model.buffers[0].uri = BinaryName(path);
   tinygltf::TinyGLTF writer;
   errno = 0;
-  if (writer.WriteGltfSceneToFile(&model, path, false, false, true, false)) return 1;
+  if (writer.WriteGltfSceneToFile(&model, path, false, false, true, false)) {
+    // tinygltf does not tell when a write fails (a full disk) either: the
+    // files must hold what was written.
+    std::string dir(path, strrchr(path, '/') ? strrchr(path, '/') + 1 - path : 0);
+    struct stat json, bin;
+    if (stat(path, &json) == 0 && S_ISREG(json.st_mode) && json.st_size > 0 &&
+        (model.buffers.empty() || (stat((dir + model.buffers[0].uri).c_str(), &bin) == 0 &&
+                                   (size_t)bin.st_size == model.buffers[0].data.size())))
+      return 1;
+    errno = ENOSPC;
+    return 0;
+  }
   if (errno == 0) errno = EIO;
   return 0;
 }

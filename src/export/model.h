@@ -22,8 +22,8 @@ double RadiusSlope(void);
 void WriteModel(FILE *fp, int format, int variant);
 
 // Opens path for writing and calls WriteModel. Returns 1 when written, 0 when
-// the format is above 5, the path is empty or the file cannot be opened
-// (nothing is reported).
+// the format is above 5, the path is empty, the file cannot be opened or a
+// write failed (errno tells; nothing is reported).
 int SaveModelFile(const char *path, int format, int variant);
 
 #endif

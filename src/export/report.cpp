@@ -53,6 +53,6 @@ int SaveInformationFile(const char *path) {
   FILE *fp = fopen(path, "w");
   if (fp == NULL) return 0;
   WriteInformation(fp);
-  fclose(fp);
-  return 1;
+  int ok = !ferror(fp);
+  return fclose(fp) == 0 && ok;
 }

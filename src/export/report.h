@@ -9,7 +9,8 @@
 void WriteInformation(FILE *fp);
 
 // Opens path for writing and writes the report. Returns 1 when written, 0 for
-// an empty path or a file that cannot be opened (nothing is reported).
+// an empty path, a file that cannot be opened or a failed write (nothing is
+// reported).
 int SaveInformationFile(const char *path);
 
 #endif

@@ -149,6 +149,12 @@ TEST_F(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
   EXPECT_EQ(ncells, 1);
   EXPECT_EQ(stats.timestep, 0);
   EXPECT_EQ(ReadFile(s / "late.pov"), "(missing)");
+  // A full disk: each file is reported, the run goes on and ends with the error.
+  EXPECT_EQ(Batch("--cells 30 --csv /dev/full --vrml /dev/full --info /dev/full --geom " + s / "ok.geom", &err),
+            BATCH_FILEERROR);
+  EXPECT_EQ(err, "dla3d-batch: --csv: cannot write \"/dev/full\": No space left on device\n"
+                 "dla3d-batch: --vrml: cannot create \"/dev/full\": No space left on device\n"
+                 "dla3d-batch: --info: cannot create \"/dev/full\": No space left on device\n");
 }
 
 }  // namespace
