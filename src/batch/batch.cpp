@@ -523,6 +523,13 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
             "(give --steps N to run anyway)\n", programname, g.nroots, g.rootdistribution);
     return BATCH_USAGE;
   }
+  // A root too far out for its distance (1e300 and beyond) leaves the
+  // release sphere infinite: no particle comes back from it.
+  if (!isfinite(g.radius)) {
+    fprintf(err, "%s: the roots reach beyond any distance (radius %g): no cell can ever stick "
+            "(give --steps N to run anyway)\n", programname, g.radius);
+    return BATCH_USAGE;
+  }
   // With association the next cell must join root class ncells mod nroots,
   // and no cell of that class exists while ncells < nroots.
   if (g.associate && ncells < g.nroots) {

@@ -63,6 +63,9 @@ expect 2 "dla3d-batch: --associate with 3 roots but 1 placed: the next cell must
   --roots 3 --root-distribution 1 --associate --cells 300 "${files[@]}"
 expect 2 "dla3d-batch: no root is placed (--roots 1, --root-distribution 10): no cell can ever stick (give --steps N to run anyway)" \
   --root-distribution 10 --cells 300 "${files[@]}"
+printf '0 0 0\n1e300 1e300 0\n' >"$dir/far.txt"  # its distance overflows
+expect 2 "dla3d-batch: the roots reach beyond any distance (radius inf): no cell can ever stick (give --steps N to run anyway)" \
+  --seed-file "$dir/far.txt" --cells 300 "${files[@]}"
 # A model or summary that cannot be created is reported; the others are still written.
 for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "summary x.json"; do
   read -r option name <<<"$run"
