@@ -6,7 +6,7 @@
 #include <stddef.h>  // offsetof()
 #include <stdlib.h>  // strtod(), strtol()
 #include <string.h>  // strcmp(), memset()
-#include <unistd.h>  // isatty()
+#include <unistd.h>  // isatty(), access()
 
 #include "app/startup.h"
 #include "export/gltf.h"
@@ -423,10 +423,11 @@ void WriteBatchUsage(FILE *fp, const char *name) {
   fprintf(fp,
           "After growth, in this order: the CSV, the slice files, the statistics, then the writers in the order\n"
           "listed above (--pov ... --summary); --pov ... --info exactly as the window's menu entry writes them.\n"
-          "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created (checked\n"
-          "before growth, nothing is written then), or a writer's file could not be created (reported, the\n"
-          "other files are still written); 2 a refused option, nothing written; 255 a malformed STL file or\n"
-          "a slice file that cannot be created (the slice files before it stay written).\n");
+          "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created or the\n"
+          "slice directory cannot be written into (both checked before growth, nothing is written then), or\n"
+          "a file could not be written (reported, the other files are still written); 2 a refused option,\n"
+          "nothing written; 255 a malformed STL file or a slice file that cannot be created (the slice files\n"
+          "before it stay written).\n");
 }
 
 // [SECTION] The run
@@ -592,7 +593,13 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   int status = CheckReachable(run, err);
   if (status != BATCH_OK) return status;
 
-  // Created before growth so that a long run is not lost to a mistyped path.
+  // The slices' directory is checked, and the CSV created, before growth so
+  // that a long run is not lost to a mistyped path.
+  const char *slicedir = run->slicedir[0] ? run->slicedir : ".";
+  if (run->nslices > 0 && access(slicedir, W_OK | X_OK) != 0) {
+    fprintf(err, "%s: --slice-dir: cannot write into \"%s\": %s\n", programname, slicedir, strerror(errno));
+    return BATCH_FILEERROR;
+  }
   FILE *csv = NULL;
   if (run->csvfile[0]) {
     csv = fopen(run->csvfile, "w");

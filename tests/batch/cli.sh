@@ -73,7 +73,11 @@ for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "summary x.json"; do
     --$option "$dir/none/$name" --info "$dir/out/i.txt"
   [ -s "$dir/out/i.txt" ] || { echo "FAIL: --$option: no other file written"; fail=1; }
 done
-expect 255 "Failed to open output slice file \"$dir/none/slice_000.txt\"" --cells 20 --slices 2 --slice-dir "$dir/none"
+expect 1 "dla3d-batch: --slice-dir: cannot write into \"$dir/none\": No such file or directory" --cells 20 --slices 2 \
+  --slice-dir "$dir/none" --csv "$dir/out/c.csv"
+[ ! -e "$dir/out/c.csv" ] || { echo "FAIL: a CSV made before a slice directory that cannot be written into"; fail=1; }
+mkdir -p "$dir/sl/slice_001.txt"  # a slice file that cannot be created: the run ends there
+expect 255 "Failed to open output slice file \"$dir/sl/slice_001.txt\"" --cells 20 --slices 2 --slice-dir "$dir/sl"
 "$bin" --help | grep -q -- "--seed-file PATH" || { echo "FAIL: --help lacks the options"; fail=1; }
 
 # The sphere sample shrunk to radius 7 holds the aggregate (a free run of
