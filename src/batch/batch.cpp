@@ -69,7 +69,7 @@ static const BATCHOPTION batchoptions[] = {
    NOLIMIT, 0, "0 or more", "branch thickness at the largest weight, and at weight 0 (0.4 0.01)"},
   {"--roots", NULL, "N", BOPT_INT, G(nroots), 0, 0, MAXROOTS, 0, "an integer from 0 to 1000000",
    "number of roots (1)"},
-  {"--root-range", NULL, "R", BOPT_DOUBLE, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "any number",
+  {"--root-range", NULL, "R", BOPT_DOUBLE, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "-1e300 to 1e300",
    "size of the region the roots are placed in (10)"},
   {"--root-distribution", NULL, "CODE", BOPT_INT, G(rootdistribution), 0, INT_MIN, INT_MAX, 0,
    "any integer", "1 origin, 2 spherical, 3-5 random in the x/y/z plane, 6-8 ring (1)"},
