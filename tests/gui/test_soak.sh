@@ -60,6 +60,8 @@ done
 # A statistics count goes on while paused, and its boxes take memory. It
 # can take hours at one box a frame, but a restart shrinks the radius its
 # boxes run to, so it soon ends; growth, which it holds back, shows that.
+# No surface first: the closed hemisphere's disc vetoes every cell at the origin root.
+menu "Sample constraint surfaces" "None"
 cells; key F4; cells; counted=$CELLS
 wait_for 30 eval 'cells; [ "$CELLS" -gt "$counted" ]' || gui_fail "no growth for 30 s after a restart"
 sleep 5  # cells for the paused frames to draw
