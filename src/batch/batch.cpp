@@ -633,8 +633,7 @@ int RunBatch(BATCHRUN *run, FILE *err) {
 
   if (csv) {
     WriteCellsCSV(csv);
-    int ok = !ferror(csv);
-    if (fclose(csv) != 0 || !ok) {  // a full disk: the other files are still tried
+    if (!CloseWritten(csv)) {  // a full disk: the other files are still tried
       fprintf(err, "%s: --csv: cannot write \"%s\": %s\n", programname, run->csvfile, strerror(errno));
       status = BATCH_FILEERROR;
     }

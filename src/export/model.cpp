@@ -334,6 +334,5 @@ int SaveModelFile(const char *path, int format, int variant) {
   FILE *fp = fopen(path, "w");
   if (fp == NULL) return 0;
   WriteModel(fp, format, variant);
-  int ok = !ferror(fp);
-  return fclose(fp) == 0 && ok;
+  return CloseWritten(fp);
 }

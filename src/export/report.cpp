@@ -53,6 +53,5 @@ int SaveInformationFile(const char *path) {
   FILE *fp = fopen(path, "w");
   if (fp == NULL) return 0;
   WriteInformation(fp);
-  int ok = !ferror(fp);
-  return fclose(fp) == 0 && ok;
+  return CloseWritten(fp);
 }

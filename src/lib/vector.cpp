@@ -150,6 +150,11 @@ static void SwapBytes4(unsigned char *b) {
   b[2] = t;
 }
 
+int CloseWritten(FILE *fptr) {
+  int ok = !ferror(fptr);
+  return fclose(fptr) == 0 && ok;
+}
+
 int ReadInt(FILE *fptr, int *n, int swap) {
   if (fread(n, 4, 1, fptr) != 1) return 0;
   if (swap) SwapBytes4((unsigned char *)n);

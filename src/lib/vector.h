@@ -92,4 +92,8 @@ int ReadLine(FILE *fptr, char *s, int lmax);
 int ReadInt(FILE *fptr, int *n, int swap);
 int ReadFloat(FILE *fptr, float *n, int swap);
 
+// Closes a file written with stdio. 1 when every write and the close
+// succeeded; 0 otherwise (a full disk), errno telling why.
+int CloseWritten(FILE *fptr);
+
 #endif
