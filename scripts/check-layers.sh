@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks that every #include "..." under src/ follows the layers README's
 # "Layout" section lists, and that no core, gl or offscreen file includes a
-# window system header (OpenGL only in gl, offscreen and desktop). Prints
+# window system header (OpenGL only in gl, offscreen and desktop; libpng only
+# in offscreen). Prints
 # each offending line; exits 1 if there is one.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -46,6 +47,9 @@ while IFS= read -r file; do
   fi
   if [ "${folder%%/*}" != desktop ] && [ "$folder" != gl ] && [ "$folder" != offscreen ] && grep -qE "^#include $opengl" "$file"; then
     echo "$file: a core file includes OpenGL"; status=1
+  fi
+  if [ "$folder" != offscreen ] && grep -qE '^#include <png\.h>' "$file"; then
+    echo "$file: includes libpng, which only offscreen may"; status=1
   fi
 done < <(git ls-files 'src/*.h' 'src/*.cpp'; git ls-files --others --exclude-standard 'src/*.h' 'src/*.cpp')
 exit $status

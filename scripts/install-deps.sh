@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 packages=(
   build-essential cmake pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
-  freeglut3-dev libglu1-mesa-dev libgl1-mesa-dri libforms-dev libosmesa6-dev
+  freeglut3-dev libglu1-mesa-dev libgl1-mesa-dri libforms-dev libosmesa6-dev libpng-dev
   libtinygltf-dev nlohmann-json3-dev
 )
 test=0

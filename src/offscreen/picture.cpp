@@ -2,13 +2,14 @@
 
 #include <GL/osmesa.h>
 #include <errno.h>
+#include <png.h>     // libpng: the deflate-compressed file
+#include <setjmp.h>  // libpng's errors return through longjmp
 #include <string.h>  // strerror()
 
 #include <vector>
 
 #include "app/records.h"
 #include "gl/view/scene.h"
-#include "lib/png.h"
 #include "view/camera.h"
 
 int DrawPicture(unsigned char *pixels, FILE *err) {
@@ -48,25 +49,52 @@ int DrawPicture(unsigned char *pixels, FILE *err) {
   return ok;
 }
 
+// libpng's messages go to the batch program's error stream.
+static void PNGError(png_structp png, png_const_charp message) {
+  fprintf((FILE *)png_get_error_ptr(png), "dla3d-batch: --png: libpng: %s\n", message);
+  png_longjmp(png, 1);
+}
+
+static void PNGWarning(png_structp png, png_const_charp message) {
+  fprintf((FILE *)png_get_error_ptr(png), "dla3d-batch: --png: libpng warning: %s\n", message);
+}
+
+// 8-bit RGB at libpng's default compression, the alpha byte of each pixel
+// left out. Only plain data lives here, as an error jumps back past it.
+static int WriteRows(FILE *fp, png_bytepp rows, int width, int height, FILE *err) {
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, err, PNGError, PNGWarning);
+  if (png == NULL) return 0;
+  png_infop info = png_create_info_struct(png);
+  if (info == NULL || setjmp(png_jmpbuf(png))) {
+    png_destroy_write_struct(&png, &info);
+    return 0;
+  }
+  png_init_io(png, fp);
+  png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+               PNG_FILTER_TYPE_DEFAULT);
+  png_write_info(png, info);
+  png_set_filler(png, 0, PNG_FILLER_AFTER);
+  png_write_image(png, rows);
+  png_write_end(png, NULL);
+  png_destroy_write_struct(&png, &info);
+  return 1;
+}
+
 int WritePicturePNG(const char *path, int width, int height, FILE *err) {
   camera.screenwidth = width;
   camera.screenheight = height;
   std::vector<unsigned char> rgba(4 * (size_t)width * height);
   if (!DrawPicture(rgba.data(), err)) return 0;
 
-  // PNG rows run from the top.
-  std::vector<unsigned char> rgb(3 * (size_t)width * height);
-  for (int y = 0; y < height; y++) {
-    const unsigned char *from = &rgba[4 * (size_t)width * (height - 1 - y)];
-    unsigned char *to = &rgb[3 * (size_t)width * y];
-    for (int x = 0; x < width; x++) memcpy(to + 3 * x, from + 4 * x, 3);
-  }
+  // PNG rows run from the top, glReadPixels' from the bottom.
+  std::vector<png_bytep> rows(height);
+  for (int y = 0; y < height; y++) rows[y] = &rgba[4 * (size_t)width * (height - 1 - y)];
   FILE *fp = fopen(path, "wb");
   if (fp == NULL) {
     fprintf(err, "dla3d-batch: --png: cannot create \"%s\": %s\n", path, strerror(errno));
     return 0;
   }
-  int ok = WritePNG(fp, rgb.data(), width, height);
+  int ok = WriteRows(fp, rows.data(), width, height, err);
   if (fclose(fp) != 0) ok = 0;
   if (!ok) fprintf(err, "dla3d-batch: --png: cannot write \"%s\"\n", path);
   return ok;

@@ -12,8 +12,9 @@
 // from frame to frame, and each call makes a new context.
 int DrawPicture(unsigned char *pixels, FILE *err);
 
-// DrawPicture at width x height, written to path as a PNG (RGB). Returns 1,
-// or 0 after a message to err. The hook batchpicture of dla3d-batch.
+// DrawPicture at width x height, written to path as an 8-bit RGB PNG by
+// libpng at its default compression. Returns 1, or 0 after a message to err.
+// The hook batchpicture of dla3d-batch.
 int WritePicturePNG(const char *path, int width, int height, FILE *err);
 
 #endif
