@@ -122,7 +122,8 @@ static const BATCHOPTION batchoptions[] = {
   {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
    "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
   {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",
-   "last, draw the aggregate as the window shows it, without the overlays, into a PNG file"},
+   "last, draw the aggregate as the window shows it, without the overlays, into a PNG file\n"
+   "                               (8-bit RGB, deflate-compressed by libpng)"},
   {"--size", NULL, "WxH", BOPT_SIZE, R(pngwidth), offsetof(BATCHRUN, pngheight), 1, 8192, 0,
    "WIDTHxHEIGHT, each an integer from 1 to 8192", "size of the --png picture in pixels (800x600)"},
   {"--dla-draw", NULL, "CODE", BOPT_INT, R(dladrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
@@ -135,6 +136,9 @@ static const BATCHOPTION batchoptions[] = {
    "three numbers DX,DY,DZ", "turn the camera from home for --png: degrees about up, right, view direction"},
   {"--aperture", NULL, "DEG", BOPT_DOUBLE, R(aperture), 0, 0.1, 179, 0, "0.1 to 179",
    "vertical field of view of the --png picture, degrees (60)"},
+  {"--fit", NULL, "", BOPT_FLAG, R(fit), 0, 0, 0, 1, "",
+   "move the --png camera along its direction (after --camera-rotate) until the aggregate, and the\n"
+   "                               surface when drawn, fills the frame with a small margin; the clip planes follow"},
   {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
   {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
@@ -295,7 +299,7 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
       fprintf(err, "%s: %s needs --slices N (allowed: an integer from 2 to 2147483647)\n", programname, name);
       return BATCH_USAGE;
     }
-  const char *needpng[] = {"--size", "--camera-rotate", "--aperture"};
+  const char *needpng[] = {"--size", "--camera-rotate", "--aperture", "--fit"};
   for (const char *name : needpng)
     if (Given(run, name) && !Given(run, "--png")) {
       fprintf(err, "%s: %s needs --png PATH\n", programname, name);
@@ -550,13 +554,14 @@ static void ApplyDrawingOptions(const BATCHRUN *run) {
   if (run->noextras) options.showextras = 0;
 }
 
-// The picture at the window's size, camera from home turned as asked.
+// The picture at the window's size, camera from home turned (and fitted) as asked.
 static int WritePicture(const BATCHRUN *run, FILE *err) {
   camera.screenwidth = run->pngwidth;
   camera.screenheight = run->pngheight;
   if (Given(run, "--aperture")) camera.aperture = run->aperture;
   const XYZ &r = run->camerarotate;
   if (Given(run, "--camera-rotate")) RotateCamera(r.x * DTOR, r.y * DTOR, r.z * DTOR);
+  if (run->fit) FitCamera();
   return batchpicture(run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
 }
 

@@ -48,6 +48,7 @@ struct BATCHRUN {
   int noextras;
   XYZ camerarotate;                // degrees, as RotateCamera turns
   double aperture;                 // degrees
+  int fit;                         // the camera backs off to see the whole model
 };
 
 // Exit statuses of the batch program.

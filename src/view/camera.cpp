@@ -1,8 +1,9 @@
 #include "view/camera.h"
 
-#include <math.h>  // tan()
+#include <math.h>  // tan(), sqrt(), fabs()
 
 #include "app/records.h"
+#include "surface/stl.h"  // the drawn surface's vertices for DrawnBounds
 
 // The first home also sets mono and the window size; later ones keep them.
 static int first = 0;
@@ -126,4 +127,65 @@ EYEVIEW EyeView(int eye) {
   v.eye.y = camera.vp.y + sign * right.y;
   v.eye.z = camera.vp.z + sign * right.z;
   return v;
+}
+
+// The sphere fits when it lies inside each of the frustum's four side planes:
+// for a half-angle of tangent t the plane through the eye is at distance
+// (z t - |off|) / sqrt(1 + t^2) from a centre at depth z and offset off.
+double FitCameraDistance(const CAMERA *cam, XYZ centre, double radius) {
+  double r = radius * 1.05;  // the margin
+  double ratio = cam->screenwidth / (double)cam->screenheight;
+  if (cam->stereo == STEREO_DUAL) ratio *= 0.5;
+  double tv = tan(cam->aperture * DTOR * 0.5);
+  double th = ratio * tv;
+  XYZ right = CrossProduct(cam->vd, cam->vu);
+  Normalise(&right);
+  double across = DotProduct(centre, right), up = DotProduct(centre, cam->vu);
+  double along = DotProduct(centre, cam->vd);  // the centre's depth is distance + along
+  double zv = (r * sqrt(1 + tv * tv) + fabs(up)) / tv;
+  double zh = (r * sqrt(1 + th * th) + fabs(across)) / th;
+  double d = (zv > zh ? zv : zh) - along;
+  // near = d / 10 <= d + along - r and far = 10 d >= d + along + r.
+  double nearest = (r - along) * 10 / 9, farthest = (r + along) / 9;
+  if (d < nearest) d = nearest;
+  if (d < farthest) d = farthest;
+  return d;
+}
+
+static void Reach(double *r2, XYZ c, XYZ p) {
+  double dx = p.x - c.x, dy = p.y - c.y, dz = p.z - c.z;
+  double d2 = dx * dx + dy * dy + dz * dz;
+  if (d2 > *r2) *r2 = d2;
+}
+
+int DrawnBounds(XYZ *centre, double *radius) {
+  int surface = options.stldrawmode != STLDRAW_OFF && nstltri > 0;
+  XYZ min = {1e32, 1e32, 1e32}, max = {-1e32, -1e32, -1e32};
+  if (ncells == 0 && !surface) return 0;
+  for (int i = 0; i < ncells; i++) MinMaxXYZ(&min, &max, cells[i].p);
+  for (int i = 0; surface && i < nstltri; i++)
+    for (int k = 0; k < 3; k++) MinMaxXYZ(&min, &max, stltri[i].p[k]);
+  XYZ c = {(min.x + max.x) / 2, (min.y + max.y) / 2, (min.z + max.z) / 2};
+  double r2 = 0;
+  for (int i = 0; i < ncells; i++) Reach(&r2, c, cells[i].p);
+  for (int i = 0; surface && i < nstltri; i++)
+    for (int k = 0; k < 3; k++) Reach(&r2, c, stltri[i].p[k]);
+  double r = sqrt(r2);
+  const GROWTHSTATE &g = growthstate;
+  if (options.dladrawmode == DLADRAW_TUBES) r += g.thickstart > g.thickend ? g.thickstart : g.thickend;
+  if (r < g.branchlength) r = g.branchlength;
+  *centre = c;
+  *radius = r;
+  return 1;
+}
+
+void FitCamera(void) {
+  XYZ centre;
+  double radius;
+  if (!DrawnBounds(&centre, &radius)) return;
+  double d = FitCameraDistance(&camera, centre, radius);
+  camera.vp.x = -d * camera.vd.x;
+  camera.vp.y = -d * camera.vd.y;
+  camera.vp.z = -d * camera.vd.z;
+  FrameCamera();
 }

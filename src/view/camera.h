@@ -3,6 +3,7 @@
 #ifndef DLA_VIEW_CAMERA_H
 #define DLA_VIEW_CAMERA_H
 
+#include "app/records.h"  // CAMERA
 #include "lib/vector.h"
 
 // Home view. The first call also sets mono and an 800 x 600 window; later
@@ -45,5 +46,26 @@ void FrameCamera(void);
 // side stereo gives each eye half the window (integer halving), the right
 // eye the right half; the eyes sit half the separation either side of vp.
 EYEVIEW EyeView(int eye);
+
+// dla3d-batch --fit. The distance from the origin, along -cam->vd, at which
+// an eye looking along vd (up cam->vu) sees the whole sphere (centre,
+// radius), widened by a twentieth, inside the frame of cam->aperture
+// (vertical, degrees) and cam->screenwidth / cam->screenheight (halved
+// for side by side stereo, as EyeView halves it); farther when FrameCamera's
+// clipping planes (a tenth and ten times that distance) would cut the sphere.
+// The sphere may lie off the axis. Positive for any radius > 0.
+double FitCameraDistance(const CAMERA *cam, XYZ centre, double radius);
+
+// The sphere around what the picture draws of the model: the box centre of
+// every cell, and of the constraint surface's vertices when it is drawn
+// (options.stldrawmode not off and facets present); tubes widen it by their
+// thicker end, and it is at least a branch length. Returns 0, setting
+// nothing, when there is no cell and no drawn surface.
+int DrawnBounds(XYZ *centre, double *radius);
+
+// Moves camera.vp along its own direction to FitCameraDistance of
+// DrawnBounds and frames it (FrameCamera). Leaves the camera alone when
+// DrawnBounds finds nothing.
+void FitCamera(void);
 
 #endif

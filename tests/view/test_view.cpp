@@ -76,6 +76,56 @@ TEST_F(Camera, EachEyeItsHalfItsOffsetAndItsShiftedFrustum) {
   }
 }
 
+// --fit: a sphere of radius 1 widened to 1.05 touches the frame's tighter side, worked out by hand from the
+// half-angles (60 degrees high: sin 30 = 1/2; 3 wide by 4 high: tan = 0.75 tan 30, sin = sqrt(3/19)); off the
+// axis the centre's offset adds to the depth a plane needs; beyond the clip planes (a tenth and ten times the
+// distance) the eye stays farther. Home camera: looks along -x, up z, right +y.
+TEST_F(Camera, FitDistanceTouchesTheTighterSideOffAxisToo) {
+  struct {
+    double aperture;
+    int width, height, stereo;
+    XYZ centre;
+    double distance;
+  } cases[] = {{60, 800, 600, STEREO_MONO, V(0, 0, 0), 2.1},
+               {60, 600, 800, STEREO_MONO, V(0, 0, 0), 1.05 * sqrt(19.0 / 3)},
+               {60, 1200, 800, STEREO_DUAL, V(0, 0, 0), 1.05 * sqrt(19.0 / 3)},  // each eye 600 x 800
+               {90, 1200, 600, STEREO_MONO, V(0, 0, 3), 3 + 1.05 * sqrt(2.0)},       // 3 above the axis
+               {90, 1200, 600, STEREO_MONO, V(0, 3, 0), (3 + 1.05 * sqrt(5.0)) / 2},  // 3 to the right
+               {60, 800, 600, STEREO_MONO, V(-7, 0, 0), 8.05 / 9},  // 7 beyond the origin: the far plane
+               {170, 800, 600, STEREO_MONO, V(0, 0, 0), 1.05 * 10 / 9}};           // the near plane
+  for (auto &c : cases) {
+    SCOPED_TRACE(c.distance);
+    camera.aperture = c.aperture;
+    camera.screenwidth = c.width;
+    camera.screenheight = c.height;
+    camera.stereo = c.stereo;
+    EXPECT_NEAR(FitCameraDistance(&camera, c.centre, 1), c.distance, 1e-6);
+  }
+}
+
+// The box centre of the cells and the drawn surface, the farthest of them from it, widened for tubes.
+TEST_F(Camera, DrawnBoundsCellsSurfaceWhenDrawnTubes) {
+  XYZ c;
+  double r;
+  ncells = 0;
+  EXPECT_EQ(DrawnBounds(&c, &r), 0);  // no cell, no surface
+  AppendCell(V(0, 0, 0), 0, -1);
+  AppendCell(V(4, 0, 0), 0, 0);
+  AppendFacet(V(0, 0, -6), V(4, 0, -6), V(2, 1, -6));
+  options.stldrawmode = STLDRAW_OFF;
+  ASSERT_EQ(DrawnBounds(&c, &r), 1);
+  EXPECT_XYZ(V(c.x, c.z, r), 2, 0, 2, 1e-12);
+  options.stldrawmode = STLDRAW_SOLID;
+  DrawnBounds(&c, &r);
+  EXPECT_XYZ(c, 2, 0.5, -3, 1e-12);
+  EXPECT_NEAR(r, sqrt(13.25), 1e-12);
+  options.dladrawmode = DLADRAW_TUBES;
+  growthstate.thickstart = 0.25;
+  growthstate.thickend = 0.5;
+  DrawnBounds(&c, &r);
+  EXPECT_NEAR(r, sqrt(13.25) + 0.5, 1e-12);
+}
+
 TEST_F(Colours, ByRootForPointsAndLinesWithAssociationElseByWeight) {
   ncells = 0;
   growthstate.nroots = 25;
