@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # dla3d-batch --png, pictures read through tga_probe.py (Pillow). Usage:
 #   test_png.sh options BATCH           --size parsing, PNG size (no X server)
+#   test_png.sh readers BATCH           compression (ImageMagick); --fit frames the
+#                                       aggregate and the drawn surface (no X server)
 #   test_png.sh window BATCH WINDOWPROG the PNG against the window dump of the
 #                                       same aggregate, pixel for pixel (Xvfb)
 source "$(dirname "$0")/harness.sh"
@@ -14,7 +16,10 @@ if [ "$mode" = options ]; then
     status=$?
     [ $status = 2 ] && grep -q -- '--size' err.txt && [ ! -e bad.png ] || gui_fail "--size '$bad': status $status, $(cat err.txt)"
   done
-  "$batch" --cells 2 --size 800x600 2>err.txt && gui_fail "--size without --png accepted"
+  for name in --size --fit; do
+    "$batch" --cells 2 $name $([ $name = --size ] && echo 800x600) 2>err.txt
+    [ $? = 2 ] && grep -q -- "$name needs --png" err.txt || gui_fail "$name without --png accepted"
+  done
   for size in 1x1 8192x1 123x45 800x600; do
     "$batch" --cells 300 --png "p$size.png" --size "$size" || gui_fail "--size $size: status $?"
     [ "$(probe size "p$size.png")" = "$size" ] || gui_fail "--size $size gave $(probe size "p$size.png")"
@@ -28,6 +33,35 @@ if [ "$mode" = options ]; then
   [ "$(probe lit extras.png)" -gt 0 ] || gui_fail "--dla-draw 1 drew no extras"
   "$batch" --cells 300 --png /nonexistent/p.png 2>err.txt
   [ $? = 1 ] && grep -q 'cannot create' err.txt || gui_fail "unwritable picture not reported with status 1"
+  gui_pass
+fi
+
+if [ "$mode" = readers ]; then
+  # Raw RGB is 3 bytes a pixel; the old stored blocks were that plus headers.
+  "$batch" --cells 20000 --png readme.png --size 1024x768 --camera-rotate 0,-30,0 || gui_fail "README's picture: status $?"
+  read -r format depth type size bytes < <(identify -format '%m %[depth] %[type] %wx%h %B\n' readme.png)
+  [ "$format $depth $type $size" = "PNG 8 TrueColor 1024x768" ] && [ "$bytes" -lt $((1024 * 768)) ] ||
+    gui_fail "README's picture: $format $depth $type $size, $bytes bytes (under 1 a pixel expected)"
+  # framed NAME OPTIONS...: nothing lit on the border, the lit box at least a third wide or high.
+  framed() {
+    local name=$1 x0 y0 x1 y1 w h
+    shift
+    "$batch" --no-extras --png "$name.png" "$@" || gui_fail "$name: status $?"
+    read -r x0 y0 x1 y1 w h < <(probe litbox "$name.png")
+    [ "$x0" -gt 0 ] && [ "$y0" -gt 0 ] && [ "$x1" -lt $((w - 1)) ] && [ "$y1" -lt $((h - 1)) ] ||
+      gui_fail "$name: lit to the border, box $x0 $y0 $x1 $y1 of ${w}x$h"
+    [ $((3 * (x1 - x0 + 1))) -ge "$w" ] || [ $((3 * (y1 - y0 + 1))) -ge "$h" ] ||
+      gui_fail "$name: box $x0 $y0 $x1 $y1 under a third of ${w}x$h"
+  }
+  framed fit20k --cells 20000 --size 1024x768 --camera-rotate 0,-30,0 --fit
+  # Taller than wide: the width decides.
+  framed fit100k --cells 100000 --walk fast --size 512x768 --fit
+  # The plane sample is far larger than the aggregate and off its centre.
+  framed plane --cells 2000 --sample 31 --camera-rotate 0,-30,0 --fit
+  # Without --fit the home camera sits inside the aggregate.
+  "$batch" --no-extras --png home100k.png --cells 100000 --walk fast --size 512x768 || gui_fail "home100k: status $?"
+  read -r x0 y0 x1 y1 w h < <(probe litbox home100k.png)
+  [ "$x0" = 0 ] && [ "$y0" = 0 ] && [ "$x1" = $((w - 1)) ] && [ "$y1" = $((h - 1)) ] || gui_fail "home100k: not cropped"
   gui_pass
 fi
 

@@ -3,6 +3,7 @@
 row) in the directory given: a command a line from standard input, an answer
 a line ("error" if it fails); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
   size FILE / lit FILE [BOX] / count FILE R G B [BOX] / extent FILE R G B
+  litbox FILE           the box of every lit pixel (inclusive), then width and height
   colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
   raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
   greys FILE / mixed FILE  lit grey pixels and their levels; pixels with 2+ channels lit
@@ -53,6 +54,10 @@ def main(cmd, a):
         zero = [ch.point(lambda v: 255 if v == 0 else 0) for ch in diff.split()]
         box = ImageChops.darker(ImageChops.darker(zero[0], zero[1]), zero[2]).getbbox()
         print(*(box[0], box[1], box[2] - 1, box[3] - 1) if box else (0, 0, 0, 0))
+    elif cmd == "litbox":
+        im = load(a[0])
+        box = im.getbbox() or (0, 0, 0, 0)
+        print(box[0], box[1], box[2] - 1, box[3] - 1, *im.size)
     elif cmd == "same":
         print("same" if load(a[0]).tobytes() == load(a[1]).tobytes() else "differ")
     elif cmd == "having":
