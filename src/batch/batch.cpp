@@ -118,7 +118,8 @@ static const BATCHOPTION batchoptions[] = {
    "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
    "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
   {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
-   "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
+   "write the cells as binary PLY: x, y, z, weight, root, the colour drawn, the weight as quality;\n"
+   "                               the parent links as edges"},
   {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
    "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
   {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Real readers of every file dla3d-batch writes (the GUI tests read the
 # window dumps); a missing reader fails the check.
-# Usage: readers.sh BATCH models|gltf|ply|summary: POV-Ray, VRML, DXF and STL
-# readers; Khronos's validator, Blender and assimp; assimp and a struct
-# reader; the summary against the CSV and report of its run.
+# Usage: readers.sh BATCH models|gltf|ply|summary: POV-Ray, VRML, DXF and
+# STL readers; Khronos's validator, Blender and assimp; MeshLab, VTK and a
+# reader of the bytes; the summary against the CSV and report of its run.
 set -u
 bin=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)
@@ -11,7 +11,7 @@ dir=$(mktemp -d)
 trap 'rm -rf "$dir"' EXIT
 status=0
 fail() { echo "FAIL: $*" >&2; status=1; }
-for tool in povray tovrmlx3d admesh assimp node blender /usr/bin/python3; do
+for tool in povray tovrmlx3d admesh assimp node blender meshlabserver xvfb-run /usr/bin/python3; do
   command -v "$tool" >/dev/null 2>&1 || { echo "FAIL: $tool is not installed (scripts/install-deps.sh --test)" >&2; exit 1; }
 done
 roots=(--roots 3 --root-distribution 2 --associate)
@@ -72,11 +72,17 @@ gltf)
   done
   ;;
 ply)
-  "$bin" --cells 300 --no-progress "${roots[@]}" --csv "$dir/a.csv" --ply "$dir/a.ply" || fail "dla3d-batch"
-  /usr/bin/python3 "$here/ply_check.py" "$dir/a.ply" "$dir/a.csv" || status=1
-  # -r: assimp's own validation refuses a mesh without faces, a point cloud too.
-  info=$(assimp info "$dir/a.ply" -r 2>&1) || fail "assimp info: $(tail -3 <<<"$info")"
-  grep -q "^Vertices: *300\$" <<<"$info" || fail "assimp: $(grep -E '^Vertices' <<<"$info"), expected 300"
+  # Default drawing (lines): the associated roots' colours; tubes colour by weight.
+  for run in "root" "weight --dla-draw 5"; do
+    read -r colouring opts <<<"$run"
+    "$bin" --cells 300 --no-progress "${roots[@]}" $opts --csv "$dir/$colouring.csv" --ply "$dir/$colouring.ply" ||
+      { fail "dla3d-batch $opts"; continue; }
+    # MeshLab needs a display even as a server; its -m vc vq keeps vertex colour and quality it read.
+    xvfb-run -a -s '-screen 0 640x480x24' meshlabserver -i "$dir/$colouring.ply" -o "$dir/$colouring.meshlab.ply" -m vc vq \
+      >"$dir/meshlab.out" 2>&1 || fail "meshlabserver: $(tail -3 "$dir/meshlab.out")"
+    /usr/bin/python3 "$here/ply_check.py" "$dir/$colouring.ply" "$dir/$colouring.csv" "$dir/$colouring.meshlab.ply" "$colouring" ||
+      status=1
+  done
   ;;
 summary)
   # 100,000 cells from one root: the dimension of three-dimensional DLA.
