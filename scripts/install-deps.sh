@@ -23,7 +23,7 @@ if [ $test = 1 ]; then
     mesa-utils xvfb xauth xdotool x11-utils x11-apps xfonts-base xfonts-75dpi
     imagemagick python3 python3-pil
     povray view3dscene admesh assimp-utils python3-ezdxf openscad
-    blender python3-numpy
+    blender python3-numpy python3-vtk9 meshlab
     clang libclang-rt-14-dev
   )
   # A machine may bring its own Node.js and npm; Debian's otherwise.

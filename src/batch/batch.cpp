@@ -15,6 +15,7 @@
 #include "export/report.h"
 #include "export/statistics.h"
 #include "export/summary.h"
+#include "export/vtp.h"
 #include "forms/readback.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -118,7 +119,11 @@ static const BATCHOPTION batchoptions[] = {
    "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
    "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
   {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
-   "write the cells as binary PLY: x, y, z, weight, root; the parent links as edges"},
+   "write the cells as binary PLY: x, y, z, weight, root, the colour drawn, the weight as quality;\n"
+   "                               the parent links as edges"},
+  {"--vtp", NULL, "PATH", BOPT_PATH, R(vtpfile), 0, 0, 0, 0, "a path",
+   "write VTK XML PolyData (binary): the cells as points with weight, root and growth order;\n"
+   "                               the parent links as lines"},
   {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
    "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
   {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",
@@ -495,6 +500,7 @@ static const BATCHWRITER batchwriters[] = {
     {"--info", offsetof(BATCHRUN, infofile), 0, 0, SaveInformationFile},
     {"--gltf", offsetof(BATCHRUN, gltffile), 0, 0, SaveGLTFFile},
     {"--ply", offsetof(BATCHRUN, plyfile), 0, 0, SavePLYFile},
+    {"--vtp", offsetof(BATCHRUN, vtpfile), 0, 0, SaveVTPFile},
     {"--summary", offsetof(BATCHRUN, summaryfile), 0, 0, SaveSummaryFile},
 };
 

@@ -39,7 +39,7 @@ struct BATCHRUN {
   // The writers, each empty when not asked for.
   char povfile[256], povsweepfile[256], geomfile[256], vrmlfile[256], vrmlcapsfile[256];
   char dxfpointsfile[256], geompointsfile[256], stloutfile[256], infofile[256];
-  char gltffile[256], plyfile[256], summaryfile[256];
+  char gltffile[256], plyfile[256], vtpfile[256], summaryfile[256];
   // The picture, last of all, and the drawing state it and the colours of
   // the writers depend on (applied only when given).
   char pngfile[256];

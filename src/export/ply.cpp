@@ -4,6 +4,7 @@
 #include <string.h>  // memcpy()
 
 #include "app/records.h"
+#include "view/choosecolour.h"
 
 void CellRoots(std::vector<int> *root) {
   std::vector<int> &r = *root;
@@ -34,6 +35,14 @@ static void PutLE(unsigned char *out, const void *value, int size) {
   for (int k = 0; k < size; k++) out[k] = little ? bytes[k] : bytes[size - 1 - k];
 }
 
+// The window shows a colour's values as they are (sRGB to a display), as
+// MeshLab takes a PLY's bytes.
+static unsigned char ColourByte(double c) {
+  if (!(c > 0)) return 0;
+  if (c >= 1) return 255;
+  return (unsigned char)(c * 255 + 0.5);
+}
+
 int WritePLY(FILE *fp) {
   int nedges = 0;
   for (int i = 0; i < ncells; i++)
@@ -41,24 +50,33 @@ int WritePLY(FILE *fp) {
   fprintf(fp, "ply\nformat binary_little_endian 1.0\n");
   fprintf(fp, "comment dla3d %g: the cells of a diffusion limited aggregation\n", versionid / 100.0);
   fprintf(fp, "comment root is the index of the root cell of the cell's tree\n");
+  fprintf(fp, "comment red, green, blue: the colour the drawing mode gives the cell; quality is the weight\n");
   fprintf(fp, "comment an edge runs from a cell's parent (vertex1) to the cell (vertex2)\n");
   fprintf(fp, "element vertex %d\n", ncells);
   fprintf(fp, "property float x\nproperty float y\nproperty float z\n");
   fprintf(fp, "property double weight\nproperty int root\n");
+  // MeshLab's names: vertex colour and the scalar it maps and filters by.
+  fprintf(fp, "property uchar red\nproperty uchar green\nproperty uchar blue\nproperty float quality\n");
   fprintf(fp, "element edge %d\n", nedges);
   fprintf(fp, "property int vertex1\nproperty int vertex2\n");
   fprintf(fp, "end_header\n");
 
   std::vector<int> root;
   CellRoots(&root);
-  unsigned char record[24];
+  unsigned char record[31];
   for (int i = 0; i < ncells; i++) {
     float xyz[3] = {(float)cells[i].p.x, (float)cells[i].p.y, (float)cells[i].p.z};
     int32_t r = root[i];
+    COLOUR c = ChooseColour(i, options.dladrawmode);
+    float quality = (float)cells[i].weight;
     for (int k = 0; k < 3; k++) PutLE(record + 4 * k, &xyz[k], 4);
     PutLE(record + 12, &cells[i].weight, 8);
     PutLE(record + 20, &r, 4);
-    fwrite(record, 1, 24, fp);
+    record[24] = ColourByte(c.r);
+    record[25] = ColourByte(c.g);
+    record[26] = ColourByte(c.b);
+    PutLE(record + 27, &quality, 4);
+    fwrite(record, 1, 31, fp);
   }
   for (int i = 0; i < ncells; i++) {
     if (cells[i].parent < 0) continue;

@@ -1,6 +1,8 @@
 // The aggregate as a binary little-endian PLY point cloud: one vertex per
-// cell (x, y, z as float, weight as double, root as int) and one edge per
-// parent link (vertex1 the parent, vertex2 the cell).
+// cell (x, y, z as float, weight as double, root as int, red, green, blue as
+// uchar: the cell's colour in the drawing mode in use, quality: the weight as
+// float, MeshLab's scalar) and one edge per parent link (vertex1 the parent,
+// vertex2 the cell).
 #ifndef DLA_EXPORT_PLY_H
 #define DLA_EXPORT_PLY_H
 

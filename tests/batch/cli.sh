@@ -67,7 +67,7 @@ printf '0 0 0\n1e300 1e300 0\n' >"$dir/far.txt"  # its distance overflows
 expect 2 "dla3d-batch: the roots reach beyond any distance (radius inf): no cell can ever stick (give --steps N to run anyway)" \
   --seed-file "$dir/far.txt" --cells 300 "${files[@]}"
 # A model or summary that cannot be created is reported; the others are still written.
-for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "summary x.json"; do
+for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "vtp x.vtp" "summary x.json"; do
   read -r option name <<<"$run"
   expect 1 "dla3d-batch: --$option: cannot create \"$dir/none/$name\": No such file or directory" --cells 20 \
     --$option "$dir/none/$name" --info "$dir/out/i.txt"
