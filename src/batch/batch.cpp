@@ -6,6 +6,7 @@
 #include <stddef.h>  // offsetof()
 #include <stdlib.h>  // strtod(), strtol()
 #include <string.h>  // strcmp(), memset()
+#include <sys/stat.h>  // stat()
 #include <unistd.h>  // isatty(), access()
 
 #include "app/startup.h"
@@ -25,6 +26,8 @@
 #include "surface/stl.h"
 #include "surface/transform.h"
 #include "view/camera.h"
+#include "view/menutables.h"
+#include "view/overlay.h"
 
 // [SECTION] The option table: every option is one row here. A row writes
 // either a growth setting (into run->growth, copied to growthstate when the
@@ -59,7 +62,7 @@ static const BATCHOPTION batchoptions[] = {
   {"--seed", NULL, "N", BOPT_INT, G(seed), 0, 0, INT_MAX, 0, "an integer from 0 to 2147483647",
    "seed of both random number generators (12345)"},
   {"--bias", NULL, "PCT", BOPT_DOUBLE, G(bias), 0, 0, 1, 0, "0 to 1",
-   "drift, percent of the branch length (0.1)"},
+   "drift of every step away from the roots, in percent of the branch length (0.1)"},
   {"--branch-length", NULL, "L", BOPT_DOUBLE, G(branchlength), 0, 0.01, NOLIMIT, 0,
    "0.01 or more", "step and branch length (1)"},
   {"--stickiness", NULL, "PCT", BOPT_DOUBLE, G(stickiness), 0, 1, 100, 0, "1 to 100",
@@ -73,12 +76,12 @@ static const BATCHOPTION batchoptions[] = {
   {"--root-range", NULL, "R", BOPT_DOUBLE, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "-1e300 to 1e300",
    "size of the region the roots are placed in (10)"},
   {"--root-distribution", NULL, "CODE", BOPT_INT, G(rootdistribution), 0, INT_MIN, INT_MAX, 0,
-   "any integer", "1 origin, 2 spherical, 3-5 random in the x/y/z plane, 6-8 ring (1)"},
+   "any integer", "how the roots are placed (listed below); above 9 none (1)"},
   {"--associate", NULL, "", BOPT_FLAG, G(associate), 0, 0, 0, 1, "", "seed association on"},
   {"--intersect-range", NULL, "PCT", BOPT_DOUBLE, G(intersectrange), 0, 0, 90, 0, "0 to 90",
    "smallest distance between branches, percent of the branch length (0)"},
   {"--source", NULL, "CODE", BOPT_INT, G(sourcetype), 0, 1, 17, 0, "an integer from 1 to 17",
-   "particle source, as the menu numbers them (1)"},
+   "where particles are released, as the menu numbers them (listed below) (1)"},
   {"--seed-file", NULL, "PATH", BOPT_PATH, R(seedfile), 0, 0, 0, 0, "a path",
    "roots from a seed file, as \"Read seeds\" does"},
   {"--stl", NULL, "PATH", BOPT_PATH, R(stlfile), 0, 0, 0, 0, "a path",
@@ -87,6 +90,8 @@ static const BATCHOPTION batchoptions[] = {
    "grow until the aggregate holds N cells (10000)"},
   {"--steps", NULL, "N", BOPT_LONG, R(steps), 0, 0, 9.2e18, 0, "an integer from 0",
    "or stop after N growth steps, whichever comes first"},
+  {"--stall-steps", NULL, "N", BOPT_LONG, R(stallsteps), 0, 1, 9.2e18, 0, "an integer from 1",
+   "end the run, writing every file asked for (exit status 3), after N steps without a new cell (1e10)"},
   {"--csv", NULL, "PATH", BOPT_PATH, R(csvfile), 0, 0, 0, 0, "a path",
    "write the aggregate: index,parent,x,y,z,weight"},
   {"--sample", NULL, "CODE", BOPT_SAMPLE, R(sample), 0, 1, 100, 0, "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
@@ -161,6 +166,9 @@ static_assert(sizeof(batchoptions) / sizeof(batchoptions[0]) <= BATCH_MAXOPTIONS
               "BATCHRUN.given is too small");
 
 static const char *programname = "dla3d-batch";
+
+// The name ResetSeeds gives a root distribution code.
+static const char *RootDistributionName(int code) { return code == ROOT_SPHERICAL9 ? "Spherical" : RootMenuName(code); }
 
 // [SECTION] Parsing
 
@@ -275,6 +283,7 @@ static void SetRunDefaults(BATCHRUN *run) {
   memset(run, 0, sizeof(*run));
   run->cells = 10000;
   run->steps = -1;
+  run->stallsteps = BATCH_STALLSTEPS;
   run->progress = -1;
   run->slicenormal.z = 1;  // the slicing form's start value
   run->pngwidth = 800;     // the window's first size
@@ -425,6 +434,12 @@ void WriteBatchUsage(FILE *fp, const char *name) {
     if (o->kind != BOPT_PATH && o->kind != BOPT_FLAG && o->kind != BOPT_HELP)
       fprintf(fp, "  %-28s allowed: %s\n", "", o->range);
   }
+  fprintf(fp, "Particle sources (--source):");
+  for (int code = 1; code <= 17; code++)
+    fprintf(fp, "%s %d %s", code > 1 ? "," : "", code, SourceTypeText(code, 0) + strlen("Source type: "));
+  fprintf(fp, "\nRoot distributions (--root-distribution): 0 and below Spherical");
+  for (int code = 1; code <= 9; code++) fprintf(fp, ", %d %s", code, RootDistributionName(code));
+  fprintf(fp, "\n");
   fprintf(fp, "Sample surfaces:");
   for (int i = 0; i < nsamplesurfaces; i++)
     fprintf(fp, "%s %d %s", i ? "," : "", samplesurfaces[i].code, samplesurfaces[i].name);
@@ -432,11 +447,12 @@ void WriteBatchUsage(FILE *fp, const char *name) {
   fprintf(fp,
           "After growth, in this order: the CSV, the slice files, the statistics, then the writers in the order\n"
           "listed above (--pov ... --summary); --pov ... --info exactly as the window's menu entry writes them.\n"
-          "Exit status: 0 done; 1 a seed or STL file could not be read, the CSV could not be created or the\n"
-          "slice directory cannot be written into (both checked before growth, nothing is written then), or\n"
-          "a file could not be written (reported, the other files are still written); 2 a refused option,\n"
-          "nothing written; 255 a malformed STL file or a slice file that cannot be created (the slice files\n"
-          "before it stay written).\n");
+          "Exit status: 0 done; 1 a seed or STL file could not be read, an output cannot be created (checked\n"
+          "before growth, nothing is written then), or a file could not be written (reported, the other files\n"
+          "are still written); 2 a refused option or a run that can never grow, nothing written; 3 the run\n"
+          "stalled (--stall-steps), every file written; 255 a malformed STL file or a slice file that cannot\n"
+          "be created (the slice files before it stay written).\n"
+          "With no output option the run says on standard output what it grew.\n");
 }
 
 // [SECTION] The run
@@ -455,8 +471,13 @@ static void ApplyBatchSettings(const BATCHRUN *run) {
   }
 }
 
-static void WriteMessage(FILE *err, const FILEMESSAGE *msg) {
-  fprintf(err, "%s\n%s\n%s\n", msg->line1, msg->line2, msg->line3);
+// A seed or STL file that could not be read: the program, the option, the
+// file and the reason (the window's message box says it in three lines).
+// errnum: errno after the read, named when the file could not be opened.
+static void WriteFileMessage(FILE *err, const char *option, const char *path, const FILEMESSAGE *msg, int errnum) {
+  fprintf(err, "%s: %s: cannot read \"%s\": %s", programname, option, path, msg->line2);
+  if (strcmp(msg->line3, path) == 0 && errnum != 0) fprintf(err, " (%s)", strerror(errnum));
+  fprintf(err, "\n");
 }
 
 void WriteCellsCSV(FILE *fp) {
@@ -467,15 +488,33 @@ void WriteCellsCSV(FILE *fp) {
   }
 }
 
-static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int done) {
+void FormatProgress(char *line, int size, double fraction, int cells, double rate, double secondsleft) {
   const int width = 40;
+  if (!(fraction > 0)) fraction = 0;
+  if (fraction > 1) fraction = 1;
+  int n = (int)(fraction * width);
+  char left[32] = "--";
+  if (secondsleft >= 0 && secondsleft < 1e7) {
+    long t = (long)(secondsleft + 0.5);
+    if (t >= 3600)
+      snprintf(left, sizeof(left), "%ld:%02ld:%02ld", t / 3600, t / 60 % 60, t % 60);
+    else
+      snprintf(left, sizeof(left), "%ld:%02ld", t / 60, t % 60);
+  }
+  snprintf(line, size, "[%.*s%*s] %3d%% %d cells, %.0f cells/s, %s left", n,
+           "########################################", width - n, "", (int)(fraction * 100), cells, rate, left);
+}
+
+// The share of the run done: of the cells, or of the step limit when that
+// comes first. The time left assumes the rate so far.
+static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int startcells, double seconds, int done) {
   double f = run->cells > 0 ? (double)ncells / run->cells : 1;
   if (run->steps > 0 && (double)step / run->steps > f) f = (double)step / run->steps;
-  if (f > 1) f = 1;
-  int n = (int)(f * width);
-  fprintf(err, "\r[%.*s%*s] %d cells, %lld steps", n, "########################################", width - n, "",
-          ncells, step);
-  if (done) fprintf(err, "\n");
+  double rate = seconds > 0 ? (ncells - startcells) / seconds : 0;
+  double left = done ? 0 : f > 0 && seconds > 0 ? seconds * (1 - f) / f : -1;
+  char line[160];
+  FormatProgress(line, sizeof(line), f, ncells, rate, left);
+  fprintf(err, "\r%s%s", line, done ? "\n" : "");
   fflush(err);
 }
 
@@ -541,6 +580,28 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
             "(give --steps N to run anyway)\n", programname, g.radius);
     return BATCH_USAGE;
   }
+  // A particle starts on the release sphere, and no step moves it nearer to
+  // or farther from the origin than a branch length plus the drift (the
+  // swirl keeps its distance); a step beyond the sphere is refused, and a
+  // new particle comes every GROWTH_LIFESPAN steps. A root that no particle
+  // can come within a branch length of never grows.
+  double bl = g.branchlength, b = g.bias * 0.01 * bl, release = g.radius + 2 * bl;
+  double inner = release - GROWTH_LIFESPAN * (bl + b) - bl, outer = release + b + bl;
+  double slack = 1e-9 * (fabs(release) + GROWTH_LIFESPAN * (bl + b));
+  int reachable = 0;
+  double nearest = -1;
+  for (int i = 0; i < ncells && !reachable; i++) {
+    double d = Modulus(cells[i].p);
+    reachable = d > inner - slack && d < outer + slack;
+    double off = d < inner ? inner - d : d - outer;
+    if (nearest < 0 || off < nearest) nearest = off;
+  }
+  if (!reachable) {
+    fprintf(err, "%s: every root lies out of reach: particles start at distance %g from the origin and can touch "
+            "only cells between %g and %g from it, the nearest root lies %g beyond that: no cell can ever stick "
+            "(give --steps N to run anyway)\n", programname, release, inner > 0 ? inner : 0, outer, nearest);
+    return BATCH_USAGE;
+  }
   // With association the next cell must join root class ncells mod nroots,
   // and no cell of that class exists while ncells < nroots.
   if (g.associate && ncells < g.nroots) {
@@ -571,18 +632,15 @@ static int WritePicture(const BATCHRUN *run, FILE *err) {
   return batchpicture(run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
 }
 
-int RunBatch(BATCHRUN *run, FILE *err) {
-  ResetProgram();  // the window's state after start-up, camera home included
-  options.debug = run->debug;
-  ApplyDrawingOptions(run);
-  growthsearch = run->search;
-  growthwalk = run->walk;
-  ApplyBatchSettings(run);
-
+// The surface (STL file or sample, then the transforms) and the roots, as
+// the window would make them. Returns BATCH_OK or the status of a file that
+// could not be read, after its message.
+static int SetUpGrowth(const BATCHRUN *run, FILE *err) {
   FILEMESSAGE msg;
   memset(&msg, 0, sizeof(msg));
+  errno = 0;
   if (run->stlfile[0] && !ReadSTLFile(run->stlfile, &msg)) {
-    WriteMessage(err, &msg);
+    WriteFileMessage(err, "--stl", run->stlfile, &msg, errno);
     return msg.fatal ? BATCH_FATAL : BATCH_FILEERROR;
   }
   if (Given(run, "--sample")) MakeSampleSurface(run->sample);
@@ -592,37 +650,75 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     UpdateSTL();
   }
   if (run->seedfile[0]) {
+    errno = 0;
     if (!ReadRootsFile(run->seedfile, &msg)) {
-      WriteMessage(err, &msg);
+      WriteFileMessage(err, "--seed-file", run->seedfile, &msg, errno);
       return BATCH_FILEERROR;
     }
-  } else {
-    InitialiseGrowth();
-    ResetSeeds();
+    return BATCH_OK;
   }
+  InitialiseGrowth();
+  ResetSeeds();
+  const GROWTHSTATE &g = growthstate;
+  if (Given(run, "--roots") && g.nroots != 1 && g.rootdistribution == ROOT_ORIGIN)
+    fprintf(err, "%s: --root-distribution 1 (Origin) places one root, not the %d --roots asks for\n", programname,
+            g.nroots);
+  return BATCH_OK;
+}
 
-  int status = CheckReachable(run, err);
-  if (status != BATCH_OK) return status;
+// 0 with errno set when path cannot be created or written: a directory, a
+// file without write permission, a folder that is missing or closed. Makes
+// nothing, so a run refused before growth leaves no empty files behind.
+static int CanCreate(const char *path) {
+  struct stat st;
+  if (stat(path, &st) == 0) {
+    if (S_ISDIR(st.st_mode)) {
+      errno = EISDIR;
+      return 0;
+    }
+    return access(path, W_OK) == 0;
+  }
+  if (errno != ENOENT) return 0;
+  char dir[256];
+  CopyName(dir, path, sizeof(dir));
+  char *slash = strrchr(dir, '/');
+  if (slash == NULL) return access(".", W_OK | X_OK) == 0;
+  slash[slash == dir ? 1 : 0] = '\0';
+  return access(dir, W_OK | X_OK) == 0;
+}
 
-  // The slices' directory is checked, and the CSV created, before growth so
-  // that a long run is not lost to a mistyped path.
+// Every output is checked before growth, so that a mistyped path does not
+// cost a long run. Returns BATCH_OK or BATCH_FILEERROR after the message.
+static int CheckOutputs(const BATCHRUN *run, FILE *err) {
   const char *slicedir = run->slicedir[0] ? run->slicedir : ".";
   if (run->nslices > 0 && access(slicedir, W_OK | X_OK) != 0) {
     fprintf(err, "%s: --slice-dir: cannot write into \"%s\": %s\n", programname, slicedir, strerror(errno));
     return BATCH_FILEERROR;
   }
-  FILE *csv = NULL;
-  if (run->csvfile[0]) {
-    csv = fopen(run->csvfile, "w");
-    if (csv == NULL) {
-      fprintf(err, "%s: --csv: cannot create \"%s\": %s\n", programname, run->csvfile, strerror(errno));
-      return BATCH_FILEERROR;
-    }
+  struct {
+    const char *option, *path;
+  } outputs[sizeof(batchwriters) / sizeof(batchwriters[0]) + 2] = {{"--csv", run->csvfile}, {"--png", run->pngfile}};
+  int n = 2;
+  for (const BATCHWRITER &w : batchwriters) outputs[n++] = {w.option, (const char *)run + w.offset};
+  for (int k = 0; k < n; k++) {
+    if (outputs[k].path[0] == '\0' || CanCreate(outputs[k].path)) continue;
+    fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, outputs[k].option, outputs[k].path,
+            strerror(errno));
+    return BATCH_FILEERROR;
   }
+  return BATCH_OK;
+}
 
+// Growth until the cell count, the step limit or a stall. Returns BATCH_OK,
+// or BATCH_STALLED after saying what most likely holds the growth back.
+static int Grow(const BATCHRUN *run, FILE *err, long long *steps) {
   int progress = run->progress < 0 ? isatty(2) : run->progress;
   double shown = -1;
-  long long step = 0;
+  long long step = 0, grew = 0;  // grew: the step of the last new cell
+  int count = ncells, startcells = ncells;
+  long long vetoes[NVETOES];
+  memcpy(vetoes, growthvetoes, sizeof(vetoes));
+  int status = BATCH_OK;
   StartGrowthLog();
   while (ncells < run->cells && (run->steps < 0 || step < run->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
@@ -631,15 +727,78 @@ int RunBatch(BATCHRUN *run, FILE *err) {
     long long before = step;
     step += IterateSystemSteps(left < (1 << 20) ? left : 1 << 20);
     LogGrowth(step);
+    if (ncells != count) {
+      count = ncells;
+      grew = step;
+      memcpy(vetoes, growthvetoes, sizeof(vetoes));
+    } else if (step - grew >= run->stallsteps) {
+      status = BATCH_STALLED;
+      break;
+    }
     if (progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
       if (now - shown > 0.1) {
-        ShowProgress(err, run, step, 0);
+        ShowProgress(err, run, step, startcells, now - growthlog.start, 0);
         shown = now;
       }
     }
   }
-  if (progress) ShowProgress(err, run, step, 1);
+  if (progress) ShowProgress(err, run, step, startcells, GetRunTime() - growthlog.start, status == BATCH_OK);
+  *steps = step;
+  if (status != BATCH_STALLED) return status;
+
+  // The veto that refused the most sticks since the last new cell is the
+  // likely cause; with none, no particle came within reach at all.
+  static const char *causes[NVETOES] = {
+      "the intersection range (--intersect-range) refused every stick",
+      "the constraint surface refused every stick that would cross it",
+      "the constraint surface refused every stick near a gap between its facets"};
+  int most = 0;
+  for (int k = 1; k < NVETOES; k++)
+    if (growthvetoes[k] - vetoes[k] > growthvetoes[most] - vetoes[most]) most = k;
+  long long refused = growthvetoes[most] - vetoes[most];
+  if (progress) fprintf(err, "\n");
+  fprintf(err, "%s: no new cell in %lld steps, at %d cells: ", programname, step - grew, ncells);
+  if (refused > 0)
+    fprintf(err, "%s (%lld times)", causes[most], refused);
+  else
+    fprintf(err, "no particle stuck: the roots may lie too far from where particles are released (distance %g)",
+            growthstate.radius + 2 * growthstate.branchlength);
+  fprintf(err, "; the files asked for are written (--stall-steps N waits longer)\n");
+  return status;
+}
+
+// A run with no output option says what it grew.
+static void SayWhatGrew(const BATCHRUN *run, long long steps) {
+  for (int k = 0; k < NBATCHOPTIONS; k++)
+    if (run->given[k] && (batchoptions[k].kind == BOPT_PATH && batchoptions[k].target == BT_RUN &&
+                          strcmp(batchoptions[k].name, "--seed-file") != 0 && strcmp(batchoptions[k].name, "--stl") != 0))
+      return;
+  if (run->nslices > 0) return;
+  printf("%d cells in %lld steps: radius %g, radius of gyration %g, dimension %g (from the radius of gyration)\n",
+         ncells, steps, growthstate.radius, RadiusOfGyration(ncells), GyrationDimension());
+}
+
+int RunBatch(BATCHRUN *run, FILE *err) {
+  ResetProgram();  // the window's state after start-up, camera home included
+  options.debug = run->debug;
+  ApplyDrawingOptions(run);
+  growthsearch = run->search;
+  growthwalk = run->walk;
+  ApplyBatchSettings(run);
+
+  int status = SetUpGrowth(run, err);
+  if (status == BATCH_OK) status = CheckReachable(run, err);
+  if (status == BATCH_OK) status = CheckOutputs(run, err);
+  if (status != BATCH_OK) return status;
+  FILE *csv = NULL;
+  if (run->csvfile[0] && (csv = fopen(run->csvfile, "w")) == NULL) {
+    fprintf(err, "%s: --csv: cannot create \"%s\": %s\n", programname, run->csvfile, strerror(errno));
+    return BATCH_FILEERROR;
+  }
+
+  long long steps;
+  int grown = Grow(run, err, &steps);
   SettleWeights();  // the fast walk's deferred weights
 
   if (csv) {
@@ -658,7 +817,8 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   if (run->stats) RunStatisticsToCompletion();
   if (RunWriters(run, err) != BATCH_OK) status = BATCH_FILEERROR;
   if (run->pngfile[0] && WritePicture(run, err) != BATCH_OK) status = BATCH_FILEERROR;
-  return status;
+  SayWhatGrew(run, steps);
+  return status == BATCH_OK ? grown : status;
 }
 
 int BatchMain(int argc, char **argv) {

@@ -55,6 +55,16 @@ double FitSlope(const double *x, const double *y, int n) {
   return sxx > 0 ? sxy / sxx : 0;
 }
 
+double GyrationDimension(void) {
+  // Rg grows as N^(1/D): D is the inverse slope of log Rg against log N.
+  const GROWTHLOG &g = growthlog;
+  std::vector<double> x, y;
+  for (size_t k = 0; k < g.n.size(); k++)
+    if (g.rg[k] > 0) x.push_back(log((double)g.n[k])), y.push_back(log(g.rg[k]));
+  double slope = x.size() >= 2 ? FitSlope(x.data(), y.data(), (int)x.size()) : 0;
+  return slope > 0 ? 1 / slope : 0;
+}
+
 // [SECTION] a small JSON writer: data numbers with every digit, no NaN
 
 static void Number(FILE *fp, double v) {
@@ -153,18 +163,14 @@ int WriteSummary(FILE *fp) {
   fprintf(fp, "  \"steps\": %lld,\n", g.steps);
   Key(fp, "radius", 2), Number(fp, growthstate.radius), fprintf(fp, ",\n");
   Key(fp, "radius_of_gyration", 2), Number(fp, RadiusOfGyration(ncells)), fprintf(fp, ",\n");
-  // Rg grows as N^(1/D): D is the inverse slope of log Rg against log N.
-  std::vector<double> x, y;
   fprintf(fp, "  \"gyration_checkpoints\": [");
   for (size_t k = 0; k < g.n.size(); k++) {
     fprintf(fp, "%s{\"cells\": %d, \"radius_of_gyration\": ", k ? ", " : "", g.n[k]);
     Number(fp, g.rg[k]);
     fprintf(fp, "}");
-    if (g.rg[k] > 0) x.push_back(log((double)g.n[k])), y.push_back(log(g.rg[k]));
   }
   fprintf(fp, "],\n");
-  double slope = x.size() >= 2 ? FitSlope(x.data(), y.data(), (int)x.size()) : 0;
-  Key(fp, "dimension_gyration", 2), Dimension(fp, slope > 0 ? 1 / slope : 0), fprintf(fp, ",\n");
+  Key(fp, "dimension_gyration", 2), Dimension(fp, GyrationDimension()), fprintf(fp, ",\n");
   WriteStatistics(fp);
   fprintf(fp, "  \"wall_seconds\": {\"growth\": ");
   Number(fp, g.growthseconds);

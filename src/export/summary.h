@@ -37,6 +37,10 @@ double RadiusOfGyration(int n);
 // Least-squares slope of y against x over n points; 0 when the x do not vary.
 double FitSlope(const double *x, const double *y, int n);
 
+// The fractal dimension from the log's checkpoints: 1 / the least-squares
+// slope of ln Rg against ln N. 0 when fewer than two checkpoints fit.
+double GyrationDimension(void);
+
 // Writes the summary as one JSON object to fp. Returns 1 when written, 0 on
 // a write error.
 int WriteSummary(FILE *fp);

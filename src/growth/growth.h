@@ -40,6 +40,11 @@ XYZ GetNewParticle(int sourcetype, double r);
 
 #define GROWTH_LIFESPAN 10000  // steps a particle wanders before it is replaced
 
+// Sticks refused by each of the three vetoes, counted from program start:
+// a run that stops growing can say which one holds it back.
+enum { VETO_BRANCH, VETO_SURFACE, VETO_GAP, NVETOES };
+extern long long growthvetoes[NVETOES];
+
 // One step of the wandering particle: release, random step, drift, swirl,
 // search, stickiness, the three vetoes, and on success a new cell.
 void IterateSystem(void);

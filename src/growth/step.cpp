@@ -10,6 +10,8 @@
 #include "surface/constraint.h"
 #include "surface/stl.h"
 
+long long growthvetoes[NVETOES];
+
 static void Veto(const char *why) {
   if (options.debug) fwrite(why, strlen(why), 1, stderr);
 }
@@ -121,13 +123,15 @@ static int PokesThroughGap(void) {
 static int Vetoed(int best, XYZ q, int indexed) {
   GROWTHSTATE &g = growthstate;
   const char *why = NULL;
+  int veto = 0;
   if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best)))
-    why = "*** Self intersection\n";
+    why = "*** Self intersection\n", veto = VETO_BRANCH;
   else if (CutsSurface(best))
-    why = "*** Cuts constraint surface\n";
+    why = "*** Cuts constraint surface\n", veto = VETO_SURFACE;
   else if (PokesThroughGap())
-    why = "*** Gap poke through\n";
+    why = "*** Gap poke through\n", veto = VETO_GAP;
   if (why == NULL) return 0;
+  growthvetoes[veto]++;
   Veto(why);
   g.particle = q;
   return 1;

@@ -67,18 +67,35 @@ printf '0 0 0\n1e300 1e300 0\n' >"$dir/far.txt"  # its distance overflows
 expect 2 "dla3d-batch: the roots reach beyond any distance (radius inf): no cell can ever stick (give --steps N to run anyway)" \
   --seed-file "$dir/far.txt" --cells 300 "${files[@]}"
 # A model or summary that cannot be created is reported; the others are still written.
-for run in "gltf x.glb" "gltf x.gltf" "ply x.ply" "vtp x.vtp" "summary x.json"; do
-  read -r option name <<<"$run"
-  expect 1 "dla3d-batch: --$option: cannot create \"$dir/none/$name\": No such file or directory" --cells 20 \
-    --$option "$dir/none/$name" --info "$dir/out/i.txt"
-  [ -s "$dir/out/i.txt" ] || { echo "FAIL: --$option: no other file written"; fail=1; }
-done
+# An output that cannot be created ends the run before growth (the unit tests cover the model writers).
+expect 1 "dla3d-batch: --png: cannot create \"$dir/none/a.png\": No such file or directory" --cells 20 \
+  --png "$dir/none/a.png" --csv "$dir/out/c.csv"
+[ -z "$(ls "$dir/out")" ] || { echo "FAIL: files written before a --png that cannot be created"; fail=1; }
+# Roots no particle can reach: outside the release sphere; far inside a huge one.
+expect 2 "dla3d-batch: every root lies out of reach: particles start at distance 12 from the origin and can touch only cells between 0 and 13.001 from it, the nearest root lies 36.999 beyond that: no cell can ever stick (give --steps N to run anyway)" \
+  --root-range -50 --roots 4 --root-distribution 6 "${files[@]}"
+expect 2 "dla3d-batch: --root-distribution 1 (Origin) places one root, not the 3 --roots asks for" \
+  --roots 3 --root-range 1e6 "${files[@]}"
+# A stall ends the run, every file written, status 3.
+"$bin" --no-progress --cells 100 --intersect-range 20 --stall-steps 10000000 "${files[@]}" 2>"$dir/err"
+st=$? n=$(sed -n 's/^dla3d-batch: no new cell in 10000000 steps, at \([0-9]*\) cells: the intersection range (--intersect-range) refused every stick ([0-9]* times); the files asked for are written (--stall-steps N waits longer)$/\1/p' "$dir/err")
+[ $st = 3 ] && [ -n "$n" ] && [ "$(wc -l <"$dir/out/c.csv")" = $((n + 1)) ] && [ -s "$dir/out/p.pov" ] ||
+  { echo "FAIL: a stall: status $st, $(cat "$dir/err"), $(wc -l <"$dir/out/c.csv") CSV lines"; fail=1; }
+# No output: what grew on standard output. With --progress, the bar ends at 100%.
+out=$("$bin" --cells 300 --progress 2>"$dir/err")
+[[ $out =~ ^300\ cells\ in\ [0-9]+\ steps:\ radius\ [0-9.]+,\ radius\ of\ gyration\ [0-9.]+,\ dimension\ [0-9.]+\ \(from ]] ||
+  { echo "FAIL: a bare run said \"$out\""; fail=1; }
+tr '\r' '\n' <"$dir/err" | tail -1 | grep -q '^\[#\{40\}\] 100% 300 cells, [0-9]* cells/s, 0:00 left$' ||
+  { echo "FAIL: progress bar: $(tr '\r' '\n' <"$dir/err" | tail -1)"; fail=1; }
 expect 1 "dla3d-batch: --slice-dir: cannot write into \"$dir/none\": No such file or directory" --cells 20 --slices 2 \
   --slice-dir "$dir/none" --csv "$dir/out/c.csv"
 [ ! -e "$dir/out/c.csv" ] || { echo "FAIL: a CSV made before a slice directory that cannot be written into"; fail=1; }
 mkdir -p "$dir/sl/slice_001.txt"  # a slice file that cannot be created: the run ends there
 expect 255 "Failed to open output slice file \"$dir/sl/slice_001.txt\"" --cells 20 --slices 2 --slice-dir "$dir/sl"
-"$bin" --help | grep -q -- "--seed-file PATH" || { echo "FAIL: --help lacks the options"; fail=1; }
+help=$("$bin" --help)
+for want in "--seed-file PATH" "--stall-steps N" "17 STL surface" "8 Ring: z axis plane" "percent of the branch length"; do
+  grep -qF -- "$want" <<<"$help" || { echo "FAIL: --help lacks \"$want\""; fail=1; }
+done
 
 # The sphere sample shrunk to radius 7 holds the aggregate (a free run of
 # 400 cells reaches about 11).

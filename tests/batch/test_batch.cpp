@@ -129,32 +129,48 @@ TEST_F(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
   Scratch s;
   std::string err, missing = s / "missing.txt";
   EXPECT_EQ(Batch("--seed-file " + missing + " --csv " + s / "c.csv", &err), BATCH_FILEERROR);
-  EXPECT_EQ(err, "File Error\nFailed to read seed file\n" + missing + "\n");
+  EXPECT_EQ(err, "dla3d-batch: --seed-file: cannot read \"" + missing +
+                     "\": Failed to read seed file (No such file or directory)\n");
   EXPECT_EQ(Batch("--stl " + missing, &err), BATCH_FILEERROR);
-  EXPECT_EQ(err, "File Error\nFailed to read STL file\n" + missing + "\n");
+  EXPECT_EQ(err, "dla3d-batch: --stl: cannot read \"" + missing + "\": Failed to read STL file (No such file or directory)\n");
   std::string shortstl = WriteFile(s / "short.stl", "binary but short");
   EXPECT_EQ(Batch("--stl " + shortstl + " --csv " + s / "c.csv", &err), BATCH_FATAL);
-  EXPECT_EQ(err, "File Error\nFailed to read an expected STL header\n\n");
+  EXPECT_EQ(err, "dla3d-batch: --stl: cannot read \"" + shortstl + "\": Failed to read an expected STL header\n");
   EXPECT_EQ(ReadFile(s / "c.csv"), "(missing)");
-  // A writer that cannot be created is reported; the others are written.
-  std::string pov = s / "no/a.pov", info = s / "no/i.txt";
-  EXPECT_EQ(Batch("--cells 30 --pov " + pov + " --geom " + s / "ok.geom" + " --info " + info, &err), BATCH_FILEERROR);
-  EXPECT_EQ(err, "dla3d-batch: --pov: cannot create \"" + pov + "\": No such file or directory\n" +
-                     "dla3d-batch: --info: cannot create \"" + info + "\": No such file or directory\n");
-  EXPECT_EQ(ReadFile(s / "ok.geom").rfind("# 3D DLA by Orvantide# From: 0 to 1", 0), 0u);
-  // A CSV that cannot be created ends the run before growth.
-  std::string csv = s / "no/c.csv";
-  EXPECT_EQ(Batch("--cells 30 --csv " + csv + " --stats --pov " + s / "late.pov", &err), BATCH_FILEERROR);
-  EXPECT_EQ(err, "dla3d-batch: --csv: cannot create \"" + csv + "\": No such file or directory\n");
+  // Any output that cannot be created ends the run before growth, and nothing is written.
+  std::string ok = s / "ok.geom";
+  for (std::string bad : {"--pov " + s / "no/a.pov", "--summary " + s / "no/s.json", "--csv " + s / "no/c.csv",
+                          "--gltf " + s.dir})
+    EXPECT_EQ(Batch("--cells 30 --stats --geom " + ok + " " + bad, &err), BATCH_FILEERROR) << bad;
+  EXPECT_EQ(err, "dla3d-batch: --gltf: cannot create \"" + s.dir + "\": Is a directory\n");
   EXPECT_EQ(ncells, 1);
   EXPECT_EQ(stats.timestep, 0);
-  EXPECT_EQ(ReadFile(s / "late.pov"), "(missing)");
+  EXPECT_EQ(ReadFile(ok), "(missing)");
   // A full disk: each file is reported, the run goes on and ends with the error.
   EXPECT_EQ(Batch("--cells 30 --csv /dev/full --vrml /dev/full --info /dev/full --geom " + s / "ok.geom", &err),
             BATCH_FILEERROR);
   EXPECT_EQ(err, "dla3d-batch: --csv: cannot write \"/dev/full\": No space left on device\n"
                  "dla3d-batch: --vrml: cannot create \"/dev/full\": No space left on device\n"
                  "dla3d-batch: --info: cannot create \"/dev/full\": No space left on device\n");
+}
+
+// The bar, the share, the rate and the time left, at the ends of their ranges.
+TEST(BatchProgress, LineAtTheEndsOfItsRanges) {
+  struct {
+    double fraction, rate, left;
+    int cells;
+    const char *line;
+  } rows[] = {
+      {0, 0, -1, 1, "[                                        ]   0% 1 cells, 0 cells/s, -- left"},
+      {0.5, 1234.4, 59.5, 500, "[####################                    ]  50% 500 cells, 1234 cells/s, 1:00 left"},
+      {0.999, 10, 3725, 999, "[####################################### ]  99% 999 cells, 10 cells/s, 1:02:05 left"},
+      {1.7, 10, 0, 1000, "[########################################] 100% 1000 cells, 10 cells/s, 0:00 left"},
+  };
+  for (const auto &r : rows) {
+    char line[160];
+    FormatProgress(line, sizeof(line), r.fraction, r.cells, r.rate, r.left);
+    EXPECT_STREQ(line, r.line);
+  }
 }
 
 }  // namespace
