@@ -78,10 +78,14 @@ static double ExitTime(double kappa) {
   }
 }
 
-// A unit vector with density exp(kappa cos theta) about the unit axis a.
+// A unit vector with density exp(kappa cos theta) about the unit axis a;
+// uniform on the sphere for kappa up to 1e-8, whatever a is (with no drift
+// it is zero).
 static XYZ VonMisesFisher(XYZ a, double kappa) {
+  int drifting = kappa > 1e-8;
+  if (!drifting) a = XYZ{0, 0, 1};
   double u = WalkUniform();
-  double w = kappa > 1e-8 ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
+  double w = drifting ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
   if (w < -1) w = -1;
   if (w > 1) w = 1;
   XYZ other = {0, 0, 0};
@@ -204,13 +208,13 @@ int Jump(long most, JUMP *jump) {
   if (steps > most) return 0;
   if (spin > 0 && d + spin * steps > IndexClearance(p)) return 0;  // a rare long one
 
-  XYZ axis = m;
+  XYZ axis = m;  // zero with no drift (bias 0, no roots)
   if (drift > 0) {
     axis.x /= drift;
     axis.y /= drift;
     axis.z /= drift;
   }
-  XYZ dir = VonMisesFisher(axis, drift > 0 ? kappa : 0);
+  XYZ dir = VonMisesFisher(axis, kappa);
   XYZ q = {p.x + d * dir.x, p.y + d * dir.y, p.z + d * dir.z};
   // The release sphere turns the steps that would leave it back: a point
   // beyond it is reflected inwards, which brings it no farther from p.
