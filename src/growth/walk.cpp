@@ -170,6 +170,7 @@ static double BallRoom(XYZ p) {
 int Jump(long most, JUMP *jump) {
   GROWTHSTATE &g = growthstate;
   if (growthsearch != SEARCH_INDEX || (int)cells.size() < g.nroots) return 0;
+  if (g.lifespan % GROWTH_LIFESPAN == 0) return 0;  // a new particle is due first
   if (!SearchIndexCurrent()) SyncSearchIndex();
   if (!searchindex.valid) return 0;
   double bl = g.branchlength, variance = bl * bl / 3;
@@ -193,13 +194,16 @@ int Jump(long most, JUMP *jump) {
   double tau = ExitTime(kappa);
   double exact = tau * d * d / variance;
   long steps = exact < 1 ? 1 : exact > 1e12 ? (long)1e12 : (long)(exact + 0.5);
-  long life = GROWTH_LIFESPAN - g.lifespan % GROWTH_LIFESPAN;
+  // The steps counted below never pass the end of the life, life at most
+  // GROWTH_LIFESPAN: on a folded count they fit an int.
+  int lifespan = FoldLifespan(g.lifespan);
+  long life = GROWTH_LIFESPAN - lifespan % GROWTH_LIFESPAN;
   jump->radius = d;
   jump->from = p;
   jump->died = 0;
   if (steps >= life && life <= most) {
     // The life span ends inside the sphere, where nothing can happen.
-    g.lifespan += (int)life;
+    g.lifespan = lifespan + (int)life;
     jump->steps = life;
     jump->died = 1;
     jump->to = p;
@@ -230,7 +234,7 @@ int Jump(long most, JUMP *jump) {
     q = ArbitraryRotate(q, steps * angle, zaxis);
   }
   g.particle = q;
-  g.lifespan += (int)steps;
+  g.lifespan = lifespan + (int)steps;  // steps < life here
   jump->steps = steps;
   jump->to = q;
   return 1;

@@ -1,6 +1,8 @@
 // The walk: runs of steps owing rand draws across changes made between
 // them, jumps across space the index proves empty, and the batch program's
 // choice between the two walks.
+#include <limits.h>  // INT_MAX
+
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -183,25 +185,32 @@ TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   EXPECT_NE(fast, exact);
 }
 
-// A particle that never sticks counts its steps on past INT_MAX: the
+// A particle that never sticks counts its steps on past INT_MAX: the count
+// must not overflow (UBSan reports it in the sanitizer build) and the
 // replacements must still come every 10000 steps in both walks.
 TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
-  for (int walk : {WALK_EXACT, WALK_FAST}) {
-    ResetProgram();
-    growthwalk = walk;
-    growthstate.stickiness = 0;
-    IterateSystemSteps(1);
-    growthstate.lifespan = 2147479997;  // 3 steps before the last release below INT_MAX
-    std::vector<long> releases;
-    for (long steps = 0; releases.size() < 3;) {
-      int before = nseeds;
-      long k = IterateSystemSteps(1000);
-      if (nseeds != before) releases.push_back(steps);
-      steps += k;
+  const struct {
+    int lifespan;
+    long first;  // steps to the next multiple of 10000
+  } starts[] = {{2147479997, 3}, {2147480000, 0}, {INT_MAX, 6353}, {INT_MAX - 1, 6354}};
+  for (int walk : {WALK_EXACT, WALK_FAST})
+    for (auto &s : starts) {
+      ResetProgram();
+      growthwalk = walk;
+      growthstate.stickiness = 0;
+      IterateSystemSteps(1);
+      growthstate.lifespan = s.lifespan;
+      std::vector<long> releases;
+      for (long steps = 0; releases.size() < 3;) {
+        int before = nseeds;
+        long k = IterateSystemSteps(1000);
+        if (nseeds != before) releases.push_back(steps);
+        steps += k;
+        ASSERT_GE(growthstate.lifespan, 0) << "walk " << walk << ", from " << s.lifespan;
+      }
+      EXPECT_EQ(releases, (std::vector<long>{s.first, s.first + 10000, s.first + 20000}))
+          << "walk " << walk << ", from " << s.lifespan;
     }
-    EXPECT_EQ(releases, (std::vector<long>{3, 10003, 20003})) << "walk " << walk;
-    EXPECT_GE(growthstate.lifespan, 0);
-  }
 }
 
 // A cell beyond the distance fields' first directory is kept in a hash
