@@ -1,12 +1,17 @@
 #!/usr/bin/python3
 """Grows aggregates with the exact and the fast walk over several seeds and
-prints their statistics side by side: the radius-of-gyration dimension, the
-final radius, the branch distribution (shares of cells with 0, 1, 2, 3 and
-more children), steps and time. The fast walk agrees when each mean lies
+prints their statistics side by side: the radius of gyration and its
+dimension, the final radius, the branch distribution (shares of cells with
+0, 1, 2, 3 and more children) and time. The fast walk agrees when each mean lies
 within the exact walk's seed-to-seed spread (one standard deviation).
 
+One table per setting: by default the program's defaults and --bias 0
+(pure DLA, no drift); --setting OPTIONS (repeatable) replaces them, and the
+extra options after -- go to every run.
+
 Usage: bench/compare_walks.py [--batch build/dla3d-batch] [--cells 100000]
-                              [--seeds 10] [--first-seed 1] [-- extra options]
+                              [--seeds 10] [--first-seed 1]
+                              [--setting "--bias 0" ...] [-- extra options]
 """
 import argparse
 import math
@@ -25,6 +30,15 @@ def read_cells(path):
             parts = line.split(",")
             cells.append((int(parts[1]), float(parts[2]), float(parts[3]), float(parts[4])))
     return cells
+
+
+def gyration_radius(cells):
+    """Radius of gyration of all the cells about their centre."""
+    n = len(cells)
+    sx = sum(c[1] for c in cells) / n
+    sy = sum(c[2] for c in cells) / n
+    sz = sum(c[3] for c in cells) / n
+    return math.sqrt(sum((x - sx) ** 2 + (y - sy) ** 2 + (z - sz) ** 2 for _, x, y, z in cells) / n)
 
 
 def gyration_dimension(cells):
@@ -61,7 +75,7 @@ def statistics(cells):
     for c in children:
         shares[min(c, 4)] += 1
     radius = max(math.sqrt(x * x + y * y + z * z) for _, x, y, z in cells)
-    out = {"Rg dimension": gyration_dimension(cells), "final radius": radius}
+    out = {"Rg": gyration_radius(cells), "Rg dimension": gyration_dimension(cells), "final radius": radius}
     for k in range(5):
         out["children %s" % (k if k < 4 else "4+")] = shares[k] / len(cells)
     return out
@@ -80,28 +94,24 @@ def mean_sd(values):
     return m, sd
 
 
-def main():
-    ap = argparse.ArgumentParser()
-    ap.add_argument("--batch", default="build/dla3d-batch")
-    ap.add_argument("--cells", type=int, default=100000)
-    ap.add_argument("--seeds", type=int, default=10)
-    ap.add_argument("--first-seed", type=int, default=1)
-    ap.add_argument("extra", nargs="*", help="further dla3d-batch options, after --")
-    args = ap.parse_args()
-
+def compare(args, setting):
+    """Grows both walks for every seed with the options of setting, prints
+    the table; returns the number of statistics that differ."""
+    options = setting + args.extra
     results = {"exact": [], "fast": []}
     seconds = {"exact": [], "fast": []}
     with tempfile.TemporaryDirectory() as tmp:
         csv = os.path.join(tmp, "cells.csv")
         for seed in range(args.first_seed, args.first_seed + args.seeds):
             for walk in ("exact", "fast"):
-                seconds[walk].append(grow(args.batch, walk, seed, args.cells, args.extra, csv))
+                seconds[walk].append(grow(args.batch, walk, seed, args.cells, options, csv))
                 results[walk].append(statistics(read_cells(csv)))
-            print("seed %d: exact %.1f s, fast %.1f s" % (seed, seconds["exact"][-1], seconds["fast"][-1]),
+            print("%s seed %d: exact %.1f s, fast %.1f s" % (" ".join(options) or "defaults", seed,
+                                                            seconds["exact"][-1], seconds["fast"][-1]),
                   file=sys.stderr)
 
-    print("%d cells, seeds %d to %d%s" % (args.cells, args.first_seed, args.first_seed + args.seeds - 1,
-                                          (", options " + " ".join(args.extra)) if args.extra else ""))
+    print("%d cells, seeds %d to %d, %s" % (args.cells, args.first_seed, args.first_seed + args.seeds - 1,
+                                            ("options " + " ".join(options)) if options else "defaults"))
     print("%-14s %22s %22s %8s  %s" % ("", "exact mean +- sd", "fast mean +- sd", "diff/sd", "verdict"))
     disagree = 0
     for key in results["exact"][0]:
@@ -114,6 +124,27 @@ def main():
     em, es = mean_sd(seconds["exact"])
     fm, fs = mean_sd(seconds["fast"])
     print("%-14s %12.1f +- %7.1f %12.1f +- %7.1f" % ("seconds", em, es, fm, fs))
+    sys.stdout.flush()
+    return disagree
+
+
+def main():
+    ap = argparse.ArgumentParser()
+    ap.add_argument("--batch", default="build/dla3d-batch")
+    ap.add_argument("--cells", type=int, default=100000)
+    ap.add_argument("--seeds", type=int, default=10)
+    ap.add_argument("--first-seed", type=int, default=1)
+    ap.add_argument("--setting", action="append", metavar="OPTIONS",
+                    help='dla3d-batch options of one table (default: the defaults, then "--bias 0")')
+    ap.add_argument("extra", nargs="*", help="further dla3d-batch options for every run, after --")
+    args = ap.parse_args()
+
+    settings = args.setting if args.setting is not None else ["", "--bias 0"]
+    disagree = 0
+    for k, setting in enumerate(settings):
+        if k:
+            print()
+        disagree += compare(args, setting.split())
     return 1 if disagree else 0
 
 

@@ -20,6 +20,10 @@ static void ClearState(void) {
   cells.clear();
   ncells = 0;
   cellsrevision++;  // the search index rebuilds
+  // The fast walk's unsettled shares belong to the cells just cleared; the
+  // rebuild would add them to the next aggregate's.
+  searchindex.owed.clear();
+  searchindex.owing = 0;
   roots.clear();
   memset(seeds, 0, sizeof(seeds));
   nseeds = 0;

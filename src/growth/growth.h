@@ -2,7 +2,8 @@
 #ifndef DLA_GROWTH_GROWTH_H
 #define DLA_GROWTH_GROWTH_H
 
-#include <stdio.h>  // FILE
+#include <limits.h>  // INT_MAX
+#include <stdio.h>   // FILE
 
 #include "app/records.h"
 #include "lib/vector.h"
@@ -44,6 +45,16 @@ XYZ GetNewParticle(int sourcetype, double r);
 // a run that stops growing can say which one holds it back.
 enum { VETO_BRANCH, VETO_SURFACE, VETO_GAP, NVETOES };
 extern long long growthvetoes[NVETOES];
+
+// lifespan with its place in the life kept (the same remainder modulo
+// GROWTH_LIFESPAN) but at most INT_MAX - GROWTH_LIFESPAN and not negative,
+// so that the rest of a life can be counted on it without overflow: a
+// particle that never sticks counts past INT_MAX.
+inline int FoldLifespan(int lifespan) {
+  if (lifespan >= 0 && lifespan <= INT_MAX - GROWTH_LIFESPAN) return lifespan;
+  int r = lifespan % GROWTH_LIFESPAN;
+  return r < 0 ? r + GROWTH_LIFESPAN : r;
+}
 
 // One step of the wandering particle: release, random step, drift, swirl,
 // search, stickiness, the three vetoes, and on success a new cell.

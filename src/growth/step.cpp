@@ -1,4 +1,3 @@
-#include <limits.h>  // INT_MAX
 #include <math.h>    // fabs()
 #include <stdio.h>   // fwrite()
 #include <string.h>  // strlen()
@@ -342,10 +341,8 @@ void IterateSystem(void) {
   GROWTHSTATE &g = growthstate;
 
   // 1. Release a new particle at the start of every life span.
+  g.lifespan = FoldLifespan(g.lifespan);
   if (g.lifespan % GROWTH_LIFESPAN == 0) {
-    // A particle that never sticks would carry the count past INT_MAX; it
-    // starts again from 0 at a release, so lives still last 10000 steps.
-    if (g.lifespan > INT_MAX - GROWTH_LIFESPAN) g.lifespan = 0;
     g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
     seeds[nseeds % NSEEDS] = g.particle;
     nseeds++;
@@ -381,7 +378,7 @@ long IterateExactSteps(long n) {
   XYZ centre = s.centre;
   double safe2 = s.safe2;
   XYZ p = g.particle;
-  int lifespan = g.lifespan;
+  int lifespan = FoldLifespan(g.lifespan);  // the loop ends at the next multiple
   long k = 0;
   while (k < n && lifespan % GROWTH_LIFESPAN != 0) {
     XYZ q = p;

@@ -78,10 +78,14 @@ static double ExitTime(double kappa) {
   }
 }
 
-// A unit vector with density exp(kappa cos theta) about the unit axis a.
+// A unit vector with density exp(kappa cos theta) about the unit axis a;
+// uniform on the sphere for kappa up to 1e-8, whatever a is (with no drift
+// it is zero).
 static XYZ VonMisesFisher(XYZ a, double kappa) {
+  int drifting = kappa > 1e-8;
+  if (!drifting) a = XYZ{0, 0, 1};
   double u = WalkUniform();
-  double w = kappa > 1e-8 ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
+  double w = drifting ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
   if (w < -1) w = -1;
   if (w > 1) w = 1;
   XYZ other = {0, 0, 0};
@@ -166,6 +170,7 @@ static double BallRoom(XYZ p) {
 int Jump(long most, JUMP *jump) {
   GROWTHSTATE &g = growthstate;
   if (growthsearch != SEARCH_INDEX || (int)cells.size() < g.nroots) return 0;
+  if (g.lifespan % GROWTH_LIFESPAN == 0) return 0;  // a new particle is due first
   if (!SearchIndexCurrent()) SyncSearchIndex();
   if (!searchindex.valid) return 0;
   double bl = g.branchlength, variance = bl * bl / 3;
@@ -189,13 +194,16 @@ int Jump(long most, JUMP *jump) {
   double tau = ExitTime(kappa);
   double exact = tau * d * d / variance;
   long steps = exact < 1 ? 1 : exact > 1e12 ? (long)1e12 : (long)(exact + 0.5);
-  long life = GROWTH_LIFESPAN - g.lifespan % GROWTH_LIFESPAN;
+  // The steps counted below never pass the end of the life, life at most
+  // GROWTH_LIFESPAN: on a folded count they fit an int.
+  int lifespan = FoldLifespan(g.lifespan);
+  long life = GROWTH_LIFESPAN - lifespan % GROWTH_LIFESPAN;
   jump->radius = d;
   jump->from = p;
   jump->died = 0;
   if (steps >= life && life <= most) {
     // The life span ends inside the sphere, where nothing can happen.
-    g.lifespan += (int)life;
+    g.lifespan = lifespan + (int)life;
     jump->steps = life;
     jump->died = 1;
     jump->to = p;
@@ -204,13 +212,13 @@ int Jump(long most, JUMP *jump) {
   if (steps > most) return 0;
   if (spin > 0 && d + spin * steps > IndexClearance(p)) return 0;  // a rare long one
 
-  XYZ axis = m;
+  XYZ axis = m;  // zero with no drift (bias 0, no roots)
   if (drift > 0) {
     axis.x /= drift;
     axis.y /= drift;
     axis.z /= drift;
   }
-  XYZ dir = VonMisesFisher(axis, drift > 0 ? kappa : 0);
+  XYZ dir = VonMisesFisher(axis, kappa);
   XYZ q = {p.x + d * dir.x, p.y + d * dir.y, p.z + d * dir.z};
   // The release sphere turns the steps that would leave it back: a point
   // beyond it is reflected inwards, which brings it no farther from p.
@@ -226,7 +234,7 @@ int Jump(long most, JUMP *jump) {
     q = ArbitraryRotate(q, steps * angle, zaxis);
   }
   g.particle = q;
-  g.lifespan += (int)steps;
+  g.lifespan = lifespan + (int)steps;  // steps < life here
   jump->steps = steps;
   jump->to = q;
   return 1;

@@ -28,7 +28,8 @@ struct JUMP {
 // One jump of the particle in growthstate when the index proves a sphere of
 // at least WALK_MINJUMP branch lengths free of cells and inside the release
 // sphere, standing for at most most steps. Returns 1 and fills *jump (the
-// particle moved, lifespan counted the steps) or 0 when no jump was made.
+// particle moved, lifespan counted the steps) or 0 when no jump was made
+// (also when a new particle is due: lifespan a multiple of GROWTH_LIFESPAN).
 int Jump(long most, JUMP *jump);
 
 // At most n growth steps (at least one when n > 0) of the fast walk, a jump

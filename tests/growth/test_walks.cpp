@@ -1,9 +1,12 @@
 // The walk: runs of steps owing rand draws across changes made between
 // them, jumps across space the index proves empty, and the batch program's
 // choice between the two walks.
+#include <limits.h>  // INT_MAX
+
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
+#include "growth/random.h"
 #include "growth/walk.h"
 #include "surface/samples.h"
 #include "test_util.h"
@@ -96,6 +99,70 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
   EXPECT_GT(died, 0);
 }
 
+// With no drift a jump must land on a uniformly random point of its sphere,
+// drawn from the walk's own generator; with the swirl alone the point is then
+// turned about the z axis by the steps' angle. (A zero drift once gave a zero
+// direction: the particle never moved, or only turned.)
+TEST_F(Walks, ADriftlessJumpLandsUniformlyOnItsSphere) {
+  for (double rotation : {0.0, 0.5}) {
+    StartGrowth("--bias 0 --walk fast --seed 5 --rotation " + std::to_string(rotation));
+    GROWTHSTATE &g = growthstate;
+    g.radius = 40;  // spheres well inside the release sphere: no reflection
+    const XYZ from = V(10, 5, -3), zaxis = V(0, 0, 1);
+    uint64_t drand48before = drand48state;
+    int n = 0;
+    double mean[3] = {0, 0, 0}, square[3] = {0, 0, 0};
+    for (int k = 0; k < 4000 && n < 3000; k++) {
+      g.particle = from;
+      g.lifespan = 1;
+      JUMP jump;
+      if (!Jump(1 << 20, &jump)) continue;  // a swirled jump too long for its room
+      ASSERT_FALSE(jump.died) << rotation;
+      ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << rotation;
+      XYZ to = ArbitraryRotate(jump.to, -jump.steps * rotation * DTOR, zaxis);
+      ASSERT_NEAR(VectorLength(to, from), jump.radius, 1e-9 * jump.radius) << rotation << ", jump " << k;
+      double d[3] = {to.x - from.x, to.y - from.y, to.z - from.z};
+      for (int i = 0; i < 3; i++) {
+        mean[i] += d[i] / jump.radius;
+        square[i] += d[i] * d[i] / (jump.radius * jump.radius);
+      }
+      n++;
+    }
+    ASSERT_EQ(n, 3000) << rotation;
+    // Uniform directions: mean 0 (sd 0.011 here), each coordinate's square 1/3 (sd 0.005).
+    for (int i = 0; i < 3; i++) {
+      EXPECT_NEAR(mean[i] / n, 0, 0.05) << rotation << ", coordinate " << i;
+      EXPECT_NEAR(square[i] / n, 1.0 / 3, 0.03) << rotation << ", coordinate " << i;
+    }
+    EXPECT_EQ(drand48state, drand48before);
+  }
+}
+
+// Fast runs with no drift must reach their count: pure DLA, no roots.
+TEST_F(Walks, FastRunsWithoutDriftGrow) {
+  const struct {
+    const char *options;
+    int cells;
+  } runs[] = {{"--bias 0", 20000}, {"--roots 0", 2000}};
+  for (auto &r : runs) {
+    StartGrowth(std::string(r.options) + " --walk fast --seed 7");
+    // The exact walk takes about 1e7 steps for 20000 cells at bias 0.
+    for (long steps = 0; steps < 100000000 && ncells < r.cells;) steps += IterateSystemSteps(1 << 20);
+    EXPECT_EQ(ncells, r.cells) << r.options;
+  }
+}
+
+// The fast walk owes its shares until they are settled; a reset must drop
+// them, or the next aggregate's root starts with the old one's weight.
+TEST_F(Walks, AResetDropsTheFastWalksUnsettledShares) {
+  StartGrowth("--walk fast --seed 7");
+  for (long steps = 0; steps < 10000000 && ncells < 300;) steps += IterateSystemSteps(1 << 20);
+  ASSERT_EQ(ncells, 300);
+  ResetProgram();
+  SyncSearchIndex();
+  EXPECT_EQ(cells[0].weight, 0);
+}
+
 // The fast walk needs the index; the jumps draw from their own numbers, seeded from --seed.
 TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   std::string err;
@@ -118,25 +185,32 @@ TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   EXPECT_NE(fast, exact);
 }
 
-// A particle that never sticks counts its steps on past INT_MAX: the
+// A particle that never sticks counts its steps on past INT_MAX: the count
+// must not overflow (UBSan reports it in the sanitizer build) and the
 // replacements must still come every 10000 steps in both walks.
 TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
-  for (int walk : {WALK_EXACT, WALK_FAST}) {
-    ResetProgram();
-    growthwalk = walk;
-    growthstate.stickiness = 0;
-    IterateSystemSteps(1);
-    growthstate.lifespan = 2147479997;  // 3 steps before the last release below INT_MAX
-    std::vector<long> releases;
-    for (long steps = 0; releases.size() < 3;) {
-      int before = nseeds;
-      long k = IterateSystemSteps(1000);
-      if (nseeds != before) releases.push_back(steps);
-      steps += k;
+  const struct {
+    int lifespan;
+    long first;  // steps to the next multiple of 10000
+  } starts[] = {{2147479997, 3}, {2147480000, 0}, {INT_MAX, 6353}, {INT_MAX - 1, 6354}};
+  for (int walk : {WALK_EXACT, WALK_FAST})
+    for (auto &s : starts) {
+      ResetProgram();
+      growthwalk = walk;
+      growthstate.stickiness = 0;
+      IterateSystemSteps(1);
+      growthstate.lifespan = s.lifespan;
+      std::vector<long> releases;
+      for (long steps = 0; releases.size() < 3;) {
+        int before = nseeds;
+        long k = IterateSystemSteps(1000);
+        if (nseeds != before) releases.push_back(steps);
+        steps += k;
+        ASSERT_GE(growthstate.lifespan, 0) << "walk " << walk << ", from " << s.lifespan;
+      }
+      EXPECT_EQ(releases, (std::vector<long>{s.first, s.first + 10000, s.first + 20000}))
+          << "walk " << walk << ", from " << s.lifespan;
     }
-    EXPECT_EQ(releases, (std::vector<long>{3, 10003, 20003})) << "walk " << walk;
-    EXPECT_GE(growthstate.lifespan, 0);
-  }
 }
 
 // A cell beyond the distance fields' first directory is kept in a hash
