@@ -21,7 +21,7 @@ test=0
 if [ $test = 1 ]; then
   packages+=(
     mesa-utils xvfb xauth xdotool x11-utils x11-apps xfonts-base xfonts-75dpi
-    imagemagick python3 python3-pil
+    imagemagick python3 python3-pil parallel
     povray view3dscene admesh assimp-utils python3-ezdxf openscad
     blender python3-numpy python3-vtk9 meshlab
     clang libclang-rt-14-dev
