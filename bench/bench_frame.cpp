@@ -19,7 +19,7 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "gl/view/scene.h"
 #include "growth/growth.h"
 #include "lib/vector.h"
@@ -27,41 +27,41 @@
 
 // The first n cells of a CSV written by dla3d-batch --csv, weights as they
 // are there. Returns the radius; exits when the file holds fewer cells.
-static double ReadAggregate(const char *path, int n) {
+static double ReadAggregate(SIMULATION &sim, const char *path, int n) {
   FILE *fp = fopen(path, "r");
   if (fp == NULL || fscanf(fp, "%*[^\n]\n") != 0) {
     fprintf(stderr, "cannot read %s\n", path);
     exit(1);
   }
-  ncells = 0;
+  sim.ncells = 0;
   double radius = 0, maxweight = 0;
   int index, parent;
   XYZ p;
   double w;
-  while (ncells < n && fscanf(fp, "%d,%d,%lf,%lf,%lf,%lf\n", &index, &parent, &p.x, &p.y, &p.z, &w) == 6) {
-    AppendCell(p, w, parent);
+  while (sim.ncells < n && fscanf(fp, "%d,%d,%lf,%lf,%lf,%lf\n", &index, &parent, &p.x, &p.y, &p.z, &w) == 6) {
+    AppendCell(sim, p, w, parent);
     if (Modulus(p) > radius) radius = Modulus(p);
     if (w > maxweight) maxweight = w;
   }
   fclose(fp);
-  if (ncells < n) {
-    fprintf(stderr, "%s holds %d cells, not %d\n", path, ncells, n);
+  if (sim.ncells < n) {
+    fprintf(stderr, "%s holds %d cells, not %d\n", path, sim.ncells, n);
     exit(1);
   }
-  growthstate.maxweight = maxweight;
-  growthstate.radius = radius;
+  sim.growthstate.maxweight = maxweight;
+  sim.growthstate.radius = radius;
   return radius;
 }
 
 // The view of the frames: the window's home camera for a real aggregate,
 // else from outside the synthetic one.
-static void View(double radius) {
+static void View(SIMULATION &sim, double radius) {
   if (getenv("BENCH_CSV")) {
-    ForgetCameraHome();
-    CameraHome();
-    FrameCamera();
-    EYEVIEW view = EyeView(EYE_MONO);
-    LookThrough(&view);
+    ForgetCameraHome(sim);
+    CameraHome(sim);
+    FrameCamera(sim);
+    EYEVIEW view = EyeView(sim, EYE_MONO);
+    LookThrough(sim, &view);
     return;
   }
   glViewport(0, 0, 800, 600);
@@ -76,48 +76,49 @@ static void View(double radius) {
 // A random tree of n cells with unit branches: each new cell hangs off a
 // random earlier one, and weights count descendants, as growth would have
 // them rise towards the root. Returns the radius.
-static double BuildAggregate(int n) {
-  SetOptionDefaults();
-  InitialiseGrowth();  // the growth defaults and one root at the origin
-  if (getenv("BENCH_CSV")) return ReadAggregate(getenv("BENCH_CSV"), n);
+static double BuildAggregate(SIMULATION &sim, int n) {
+  SetOptionDefaults(sim);
+  InitialiseGrowth(sim);  // the growth defaults and one root at the origin
+  if (getenv("BENCH_CSV")) return ReadAggregate(sim, getenv("BENCH_CSV"), n);
   srand48(1);
   double radius = 0;
   for (int i = 1; i < n; i++) {
     int parent = (int)(drand48() * i);
     XYZ d = {drand48() - 0.5, drand48() - 0.5, drand48() - 0.5};
     Normalise(&d);
-    XYZ p = cells[parent].p;
+    XYZ p = sim.cells[parent].p;
     p.x += d.x;
     p.y += d.y;
     p.z += d.z;
-    AppendCell(p, 0, parent);
+    AppendCell(sim, p, 0, parent);
     if (Modulus(p) > radius) radius = Modulus(p);
   }
   double maxweight = 0;
-  for (int i = ncells - 1; i > 0; i--) {
-    int j = cells[i].parent;
-    cells[j].weight += cells[i].weight + 1;
-    if (cells[j].weight > maxweight) maxweight = cells[j].weight;
+  for (int i = sim.ncells - 1; i > 0; i--) {
+    int j = sim.cells[i].parent;
+    sim.cells[j].weight += sim.cells[i].weight + 1;
+    if (sim.cells[j].weight > maxweight) maxweight = sim.cells[j].weight;
   }
-  growthstate.maxweight = maxweight;
-  growthstate.radius = radius;
+  sim.growthstate.maxweight = maxweight;
+  sim.growthstate.radius = radius;
   return radius;
 }
 
 static void BM_DrawDLA(benchmark::State &state) {
+  SIMULATION sim;
   int mode = (int)state.range(0);
   int n = (int)state.range(1);
-  double radius = BuildAggregate(n);
+  double radius = BuildAggregate(sim, n);
   drawimmediate = (int)state.range(2);
-  View(radius);
+  View(sim, radius);
 
   // The arrays are converted once, as the cells arrive; a frame then only
   // works out the colours and draws.
-  DrawDLA(mode);
+  DrawDLA(sim, mode);
   glFinish();
   for (auto _ : state) {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    DrawDLA(mode);
+    DrawDLA(sim, mode);
     glFinish();
   }
   drawimmediate = 0;
@@ -144,35 +145,36 @@ BENCHMARK(BM_DrawDLA)
 // cells a frame, each hung off a random cell with the weights of its
 // ancestors raised by 1/depth and maxweight with them. Each frame then
 // appends, works out every colour again (maxweight moved) and uploads them.
-static void GrowBetweenFrames(int k) {
+static void GrowBetweenFrames(SIMULATION &sim, int k) {
   for (int c = 0; c < k; c++) {
-    int parent = 1 + (int)(drand48() * (ncells - 1));
-    XYZ p = cells[parent].p;
+    int parent = 1 + (int)(drand48() * (sim.ncells - 1));
+    XYZ p = sim.cells[parent].p;
     p.x += 0.5;
-    AppendCell(p, 0, parent);
+    AppendCell(sim, p, 0, parent);
     int d = 1;
-    for (int j = parent; j > 0; j = cells[j].parent) d++;
-    for (int j = parent; j >= 0; j = cells[j].parent) {
-      cells[j].weight += 1.0 / d;
-      if (cells[j].weight > growthstate.maxweight) growthstate.maxweight = cells[j].weight;
+    for (int j = parent; j > 0; j = sim.cells[j].parent) d++;
+    for (int j = parent; j >= 0; j = sim.cells[j].parent) {
+      sim.cells[j].weight += 1.0 / d;
+      if (sim.cells[j].weight > sim.growthstate.maxweight) sim.growthstate.maxweight = sim.cells[j].weight;
     }
   }
 }
 
 static void BM_GrowingFrame(benchmark::State &state) {
+  SIMULATION sim;
   int mode = (int)state.range(0);
   int n = (int)state.range(1);
-  double radius = BuildAggregate(n);
-  View(radius);
-  DrawDLA(mode);
+  double radius = BuildAggregate(sim, n);
+  View(sim, radius);
+  DrawDLA(sim, mode);
   glFinish();
   srand48(2);
   for (auto _ : state) {
     state.PauseTiming();
-    GrowBetweenFrames(100);
+    GrowBetweenFrames(sim, 100);
     state.ResumeTiming();
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    DrawDLA(mode);
+    DrawDLA(sim, mode);
     glFinish();
   }
   state.counters["cells"] = n;
@@ -188,13 +190,14 @@ BENCHMARK(BM_GrowingFrame)
 // of every line kept after maxweight moved (the vertices are already up to
 // date).
 static void BM_DLAColours(benchmark::State &state) {
+  SIMULATION sim;
   int mode = (int)state.range(0);
   int n = (int)state.range(1);
-  View(BuildAggregate(n));  // the lines kept depend on the view
-  UpdateDLAArrays(mode);
+  View(sim, BuildAggregate(sim, n));  // the lines kept depend on the view
+  UpdateDLAArrays(sim, mode);
   for (auto _ : state) {
-    growthstate.maxweight += 1e-9;  // every colour again, as while growing
-    UpdateDLAArrays(mode);
+    sim.growthstate.maxweight += 1e-9;  // every colour again, as while growing
+    UpdateDLAArrays(sim, mode);
   }
   state.counters["cells"] = n;
 }
@@ -210,12 +213,13 @@ BENCHMARK(BM_DLAColours)
 // after a restart: a change of the storage other than an append forces the
 // rebuild.
 static void BM_DLARebuild(benchmark::State &state) {
+  SIMULATION sim;
   int n = (int)state.range(0);
-  View(BuildAggregate(n));
-  UpdateDLAArrays(DLADRAW_LINES);
+  View(sim, BuildAggregate(sim, n));
+  UpdateDLAArrays(sim, DLADRAW_LINES);
   for (auto _ : state) {
-    cellsrevision++;
-    UpdateDLAArrays(DLADRAW_LINES);
+    sim.cellsrevision++;
+    UpdateDLAArrays(sim, DLADRAW_LINES);
   }
   state.counters["cells"] = n;
 }

@@ -5,62 +5,64 @@
 
 #include <random>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "export/statistics.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 
-static void FreshRun(void) {
-  SetOptionDefaults();
-  InitialiseGrowth();
-  SetGrowthDefaults();
-  nstltri = 0;
-  UpdateSTL();
-  InitialiseGrowth();
-  ResetSeeds();
+static void FreshRun(SIMULATION &sim) {
+  SetOptionDefaults(sim);
+  InitialiseGrowth(sim);
+  SetGrowthDefaults(sim);
+  sim.nstltri = 0;
+  UpdateSTL(sim);
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
 }
 
 // A branching tree grown outward by random unit steps from random cells:
 // growing a real aggregate of 100,000 cells with the plain scan takes hours.
 // Its own generator, so the growth generators are left alone.
-static void SyntheticAggregate(int n) {
-  FreshRun();
+static void SyntheticAggregate(SIMULATION &sim, int n) {
+  FreshRun(sim);
   std::mt19937 gen(7);
   std::uniform_real_distribution<double> uni(-1, 1);
-  while (ncells < n) {
-    int from = std::uniform_int_distribution<int>(0, ncells - 1)(gen);
-    XYZ p = cells[from].p;
-    for (int k = 0; k < 10 && ncells < n; k++) {  // a short branch
+  while (sim.ncells < n) {
+    int from = std::uniform_int_distribution<int>(0, sim.ncells - 1)(gen);
+    XYZ p = sim.cells[from].p;
+    for (int k = 0; k < 10 && sim.ncells < n; k++) {  // a short branch
       XYZ out = p;
       Normalise(&out);
       XYZ d = {0.8 * out.x + uni(gen), 0.8 * out.y + uni(gen), 0.8 * out.z + uni(gen)};
       Normalise(&d);
       XYZ q = {p.x + d.x, p.y + d.y, p.z + d.z};
-      AppendCell(q, 0, k == 0 ? from : ncells - 1);
+      AppendCell(sim, q, 0, k == 0 ? from : sim.ncells - 1);
       p = q;
     }
   }
-  double radius = growthstate.radius;
-  for (int i = 0; i < ncells; i++)
-    if (Modulus(cells[i].p) > radius) radius = Modulus(cells[i].p);
-  growthstate.radius = radius;
+  double radius = sim.growthstate.radius;
+  for (int i = 0; i < sim.ncells; i++)
+    if (Modulus(sim.cells[i].p) > radius) radius = Modulus(sim.cells[i].p);
+  sim.growthstate.radius = radius;
 }
 
 static void BM_Steps(benchmark::State &state) {
-  SyntheticAggregate((int)state.range(0));
-  for (auto _ : state) IterateSystem();
+  SIMULATION sim;
+  SyntheticAggregate(sim, (int)state.range(0));
+  for (auto _ : state) IterateSystem(sim);
   state.SetItemsProcessed(state.iterations());
-  state.counters["radius"] = growthstate.radius;
-  state.counters["cells"] = ncells;
+  state.counters["radius"] = sim.growthstate.radius;
+  state.counters["cells"] = sim.ncells;
 }
 BENCHMARK(BM_Steps)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
 static void BM_GrowTo10000(benchmark::State &state) {
+  SIMULATION sim;
   long long steps = 0;
   for (auto _ : state) {
-    FreshRun();
-    while (ncells < 10000) {
-      IterateSystem();
+    FreshRun(sim);
+    while (sim.ncells < 10000) {
+      IterateSystem(sim);
       steps++;
     }
   }
@@ -72,10 +74,11 @@ BENCHMARK(BM_GrowTo10000)->Iterations(1)->Unit(benchmark::kSecond);
 // A whole statistics run (branch distribution and every box level) on a
 // synthetic aggregate.
 static void BM_Statistics(benchmark::State &state) {
-  SyntheticAggregate((int)state.range(0));
-  for (auto _ : state) RunStatisticsToCompletion();
-  state.counters["levels"] = boxcountstate.depth;
-  state.counters["radius"] = growthstate.radius;
+  SIMULATION sim;
+  SyntheticAggregate(sim, (int)state.range(0));
+  for (auto _ : state) RunStatisticsToCompletion(sim);
+  state.counters["levels"] = sim.boxcountstate.depth;
+  state.counters["radius"] = sim.growthstate.radius;
 }
 BENCHMARK(BM_Statistics)->Arg(10000)->Arg(100000)->Arg(1000000)->Iterations(1)->Unit(benchmark::kMillisecond);
 

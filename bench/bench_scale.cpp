@@ -7,7 +7,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "batch/batch.h"
 #include "growth/growth.h"
 #include "growth/index.h"
@@ -18,36 +18,38 @@ namespace {
 
 // One aggregate grown with the default settings, kept between benchmarks so
 // that 10,000, 100,000 and 1,000,000 cells are grown only once.
-void GrowTo(int n) {
+void GrowTo(SIMULATION &sim, int n) {
   static int started = 0;
   if (!started) {
     started = 1;
-    SetOptionDefaults();
-    InitialiseGrowth();
-    InitialiseGrowth();
-    ResetSeeds();
+    SetOptionDefaults(sim);
+    InitialiseGrowth(sim);
+    InitialiseGrowth(sim);
+    ResetSeeds(sim);
   }
-  growthsearch = SEARCH_INDEX;
-  while (ncells < n) IterateSystemSteps(1 << 20);
+  sim.growthsearch = SEARCH_INDEX;
+  while (sim.ncells < n) IterateSystemSteps(sim, 1 << 20);
 }
 
 void BM_Step(benchmark::State &state) {
-  GrowTo((int)state.range(0));
-  for (auto _ : state) IterateSystem();
+  SIMULATION sim;
+  GrowTo(sim, (int)state.range(0));
+  for (auto _ : state) IterateSystem(sim);
   state.SetItemsProcessed(state.iterations());
-  state.counters["cells"] = ncells;
+  state.counters["cells"] = sim.ncells;
 }
 
 // The same steps taken in runs, as the batch program and the idle loop
 // take them: per step.
 void BM_StepRuns(benchmark::State &state) {
-  GrowTo((int)state.range(0));
+  SIMULATION sim;
+  GrowTo(sim, (int)state.range(0));
   long steps = 0;
-  for (auto _ : state) steps += IterateSystemSteps(1000);
+  for (auto _ : state) steps += IterateSystemSteps(sim, 1000);
   state.SetItemsProcessed(steps);
   state.counters["ns_per_step"] =
       benchmark::Counter((double)steps, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["cells"] = ncells;
+  state.counters["cells"] = sim.ncells;
 }
 
 // Size by size, both ways, before the aggregate grows on.
@@ -64,12 +66,13 @@ BENCHMARK(BM_StepRuns)->Arg(1000000)->Iterations(20000);
 // starts where the drift left the particle, so each step waits for the
 // previous one's square root and divisions; a floor that let steps overlap
 // would not be this step's floor. No search, no bookkeeping.
-static void StepFloor(benchmark::State &state, double (*Uniform)(void), int (*Integer)(void)) {
+static void StepFloor(benchmark::State &state, double (*Uniform)(GROWTHRANDOM &), int (*Integer)(GROWTHRANDOM &),
+                      GROWTHRANDOM &r) {
   XYZ p = {1, 2, 3}, root = {0, 0, 0};
   double bl = 1, radius = 100, b = 0.1 * 0.01 * bl;
   for (auto _ : state) {
     XYZ q = p;
-    XYZ u = {Uniform() - 0.5, Uniform() - 0.5, Uniform() - 0.5};
+    XYZ u = {Uniform(r) - 0.5, Uniform(r) - 0.5, Uniform(r) - 0.5};
     Normalise(&u);
     p.x += bl * u.x;
     p.y += bl * u.y;
@@ -78,33 +81,35 @@ static void StepFloor(benchmark::State &state, double (*Uniform)(void), int (*In
       p = q;
       continue;
     }
-    int k = Integer() % 1 + Integer() % 1 + Integer() % 1;
+    int k = Integer(r) % 1 + Integer(r) % 1 + Integer(r) % 1;
     XYZ v = {root.x + k - p.x, root.y - p.y, root.z - p.z};
     Normalise(&v);
     p.x -= b * v.x;
     p.y -= b * v.y;
     p.z -= b * v.z;
-    double r = Uniform();
-    benchmark::DoNotOptimize(r);
+    double u2 = Uniform(r);
+    benchmark::DoNotOptimize(u2);
   }
   benchmark::DoNotOptimize(p);
   state.SetItemsProcessed(state.iterations());
 }
 
-double Drand48(void) { return drand48(); }
-int Rand(void) { return rand(); }
+double Drand48(GROWTHRANDOM &) { return drand48(); }
+int Rand(GROWTHRANDOM &) { return rand(); }
 
 void BM_StepFloor(benchmark::State &state) {
-  SeedGrowthRandom(12345);
-  StepFloor(state, GrowthDrand48, GrowthRand);
+  SIMULATION sim;
+  SeedGrowthRandom(sim.random, 12345);
+  StepFloor(state, GrowthDrand48, GrowthRand, sim.random);
 }
 BENCHMARK(BM_StepFloor);
 
 // The same floor drawn from the library, for comparison.
 void BM_StepFloorLibc(benchmark::State &state) {
+  SIMULATION sim;
   srand48(12345);
   srand(12345);
-  StepFloor(state, Drand48, Rand);
+  StepFloor(state, Drand48, Rand, sim.random);
 }
 BENCHMARK(BM_StepFloorLibc);
 
@@ -113,11 +118,12 @@ BENCHMARK(BM_StepFloorLibc);
 // position's own chain left: step, squared length, square root, division,
 // drift. 8.4 billion steps of it are the least a million cells can cost.
 void BM_StepChain(benchmark::State &state) {
+  SIMULATION sim;
   const int n = 1 << 16;
   static XYZ u[n];
-  SeedGrowthRandom(12345);
+  SeedGrowthRandom(sim.random, 12345);
   for (int i = 0; i < n; i++) {
-    u[i] = {GrowthDrand48() - 0.5, GrowthDrand48() - 0.5, GrowthDrand48() - 0.5};
+    u[i] = {GrowthDrand48(sim.random) - 0.5, GrowthDrand48(sim.random) - 0.5, GrowthDrand48(sim.random) - 0.5};
     Normalise(&u[i]);
   }
   XYZ p = {1, 2, 3};
@@ -147,6 +153,7 @@ BENCHMARK(BM_StepChain);
 // dla3d-batch --cells N [--search scan] [--walk fast], default settings,
 // one root.
 void BM_Batch(benchmark::State &state) {
+  SIMULATION sim;
   for (auto _ : state) {
     static BATCHRUN run;
     char cells[32];
@@ -154,12 +161,12 @@ void BM_Batch(benchmark::State &state) {
     char *argv[] = {(char *)"dla3d-batch", (char *)"--no-progress", (char *)"--cells", cells,
                     (char *)"--search", (char *)(state.range(1) ? "scan" : "index"),
                     (char *)"--walk", (char *)(state.range(2) ? "fast" : "exact")};
-    if (ParseBatchOptions(8, argv, &run, stderr) != BATCH_OK || RunBatch(&run, stderr) != BATCH_OK)
+    if (ParseBatchOptions(8, argv, &run, stderr) != BATCH_OK || RunBatch(sim, &run, stderr) != BATCH_OK)
       state.SkipWithError("batch run failed");
   }
-  state.counters["cells"] = ncells;
-  growthsearch = SEARCH_INDEX;
-  growthwalk = WALK_EXACT;
+  state.counters["cells"] = sim.ncells;
+  sim.growthsearch = SEARCH_INDEX;
+  sim.growthwalk = WALK_EXACT;
 }
 BENCHMARK(BM_Batch)
     ->ArgNames({"cells", "scan", "fast"})

@@ -16,12 +16,15 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#include "app/records.h"
+#include "desktop/app/desktop.h"
+#include "app/simulation.h"
 #include "app/startup.h"
 #include "desktop/growth/idle.h"
 #include "desktop/view/display.h"
 #include "growth/growth.h"
 #include "lib/vector.h"
+
+SIMULATION sim;  // the window's simulation, as the desktop program holds it
 
 static double seconds;
 static int phase;           // 1 idle, no drawing; 2 idle and display
@@ -36,18 +39,18 @@ static double rates[3][3];  // steps/s, cells/s, frames/s per phase
 static void ReadAggregate(const char *path, int n) {
   FILE *fp = fopen(path, "r");
   if (fp == NULL || fscanf(fp, "%*[^\n]\n") != 0) exit(1);
-  ncells = 0;
+  sim.ncells = 0;
   int index, parent;
   XYZ p;
   double w, radius = 0, maxweight = 0;
-  while (ncells < n && fscanf(fp, "%d,%d,%lf,%lf,%lf,%lf\n", &index, &parent, &p.x, &p.y, &p.z, &w) == 6) {
-    AppendCell(p, w, parent);
+  while (sim.ncells < n && fscanf(fp, "%d,%d,%lf,%lf,%lf,%lf\n", &index, &parent, &p.x, &p.y, &p.z, &w) == 6) {
+    AppendCell(sim, p, w, parent);
     if (Modulus(p) > radius) radius = Modulus(p);
     if (w > maxweight) maxweight = w;
   }
   fclose(fp);
-  growthstate.radius = radius;
-  growthstate.maxweight = maxweight;
+  sim.growthstate.radius = radius;
+  sim.growthstate.maxweight = maxweight;
 }
 
 static void Report(int k, const char *what, double steps, double elapsed, int cells) {
@@ -55,7 +58,7 @@ static void Report(int k, const char *what, double steps, double elapsed, int ce
   rates[k][1] = cells / elapsed;
   rates[k][2] = frames / elapsed;
   printf("%-34s %10.0f steps/s %8.1f cells/s %6.1f frames/s %6.1f ms a display (%d cells at the end)\n", what,
-         rates[k][0], rates[k][1], rates[k][2], frames ? 1000 * displaytime / frames : 0.0, ncells);
+         rates[k][0], rates[k][1], rates[k][2], frames ? 1000 * displaytime / frames : 0.0, sim.ncells);
   fflush(stdout);
 }
 
@@ -74,10 +77,10 @@ static void CountedIdle(void) {
   double now = GetRunTime();
   if (now - phasestart < seconds) return;
   if (phase == 1) {
-    Report(1, "idle driver, display draws nothing", 100.0 * idlecalls, now - phasestart, ncells - cellsatstart);
+    Report(1, "idle driver, display draws nothing", 100.0 * idlecalls, now - phasestart, sim.ncells - cellsatstart);
     glutDisplayFunc(CountedDisplay);
   } else {
-    Report(2, "idle driver and display", 100.0 * idlecalls, now - phasestart, ncells - cellsatstart);
+    Report(2, "idle driver and display", 100.0 * idlecalls, now - phasestart, sim.ncells - cellsatstart);
     printf("window / batch: steps %.3f, cells %.3f\n", rates[2][0] / rates[0][0], rates[2][1] / rates[0][1]);
     printf("window / idle without drawing: steps %.3f\n", rates[2][0] / rates[1][0]);
     exit(0);
@@ -86,7 +89,7 @@ static void CountedIdle(void) {
   idlecalls = 0;
   frames = 0;
   displaytime = 0;
-  cellsatstart = ncells;
+  cellsatstart = sim.ncells;
   phasestart = GetRunTime();
 }
 
@@ -97,35 +100,35 @@ int main(int argc, char **argv) {
     return 2;
   }
   seconds = atof(argv[3]);
-  ResetProgram();
+  ResetProgram(sim);
   ReadAggregate(argv[1], atoi(argv[2]));
 
   glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
-  glutInitWindowSize(camera.screenwidth, camera.screenheight);
+  glutInitWindowSize(sim.camera.screenwidth, sim.camera.screenheight);
   glutCreateWindow("Diffusion Limited Aggregation");
   glutDisplayFunc(NoDrawing);
   for (int i = 0; i < 10; i++) glutMainLoopEvent();
 
   // The first steps build the search index for the cells read: not timed.
-  int before = ncells;
-  while (ncells < before + 10) IterateSystemSteps(1 << 20);
+  int before = sim.ncells;
+  while (sim.ncells < before + 10) IterateSystemSteps(sim, 1 << 20);
   // BENCH_DLADRAW=CODE draws the aggregate in another mode (1: off, to
   // time a frame of the extras and the information alone).
-  if (getenv("BENCH_DLADRAW")) options.dladrawmode = atoi(getenv("BENCH_DLADRAW"));
-  if (getenv("BENCH_INFO")) options.showinfo = atoi(getenv("BENCH_INFO"));
-  if (getenv("BENCH_EXTRAS")) options.showextras = atoi(getenv("BENCH_EXTRAS"));
-  if (getenv("BENCH_FRAMERATE")) options.framerate = atof(getenv("BENCH_FRAMERATE"));
+  if (getenv("BENCH_DLADRAW")) sim.options.dladrawmode = atoi(getenv("BENCH_DLADRAW"));
+  if (getenv("BENCH_INFO")) sim.options.showinfo = atoi(getenv("BENCH_INFO"));
+  if (getenv("BENCH_EXTRAS")) sim.options.showextras = atoi(getenv("BENCH_EXTRAS"));
+  if (getenv("BENCH_FRAMERATE")) sim.options.framerate = atof(getenv("BENCH_FRAMERATE"));
 
   // Phase 0: the batch program's loop (runs of steps; the cell count seen
   // after each stuck particle).
   double start = GetRunTime();
-  cellsatstart = ncells;
+  cellsatstart = sim.ncells;
   long long steps = 0;
-  while (GetRunTime() - start < seconds) steps += IterateSystemSteps(1 << 20);
-  Report(0, "batch loop", (double)steps, GetRunTime() - start, ncells - cellsatstart);
+  while (GetRunTime() - start < seconds) steps += IterateSystemSteps(sim, 1 << 20);
+  Report(0, "batch loop", (double)steps, GetRunTime() - start, sim.ncells - cellsatstart);
 
   phase = 1;
-  cellsatstart = ncells;
+  cellsatstart = sim.ncells;
   phasestart = GetRunTime();
   glutIdleFunc(CountedIdle);
   glutMainLoop();

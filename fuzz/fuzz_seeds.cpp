@@ -2,7 +2,7 @@
 // roots it read: hostile roots (NaN, inf, 1e308) go straight into growth.
 #include <string.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "fuzz_common.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   // Every input starts from a fresh program.
   SetOptionDefaults();
   SetGrowthDefaults();
-  nstltri = 0;
+  sim.nstltri = 0;
   UpdateSTL();
   InitialiseGrowth();
   ResetSeeds();
@@ -31,19 +31,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
   if (ok) {
     // With the default distribution (origin) ResetSeeds renames the roots.
-    FUZZ_CHECK(!msg.set && strcmp(growthstate.rootname, "Origin") == 0);
+    FUZZ_CHECK(!msg.set && strcmp(sim.growthstate.rootname, "Origin") == 0);
     // Three numbers take at least three bytes and a separator each.
-    FUZZ_CHECK(growthstate.nroots >= 1 && (size_t)growthstate.nroots * 3 <= size);
-    FUZZ_CHECK(ncells == growthstate.nroots && (int)roots.size() >= growthstate.nroots);
-    for (int i = 0; i < ncells; i++) FUZZ_CHECK(cells[i].parent == -1 && cells[i].weight == 0);
+    FUZZ_CHECK(sim.growthstate.nroots >= 1 && (size_t)sim.growthstate.nroots * 3 <= size);
+    FUZZ_CHECK(sim.ncells == sim.growthstate.nroots && (int)sim.roots.size() >= sim.growthstate.nroots);
+    for (int i = 0; i < sim.ncells; i++) FUZZ_CHECK(sim.cells[i].parent == -1 && sim.cells[i].weight == 0);
   } else {
     FUZZ_CHECK(msg.set && !msg.fatal && strcmp(msg.line2, "Failed to read any root positions") == 0);
-    FUZZ_CHECK(growthstate.nroots == 1 && ncells == 1 && strcmp(growthstate.rootname, "Origin") == 0);
+    FUZZ_CHECK(sim.growthstate.nroots == 1 && sim.ncells == 1 && strcmp(sim.growthstate.rootname, "Origin") == 0);
   }
-  FUZZ_CHECK(growthstate.growing == 1);
+  FUZZ_CHECK(sim.growthstate.growing == 1);
 
   // A few steps of growth from these roots: bounded work, no crash.
   for (int i = 0; i < 64; i++) IterateSystem();
-  FUZZ_CHECK(ncells >= growthstate.nroots && ncells <= growthstate.nroots + 64);
+  FUZZ_CHECK(sim.ncells >= sim.growthstate.nroots && sim.ncells <= sim.growthstate.nroots + 64);
   return 0;
 }

@@ -4,7 +4,7 @@
 // give and that the surface is never larger than the file can hold.
 #include <string.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "fuzz_common.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
@@ -30,8 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     SetOptionDefaults();
     InitialiseGrowth();
   }
-  options.debug = 0;
-  options.stlswap = 0;
+  sim.options.debug = 0;
+  sim.options.stlswap = 0;
 
   std::vector<char> copy;
   FILE *fp = OpenInput(data, size, &copy);
@@ -40,8 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   int ok = ReadSTLStream(fp, "fuzz.stl", &msg);
   fclose(fp);
 
-  FUZZ_CHECK(nstltri >= 0 && (size_t)nstltri <= stltri.size());
-  FUZZ_CHECK(strcmp(growthstate.stlname, "None") == 0);
+  FUZZ_CHECK(sim.nstltri >= 0 && (size_t)sim.nstltri <= sim.stltri.size());
+  FUZZ_CHECK(strcmp(sim.growthstate.stlname, "None") == 0);
   if (ok) {
     FUZZ_CHECK(!msg.set);
   } else {
@@ -50,12 +50,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       FUZZ_CHECK(strcmp(msg.line2, "Error reading vertices in ascii STL file") == 0 ||
                  strcmp(msg.line2, "Failed to read an expected STL header") == 0);
     else
-      FUZZ_CHECK(strcmp(msg.line2, "Read an unexpected number of faces in STL header") == 0 && nstltri == 0);
+      FUZZ_CHECK(strcmp(msg.line2, "Read an unexpected number of faces in STL header") == 0 && sim.nstltri == 0);
   }
 
   if (LooksAscii(data, size)) {
     // A facet takes an "outerloop" line and three "w 1-1-1" vertices.
-    FUZZ_CHECK((size_t)nstltri * 30 <= size);
+    FUZZ_CHECK((size_t)sim.nstltri * 30 <= size);
     FUZZ_CHECK(!ok ? strcmp(msg.line2, "Error reading vertices in ascii STL file") == 0 : 1);
   } else if (size < 80) {
     FUZZ_CHECK(!ok && msg.fatal && strcmp(msg.line2, "Failed to read an expected STL header") == 0);
@@ -64,17 +64,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     uint32_t count = size >= 84 ? Le32(data + 80) : 0;
     size_t complete = size >= 84 ? (size - 84) / 50 : 0;
     if (count > 10000000u) {
-      FUZZ_CHECK(!ok && nstltri == 0);
+      FUZZ_CHECK(!ok && sim.nstltri == 0);
     } else {
       FUZZ_CHECK(ok);
-      FUZZ_CHECK((size_t)nstltri <= complete && (uint32_t)nstltri <= count);
+      FUZZ_CHECK((size_t)sim.nstltri <= complete && (uint32_t)sim.nstltri <= count);
     }
   }
 
   if (ok) {
     // Prepared facets: unit or zero normals, bounds around every vertex.
-    for (int i = 0; i < nstltri; i++) {
-      const FACET &f = stltri[i];
+    for (int i = 0; i < sim.nstltri; i++) {
+      const FACET &f = sim.stltri[i];
       double m = DotProduct(f.n, f.n);
       FUZZ_CHECK(m == 0 || (m > 0.999999 && m < 1.000001));
     }

@@ -29,12 +29,12 @@ TEST_F(Limits, AMillionRootsAndAMillionFacets) {
   for (int i = 0; i < 1000000; i++) fprintf(fp, "%d %d 0.5\n", i % 1000, -(i / 1000));
   fclose(fp);
   FILEMESSAGE msg = {};
-  ASSERT_EQ(ReadRootsFile((s / "roots.txt").c_str(), &msg), 1);
-  InitialiseGrowth();  // a restart keeps them all as roots
-  ASSERT_EQ(ncells, 1000000);
-  EXPECT_XYZ(roots[123456], 456, -123, 0.5, 0);
-  EXPECT_DOUBLE_EQ(growthstate.radius, sqrt(999.0 * 999.0 * 2 + 0.25));
-  EXPECT_LE(cells.capacity(), 2000016u);      // amortised: at most double
+  ASSERT_EQ(ReadRootsFile(sim, (s / "roots.txt").c_str(), &msg), 1);
+  InitialiseGrowth(sim);  // a restart keeps them all as roots
+  ASSERT_EQ(sim.ncells, 1000000);
+  EXPECT_XYZ(sim.roots[123456], 456, -123, 0.5, 0);
+  EXPECT_DOUBLE_EQ(sim.growthstate.radius, sqrt(999.0 * 999.0 * 2 + 0.25));
+  EXPECT_LE(sim.cells.capacity(), 2000016u);      // amortised: at most double
   fp = fopen((s / "big.stl").c_str(), "wb");  // facet i at x = i % 1000, z = i / 1000, facing +z
   uint32_t n = 1000000;
   fwrite(std::string(80, ' ').data(), 80, 1, fp);
@@ -46,10 +46,10 @@ TEST_F(Limits, AMillionRootsAndAMillionFacets) {
   }
   fclose(fp);
   long before = ResidentKb();
-  ASSERT_EQ(ReadSTLFile((s / "big.stl").c_str(), &msg), 1);
-  ASSERT_EQ(nstltri, 1000000);
-  EXPECT_EQ(stltri[n - 1].plane.d + stlmax.z, 0);
-  EXPECT_LE(stltri.capacity(), 2000016u);
+  ASSERT_EQ(ReadSTLFile(sim, (s / "big.stl").c_str(), &msg), 1);
+  ASSERT_EQ(sim.nstltri, 1000000);
+  EXPECT_EQ(sim.stltri[n - 1].plane.d + sim.stlmax.z, 0);
+  EXPECT_LE(sim.stltri.capacity(), 2000016u);
   EXPECT_LT(ResidentKb() - before, 2 * 160 * 1024L);  // a FACET is 152 bytes
 }
 
@@ -59,17 +59,17 @@ TEST_F(Limits, LongPathsAndUnwritableDirectories) {
   while (path.size() < 300) mkdir((path += "/" + std::string(100, 'd')).c_str(), 0755);
   path += "/in.txt";
   FILEMESSAGE msg = {};
-  EXPECT_EQ(ReadRootsFile(path.c_str(), &msg) + ReadSTLFile(path.c_str(), &msg), 0);
+  EXPECT_EQ(ReadRootsFile(sim, path.c_str(), &msg) + ReadSTLFile(sim, path.c_str(), &msg), 0);
   EXPECT_EQ(std::string(msg.line3), path.substr(0, 255));
   WriteFile(path, "solid t\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n");
-  EXPECT_NE(DebugOutput([&] { EXPECT_EQ(ReadSTLFile(path.c_str(), &msg), 1); }).find(path + "\n"), std::string::npos);
+  EXPECT_NE(DebugOutput(sim, [&] { EXPECT_EQ(ReadSTLFile(sim, path.c_str(), &msg), 1); }).find(path + "\n"), std::string::npos);
   WriteFile(path, "1 2 3\n");
-  growthstate.rootdistribution = ROOT_SPHERICAL;
-  EXPECT_EQ(ReadRootsFile(path.c_str(), &msg), 1);
-  EXPECT_EQ(std::string(growthstate.rootname), path.substr(0, 127));
+  sim.growthstate.rootdistribution = ROOT_SPHERICAL;
+  EXPECT_EQ(ReadRootsFile(sim, path.c_str(), &msg), 1);
+  EXPECT_EQ(std::string(sim.growthstate.rootname), path.substr(0, 127));
   std::string dir = path.substr(0, path.rfind('/'));
   testing::internal::CaptureStderr();
-  EXPECT_EQ(DoSliceIn(dir.c_str(), 2, V(1, 0, 0)), 1);
+  EXPECT_EQ(DoSliceIn(sim, dir.c_str(), 2, V(1, 0, 0)), 1);
   testing::internal::GetCapturedStderr();
   EXPECT_EQ(ReadFile(dir + "/slice_001.txt"), "");
   WriteFile(s / "plain", "");
@@ -77,12 +77,12 @@ TEST_F(Limits, LongPathsAndUnwritableDirectories) {
     std::string out = d + "/out.txt";
     testing::internal::CaptureStderr();
     for (int format = MODEL_VRML; format <= MODEL_GEOMPOINTS; format++)
-      EXPECT_EQ(SaveModelFile(out.c_str(), format, 1), 0);
-    EXPECT_EQ(SaveInformationFile(out.c_str()), 0);
+      EXPECT_EQ(SaveModelFile(sim, out.c_str(), format, 1), 0);
+    EXPECT_EQ(SaveInformationFile(sim, out.c_str()), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");  // saving never reports
     EXPECT_EQ(ReadFile(out), "(missing)");
     testing::internal::CaptureStderr();
-    EXPECT_EQ(DoSliceIn(d.c_str(), 3, V(1, 0, 0)), 0);
+    EXPECT_EQ(DoSliceIn(sim, d.c_str(), 3, V(1, 0, 0)), 0);
     std::string err = testing::internal::GetCapturedStderr();
     EXPECT_NE(err.find("Failed to open output slice file \"" + d + "/slice_000.txt\"\n"), std::string::npos) << err;
     EXPECT_EQ(err.find("slice_001"), std::string::npos);

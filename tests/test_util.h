@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "app/startup.h"
 #include "batch/batch.h"
 #include "growth/growth.h"
@@ -24,7 +24,8 @@
 // The program as start-up leaves it: `using Suite = Fresh;`, TEST_F(Suite, ...).
 class Fresh : public testing::Test {
  protected:
-  void SetUp() override { ResetProgram(); }
+  void SetUp() override { ResetProgram(sim); }
+  SIMULATION sim;
 };
 
 inline XYZ V(double x, double y, double z) { return XYZ{x, y, z}; }
@@ -76,31 +77,27 @@ inline std::string Capture(const std::function<void(FILE *)> &f) {
 }
 
 // Standard error of f, run with options.debug set.
-inline std::string DebugOutput(const std::function<void()> &f) {
-  options.debug = 1;
+inline std::string DebugOutput(SIMULATION &sim, const std::function<void()> &f) {
+  sim.options.debug = 1;
   testing::internal::CaptureStderr();
   f();
-  options.debug = 0;
+  sim.options.debug = 0;
   return testing::internal::GetCapturedStderr();
 }
 
 // One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.
-inline long Steps(long run) {
-  if (run) return IterateSystemSteps(run);
-  IterateSystem();
+inline long Steps(SIMULATION &sim, long run) {
+  if (run) return IterateSystemSteps(sim, run);
+  IterateSystem(sim);
   return 1;
 }
 
-// The batch program's record of its options; large, so not on the stack.
-inline BATCHRUN &BatchRecord(void) {
-  static BATCHRUN run;
-  return run;
-}
 
 // dla3d-batch with the words of line (split at spaces) as its arguments:
-// parsed into BatchRecord(), then run unless parse_only or refused. Its
+// parsed into *parsed (when given), then run unless parse_only or refused. Its
 // status; what it writes in *err.
-inline int Batch(const std::string &line, std::string *err, bool parse_only = false) {
+inline int Batch(SIMULATION &sim, const std::string &line, std::string *err, bool parse_only = false,
+                 BATCHRUN *parsed = NULL) {
   std::vector<std::string> words = {"dla3d-batch"};
   for (size_t at = 0, end; at < line.size(); at = end + 1) {
     end = std::min(line.find(' ', at), line.size());
@@ -110,26 +107,29 @@ inline int Batch(const std::string &line, std::string *err, bool parse_only = fa
   for (std::string &w : words) argv.push_back(&w[0]);
   argv.push_back(NULL);
   int status = BATCH_USAGE;
+  BATCHRUN own;
+  BATCHRUN &run = parsed ? *parsed : own;
+  run.picture = NULL;
   *err = Capture([&](FILE *fp) {
-    status = ParseBatchOptions((int)words.size(), argv.data(), &BatchRecord(), fp);
-    if (status == BATCH_OK && !parse_only) status = RunBatch(&BatchRecord(), fp);
+    status = ParseBatchOptions((int)words.size(), argv.data(), &run, fp);
+    if (status == BATCH_OK && !parse_only) status = RunBatch(sim, &run, fp);
   });
   return status;
 }
 
 // A fresh program set up by dla3d-batch's options (its growth settings,
 // surface and roots), no step taken yet.
-inline void StartGrowth(const std::string &options) {
+inline void StartGrowth(SIMULATION &sim, const std::string &settings) {
   std::string err;
-  EXPECT_EQ(Batch(options + " --steps 0 --no-progress", &err), BATCH_OK) << options << ": " << err;
+  EXPECT_EQ(Batch(sim, settings + " --steps 0 --no-progress", &err), BATCH_OK) << settings << ": " << err;
 }
 
 // FNV-1a over the positions, weights and parents of the aggregate: two runs
 // with the same hash grew the same cells bit for bit.
-inline uint64_t AggregateHash(void) {
+inline uint64_t AggregateHash(SIMULATION &sim) {
   uint64_t h = 1469598103934665603ULL;
-  for (int i = 0; i < ncells; i++) {
-    double d[5] = {cells[i].p.x, cells[i].p.y, cells[i].p.z, cells[i].weight, (double)cells[i].parent};
+  for (int i = 0; i < sim.ncells; i++) {
+    double d[5] = {sim.cells[i].p.x, sim.cells[i].p.y, sim.cells[i].p.z, sim.cells[i].weight, (double)sim.cells[i].parent};
     const unsigned char *b = (const unsigned char *)d;
     for (size_t k = 0; k < sizeof(d); k++) h = (h ^ b[k]) * 1099511628211ULL;
   }

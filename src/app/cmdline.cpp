@@ -2,22 +2,22 @@
 
 #include <string.h>  // strcmp()
 
-#include "app/records.h"
+#include "app/simulation.h"
 
-int ParseCommandLine(int argc, char **argv) {
+int ParseCommandLine(SIMULATION &sim, int argc, char **argv) {
   for (int i = 1; i < argc; i++) {
     if (strcmp(argv[i], "-h") == 0) {
       return 1;
     } else if (strcmp(argv[i], "-f") == 0) {
-      options.fullscreen = !options.fullscreen;
+      sim.options.fullscreen = !sim.options.fullscreen;
     } else if (strcmp(argv[i], "-s") == 0) {
-      camera.stereo = 1;
+      sim.camera.stereo = 1;
     } else if (strcmp(argv[i], "-ss") == 0) {
       // Each occurrence doubles the width again, by design.
-      camera.stereo = 2;
-      camera.screenwidth *= 2;
+      sim.camera.stereo = 2;
+      sim.camera.screenwidth *= 2;
     } else if (strcmp(argv[i], "-d") == 0) {
-      options.debug = 1;
+      sim.options.debug = 1;
     }
   }
   return 0;

@@ -1,79 +1,64 @@
-#include "app/records.h"
+#include "app/simulation.h"
 
 #include <string.h>  // strncpy()
 
-CAMERA camera;
-OPTIONS options;
-GROWTHSTATE growthstate;
-INTERFACESTATE interfacestate;
-STATS stats;
-
-std::vector<CELL> cells;
-int ncells = 0;
-unsigned cellsrevision = 0;
-
-XYZ seeds[NSEEDS];
-int nseeds = 0;
-
-std::vector<XYZ> roots;
-
 const int versionid = 102;
 
-void ReserveCells(int n) {
-  if ((int)cells.size() >= n) return;
-  if ((int)cells.capacity() < n) {
-    size_t cap = cells.capacity() < 1024 ? 1024 : cells.capacity();
+void ReserveCells(SIMULATION &sim, int n) {
+  if ((int)sim.cells.size() >= n) return;
+  if ((int)sim.cells.capacity() < n) {
+    size_t cap = sim.cells.capacity() < 1024 ? 1024 : sim.cells.capacity();
     while ((int)cap < n) cap *= 2;
-    cells.reserve(cap);
+    sim.cells.reserve(cap);
   }
   CELL fresh = {{0, 0, 0}, 0, -1, 0};
-  cells.resize(n, fresh);
-  cellsrevision++;
+  sim.cells.resize(n, fresh);
+  sim.cellsrevision++;
 }
 
-void AppendCell(XYZ p, double weight, int parent) {
-  ReserveCells(ncells + 1);
-  CELL &c = cells[ncells];
+void AppendCell(SIMULATION &sim, XYZ p, double weight, int parent) {
+  ReserveCells(sim, sim.ncells + 1);
+  CELL &c = sim.cells[sim.ncells];
   c.p = p;
   c.weight = weight;
   c.parent = parent;
   c.traced = 0;
-  ncells++;
-  cellsrevision++;
+  sim.ncells++;
+  sim.cellsrevision++;
 }
 
-void SetOptionDefaults(void) {
-  options.debug = 0;
-  options.fullscreen = 0;
-  options.record = 0;
-  options.windowdump = 0;
-  options.framerate = 30;
-  options.showextras = 1;
-  options.showinfo = 1;
-  options.stldrawmode = STLDRAW_WIREFRAME;
-  options.dladrawmode = DLADRAW_LINES;
-  options.stlswap = 0;
-  options.light0position[0] = 10;
-  options.light0position[1] = 0;
-  options.light0position[2] = 0;
-  options.light0position[3] = 0;
-  options.light1position[0] = 0;
-  options.light1position[1] = 0;
-  options.light1position[2] = 10;
-  options.light1position[3] = 0;
-  options.calcstats = 0;
-  options.nslices = 50;
-  options.slicenormal.x = 0;
-  options.slicenormal.y = 0;
-  options.slicenormal.z = 1;
+void SetOptionDefaults(SIMULATION &sim) {
+  sim.options.debug = 0;
+  sim.options.fullscreen = 0;
+  sim.options.record = 0;
+  sim.options.windowdump = 0;
+  sim.options.framerate = 30;
+  sim.options.showextras = 1;
+  sim.options.showinfo = 1;
+  sim.options.stldrawmode = STLDRAW_WIREFRAME;
+  sim.options.dladrawmode = DLADRAW_LINES;
+  sim.options.stlswap = 0;
+  sim.options.light0position[0] = 10;
+  sim.options.light0position[1] = 0;
+  sim.options.light0position[2] = 0;
+  sim.options.light0position[3] = 0;
+  sim.options.light1position[0] = 0;
+  sim.options.light1position[1] = 0;
+  sim.options.light1position[2] = 10;
+  sim.options.light1position[3] = 0;
+  sim.options.calcstats = 0;
+  sim.options.nslices = 50;
+  sim.options.slicenormal.x = 0;
+  sim.options.slicenormal.y = 0;
+  sim.options.slicenormal.z = 1;
   // autospin keeps its zero start value
 }
 
-void SetInterfaceDefaults(void) {
-  interfacestate.button = DRAG_NONE;
-  interfacestate.shift = 0;
-  interfacestate.mousex = 0;
-  interfacestate.mousey = 0;
+void SetInterfaceDefaults(SIMULATION &sim) {
+  sim.interfacestate.button = DRAG_NONE;
+  sim.interfacestate.shift = 0;
+  sim.interfacestate.mousex = 0;
+  sim.interfacestate.mousey = 0;
 }
 
 void CopyName(char *dst, const char *src, int n) {

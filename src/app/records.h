@@ -7,6 +7,8 @@
 
 #include "lib/vector.h"
 
+struct SIMULATION;  // app/simulation.h
+
 struct CAMERA {
   XYZ vp;              // eye position
   XYZ vd;              // view direction, unit length
@@ -78,6 +80,14 @@ struct STATS {
   int boxcount[10];     // -1 marks a level not reached
 };
 
+// One triangle of the constraint surface.
+struct FACET {
+  XYZ p[3];     // vertices in file order; orientation comes from this order
+  XYZ n;        // unit normal, (0,0,0) for a degenerate triangle
+  XYZ mid;      // centroid
+  PLANE plane;  // a, b, c = n; d = -n.p[0]
+};
+
 struct CELL {
   XYZ p;          // end of the segment from the parent
   double weight;  // accumulated 1/d shares of descendants
@@ -131,40 +141,19 @@ enum { STEREO_MONO = 0, STEREO_ACTIVE = 1, STEREO_DUAL = 2 };
 // cells, so a count in the billions would exhaust memory before any growth.
 #define MAXROOTS 1000000
 
-extern CAMERA camera;
-extern OPTIONS options;
-extern GROWTHSTATE growthstate;
-extern INTERFACESTATE interfacestate;
-extern STATS stats;
-
-// The aggregate. `cells` is storage that is never shrunk; `ncells` is the
-// number of cells in the aggregate. Entries past ncells may hold an earlier
-// aggregate's cells, which a restart with more roots brings back by design.
-extern std::vector<CELL> cells;
-extern int ncells;
-// Counts changes of the aggregate's storage (AppendCell, ReserveCells that
-// grows): the growth's search index rebuilds when it moves unexpectedly.
-extern unsigned cellsrevision;
-
-// The last NSEEDS release points; nseeds counts every release.
-extern XYZ seeds[NSEEDS];
-extern int nseeds;
-
-// Root positions, at least nroots long once growth was initialised.
-extern std::vector<XYZ> roots;
 
 extern const int versionid;
 
 // Makes room for n cells: cells.size() >= n afterwards. Grows amortised; new
 // entries are roots at the origin.
-void ReserveCells(int n);
+void ReserveCells(SIMULATION &sim, int n);
 
 // Appends one cell to the aggregate (ncells + 1).
-void AppendCell(XYZ p, double weight, int parent);
+void AppendCell(SIMULATION &sim, XYZ p, double weight, int parent);
 
 // Start-up defaults of the option and interface records.
-void SetOptionDefaults(void);
-void SetInterfaceDefaults(void);
+void SetOptionDefaults(SIMULATION &sim);
+void SetInterfaceDefaults(SIMULATION &sim);
 
 // Copies text into a fixed buffer of size n, cutting it to n - 1 characters.
 void CopyName(char *dst, const char *src, int n);

@@ -280,7 +280,9 @@ static int StoreValue(BATCHRUN *run, const BATCHOPTION *o, size_t offset, const 
 }
 
 static void SetRunDefaults(BATCHRUN *run) {
+  BATCHPICTURE picture = run->picture;
   memset(run, 0, sizeof(*run));
+  run->picture = picture;
   run->cells = 10000;
   run->steps = -1;
   run->stallsteps = BATCH_STALLSTEPS;
@@ -319,7 +321,7 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
       fprintf(err, "%s: %s needs --png PATH\n", programname, name);
       return BATCH_USAGE;
     }
-  if (Given(run, "--png") && batchpicture == NULL) {
+  if (Given(run, "--png") && run->picture == NULL) {
     fprintf(err, "%s: --png: this program was built without offscreen drawing (OSMesa)\n", programname);
     return BATCH_USAGE;
   }
@@ -459,12 +461,12 @@ void WriteBatchUsage(FILE *fp, const char *name) {
 
 // Copies the given growth settings over growthstate, as typing them into
 // the settings form would.
-static void ApplyBatchSettings(const BATCHRUN *run) {
+static void ApplyBatchSettings(SIMULATION &sim, const BATCHRUN *run) {
   for (int k = 0; k < NBATCHOPTIONS; k++) {
     const BATCHOPTION *o = &batchoptions[k];
     if (!run->given[k] || o->target != BT_GROWTH) continue;
     const char *from = (const char *)&run->growth;
-    char *to = (char *)&growthstate;
+    char *to = (char *)&sim.growthstate;
     size_t size = (o->kind == BOPT_DOUBLE || o->kind == BOPT_PAIR) ? sizeof(double) : sizeof(int);
     memcpy(to + o->offset, from + o->offset, size);
     if (o->kind == BOPT_PAIR) memcpy(to + o->offset2, from + o->offset2, size);
@@ -480,10 +482,10 @@ static void WriteFileMessage(FILE *err, const char *option, const char *path, co
   fprintf(err, "\n");
 }
 
-void WriteCellsCSV(FILE *fp) {
+void WriteCellsCSV(SIMULATION &sim, FILE *fp) {
   fprintf(fp, "index,parent,x,y,z,weight\n");
-  for (int i = 0; i < ncells; i++) {
-    const CELL &c = cells[i];
+  for (int i = 0; i < sim.ncells; i++) {
+    const CELL &c = sim.cells[i];
     fprintf(fp, "%d,%d,%.17g,%.17g,%.17g,%.17g\n", i, c.parent, c.p.x, c.p.y, c.p.z, c.weight);
   }
 }
@@ -507,13 +509,13 @@ void FormatProgress(char *line, int size, double fraction, int cells, double rat
 
 // The share of the run done: of the cells, or of the step limit when that
 // comes first. The time left assumes the rate so far.
-static void ShowProgress(FILE *err, const BATCHRUN *run, long long step, int startcells, double seconds, int done) {
-  double f = run->cells > 0 ? (double)ncells / run->cells : 1;
+static void ShowProgress(SIMULATION &sim, FILE *err, const BATCHRUN *run, long long step, int startcells, double seconds, int done) {
+  double f = run->cells > 0 ? (double)sim.ncells / run->cells : 1;
   if (run->steps > 0 && (double)step / run->steps > f) f = (double)step / run->steps;
-  double rate = seconds > 0 ? (ncells - startcells) / seconds : 0;
+  double rate = seconds > 0 ? (sim.ncells - startcells) / seconds : 0;
   double left = done ? 0 : f > 0 && seconds > 0 ? seconds * (1 - f) / f : -1;
   char line[160];
-  FormatProgress(line, sizeof(line), f, ncells, rate, left);
+  FormatProgress(line, sizeof(line), f, sim.ncells, rate, left);
   fprintf(err, "\r%s%s", line, done ? "\n" : "");
   fflush(err);
 }
@@ -524,7 +526,7 @@ struct BATCHWRITER {
   const char *option;
   size_t offset;  // the path in BATCHRUN
   int format, variant;
-  int (*save)(const char *path);
+  int (*save)(SIMULATION &sim, const char *path);
 };
 
 static const BATCHWRITER batchwriters[] = {
@@ -546,13 +548,13 @@ static const BATCHWRITER batchwriters[] = {
 // The window's save commands are silent when a file cannot be opened; a
 // batch user asked for the file, so it is reported, the remaining files are
 // still written, and the run ends with BATCH_FILEERROR.
-static int RunWriters(const BATCHRUN *run, FILE *err) {
+static int RunWriters(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
   int status = BATCH_OK;
   for (const BATCHWRITER &w : batchwriters) {
     const char *path = (const char *)run + w.offset;
     if (path[0] == '\0') continue;
     errno = 0;
-    int ok = w.save ? w.save(path) : SaveModelFile(path, w.format, w.variant);
+    int ok = w.save ? w.save(sim, path) : SaveModelFile(sim, path, w.format, w.variant);
     if (!ok) {
       fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w.option, path,
               errno ? strerror(errno) : "cannot be opened");
@@ -565,10 +567,10 @@ static int RunWriters(const BATCHRUN *run, FILE *err) {
 // A run that can never reach its cell count would spin forever: refused
 // before growth when that can be known, unless a step limit ends it anyway.
 // Returns BATCH_OK or BATCH_USAGE after the message.
-static int CheckReachable(const BATCHRUN *run, FILE *err) {
-  const GROWTHSTATE &g = growthstate;
-  if (ncells >= run->cells || run->steps >= 0) return BATCH_OK;
-  if (ncells == 0) {
+static int CheckReachable(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
+  const GROWTHSTATE &g = sim.growthstate;
+  if (sim.ncells >= run->cells || run->steps >= 0) return BATCH_OK;
+  if (sim.ncells == 0) {
     fprintf(err, "%s: no root is placed (--roots %d, --root-distribution %d): no cell can ever stick "
             "(give --steps N to run anyway)\n", programname, g.nroots, g.rootdistribution);
     return BATCH_USAGE;
@@ -590,8 +592,8 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
   double slack = 1e-9 * (fabs(release) + GROWTH_LIFESPAN * (bl + b));
   int reachable = 0;
   double nearest = -1;
-  for (int i = 0; i < ncells && !reachable; i++) {
-    double d = Modulus(cells[i].p);
+  for (int i = 0; i < sim.ncells && !reachable; i++) {
+    double d = Modulus(sim.cells[i].p);
     reachable = d > inner - slack && d < outer + slack;
     double off = d < inner ? inner - d : d - outer;
     if (nearest < 0 || off < nearest) nearest = off;
@@ -604,62 +606,60 @@ static int CheckReachable(const BATCHRUN *run, FILE *err) {
   }
   // With association the next cell must join root class ncells mod nroots,
   // and no cell of that class exists while ncells < nroots.
-  if (g.associate && ncells < g.nroots) {
+  if (g.associate && sim.ncells < g.nroots) {
     fprintf(err, "%s: --associate with %d roots but %d placed: the next cell must join root class %d, "
-            "which has no cell (give --steps N to run anyway)\n", programname, g.nroots, ncells, ncells);
+            "which has no cell (give --steps N to run anyway)\n", programname, g.nroots, sim.ncells, sim.ncells);
     return BATCH_USAGE;
   }
   return BATCH_OK;
 }
 
-int (*batchpicture)(const char *path, int width, int height, FILE *err) = NULL;
-
 // The drawing state the picture and the writers' colours depend on.
-static void ApplyDrawingOptions(const BATCHRUN *run) {
-  if (Given(run, "--dla-draw")) options.dladrawmode = run->dladrawmode;
-  if (Given(run, "--stl-draw")) options.stldrawmode = run->stldrawmode;
-  if (run->noextras) options.showextras = 0;
+static void ApplyDrawingOptions(SIMULATION &sim, const BATCHRUN *run) {
+  if (Given(run, "--dla-draw")) sim.options.dladrawmode = run->dladrawmode;
+  if (Given(run, "--stl-draw")) sim.options.stldrawmode = run->stldrawmode;
+  if (run->noextras) sim.options.showextras = 0;
 }
 
 // The picture at the window's size, camera from home turned (and fitted) as asked.
-static int WritePicture(const BATCHRUN *run, FILE *err) {
-  camera.screenwidth = run->pngwidth;
-  camera.screenheight = run->pngheight;
-  if (Given(run, "--aperture")) camera.aperture = run->aperture;
+static int WritePicture(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
+  sim.camera.screenwidth = run->pngwidth;
+  sim.camera.screenheight = run->pngheight;
+  if (Given(run, "--aperture")) sim.camera.aperture = run->aperture;
   const XYZ &r = run->camerarotate;
-  if (Given(run, "--camera-rotate")) RotateCamera(r.x * DTOR, r.y * DTOR, r.z * DTOR);
-  if (run->fit) FitCamera();
-  return batchpicture(run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
+  if (Given(run, "--camera-rotate")) RotateCamera(sim, r.x * DTOR, r.y * DTOR, r.z * DTOR);
+  if (run->fit) FitCamera(sim);
+  return run->picture(sim, run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
 }
 
 // The surface (STL file or sample, then the transforms) and the roots, as
 // the window would make them. Returns BATCH_OK or the status of a file that
 // could not be read, after its message.
-static int SetUpGrowth(const BATCHRUN *run, FILE *err) {
+static int SetUpGrowth(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
   FILEMESSAGE msg;
   memset(&msg, 0, sizeof(msg));
   errno = 0;
-  if (run->stlfile[0] && !ReadSTLFile(run->stlfile, &msg)) {
+  if (run->stlfile[0] && !ReadSTLFile(sim, run->stlfile, &msg)) {
     WriteFileMessage(err, "--stl", run->stlfile, &msg, errno);
     return msg.fatal ? BATCH_FATAL : BATCH_FILEERROR;
   }
-  if (Given(run, "--sample")) MakeSampleSurface(run->sample);
+  if (Given(run, "--sample")) MakeSampleSurface(sim, run->sample);
   for (int t = 0; t < run->ntransforms; t++) {
     // The transform form's Apply: the transform, then one more preparation.
-    TransformSTL(run->transforms[t].scale, run->transforms[t].shift, run->transforms[t].rotate);
-    UpdateSTL();
+    TransformSTL(sim, run->transforms[t].scale, run->transforms[t].shift, run->transforms[t].rotate);
+    UpdateSTL(sim);
   }
   if (run->seedfile[0]) {
     errno = 0;
-    if (!ReadRootsFile(run->seedfile, &msg)) {
+    if (!ReadRootsFile(sim, run->seedfile, &msg)) {
       WriteFileMessage(err, "--seed-file", run->seedfile, &msg, errno);
       return BATCH_FILEERROR;
     }
     return BATCH_OK;
   }
-  InitialiseGrowth();
-  ResetSeeds();
-  const GROWTHSTATE &g = growthstate;
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
+  const GROWTHSTATE &g = sim.growthstate;
   if (Given(run, "--roots") && g.nroots != 1 && g.rootdistribution == ROOT_ORIGIN)
     fprintf(err, "%s: --root-distribution 1 (Origin) places one root, not the %d --roots asks for\n", programname,
             g.nroots);
@@ -711,26 +711,26 @@ static int CheckOutputs(const BATCHRUN *run, FILE *err) {
 
 // Growth until the cell count, the step limit or a stall. Returns BATCH_OK,
 // or BATCH_STALLED after saying what most likely holds the growth back.
-static int Grow(const BATCHRUN *run, FILE *err, long long *steps) {
+static int Grow(SIMULATION &sim, const BATCHRUN *run, FILE *err, long long *steps) {
   int progress = run->progress < 0 ? isatty(2) : run->progress;
   double shown = -1;
   long long step = 0, grew = 0;  // grew: the step of the last new cell
-  int count = ncells, startcells = ncells;
+  int count = sim.ncells, startcells = sim.ncells;
   long long vetoes[NVETOES];
-  memcpy(vetoes, growthvetoes, sizeof(vetoes));
+  memcpy(vetoes, sim.growthvetoes, sizeof(vetoes));
   int status = BATCH_OK;
-  StartGrowthLog();
-  while (ncells < run->cells && (run->steps < 0 || step < run->steps)) {
+  StartGrowthLog(sim);
+  while (sim.ncells < run->cells && (run->steps < 0 || step < run->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
     // count is seen after each one; it never passes the step limit.
     long long left = run->steps < 0 ? 1 << 20 : run->steps - step;
     long long before = step;
-    step += IterateSystemSteps(left < (1 << 20) ? left : 1 << 20);
-    LogGrowth(step);
-    if (ncells != count) {
-      count = ncells;
+    step += IterateSystemSteps(sim, left < (1 << 20) ? left : 1 << 20);
+    LogGrowth(sim, step);
+    if (sim.ncells != count) {
+      count = sim.ncells;
       grew = step;
-      memcpy(vetoes, growthvetoes, sizeof(vetoes));
+      memcpy(vetoes, sim.growthvetoes, sizeof(vetoes));
     } else if (step - grew >= run->stallsteps) {
       status = BATCH_STALLED;
       break;
@@ -738,12 +738,12 @@ static int Grow(const BATCHRUN *run, FILE *err, long long *steps) {
     if (progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
       if (now - shown > 0.1) {
-        ShowProgress(err, run, step, startcells, now - growthlog.start, 0);
+        ShowProgress(sim, err, run, step, startcells, now - sim.growthlog.start, 0);
         shown = now;
       }
     }
   }
-  if (progress) ShowProgress(err, run, step, startcells, GetRunTime() - growthlog.start, status == BATCH_OK);
+  if (progress) ShowProgress(sim, err, run, step, startcells, GetRunTime() - sim.growthlog.start, status == BATCH_OK);
   *steps = step;
   if (status != BATCH_STALLED) return status;
 
@@ -755,40 +755,40 @@ static int Grow(const BATCHRUN *run, FILE *err, long long *steps) {
       "the constraint surface refused every stick near a gap between its facets"};
   int most = 0;
   for (int k = 1; k < NVETOES; k++)
-    if (growthvetoes[k] - vetoes[k] > growthvetoes[most] - vetoes[most]) most = k;
-  long long refused = growthvetoes[most] - vetoes[most];
+    if (sim.growthvetoes[k] - vetoes[k] > sim.growthvetoes[most] - vetoes[most]) most = k;
+  long long refused = sim.growthvetoes[most] - vetoes[most];
   if (progress) fprintf(err, "\n");
-  fprintf(err, "%s: no new cell in %lld steps, at %d cells: ", programname, step - grew, ncells);
+  fprintf(err, "%s: no new cell in %lld steps, at %d cells: ", programname, step - grew, sim.ncells);
   if (refused > 0)
     fprintf(err, "%s (%lld times)", causes[most], refused);
   else
     fprintf(err, "no particle stuck: the roots may lie too far from where particles are released (distance %g)",
-            growthstate.radius + 2 * growthstate.branchlength);
+            sim.growthstate.radius + 2 * sim.growthstate.branchlength);
   fprintf(err, "; the files asked for are written (--stall-steps N waits longer)\n");
   return status;
 }
 
 // A run with no output option says what it grew.
-static void SayWhatGrew(const BATCHRUN *run, long long steps) {
+static void SayWhatGrew(SIMULATION &sim, const BATCHRUN *run, long long steps) {
   for (int k = 0; k < NBATCHOPTIONS; k++)
     if (run->given[k] && (batchoptions[k].kind == BOPT_PATH && batchoptions[k].target == BT_RUN &&
                           strcmp(batchoptions[k].name, "--seed-file") != 0 && strcmp(batchoptions[k].name, "--stl") != 0))
       return;
   if (run->nslices > 0) return;
   printf("%d cells in %lld steps: radius %g, radius of gyration %g, dimension %g (from the radius of gyration)\n",
-         ncells, steps, growthstate.radius, RadiusOfGyration(ncells), GyrationDimension());
+         sim.ncells, steps, sim.growthstate.radius, RadiusOfGyration(sim, sim.ncells), GyrationDimension(sim));
 }
 
-int RunBatch(BATCHRUN *run, FILE *err) {
-  ResetProgram();  // the window's state after start-up, camera home included
-  options.debug = run->debug;
-  ApplyDrawingOptions(run);
-  growthsearch = run->search;
-  growthwalk = run->walk;
-  ApplyBatchSettings(run);
+int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err) {
+  ResetProgram(sim);  // the window's state after start-up, camera home included
+  sim.options.debug = run->debug;
+  ApplyDrawingOptions(sim, run);
+  sim.growthsearch = run->search;
+  sim.growthwalk = run->walk;
+  ApplyBatchSettings(sim, run);
 
-  int status = SetUpGrowth(run, err);
-  if (status == BATCH_OK) status = CheckReachable(run, err);
+  int status = SetUpGrowth(sim, run, err);
+  if (status == BATCH_OK) status = CheckReachable(sim, run, err);
   if (status == BATCH_OK) status = CheckOutputs(run, err);
   if (status != BATCH_OK) return status;
   FILE *csv = NULL;
@@ -798,36 +798,38 @@ int RunBatch(BATCHRUN *run, FILE *err) {
   }
 
   long long steps;
-  int grown = Grow(run, err, &steps);
-  SettleWeights();  // the fast walk's deferred weights
+  int grown = Grow(sim, run, err, &steps);
+  SettleWeights(sim);  // the fast walk's deferred weights
 
   if (csv) {
-    WriteCellsCSV(csv);
+    WriteCellsCSV(sim, csv);
     if (!CloseWritten(csv)) {  // a full disk: the other files are still tried
       fprintf(err, "%s: --csv: cannot write \"%s\": %s\n", programname, run->csvfile, strerror(errno));
       status = BATCH_FILEERROR;
     }
   }
   if (run->nslices > 0) {
-    options.nslices = run->nslices;
-    options.slicenormal = run->slicenormal;
+    sim.options.nslices = run->nslices;
+    sim.options.slicenormal = run->slicenormal;
     // DoSlice has written its message to standard error; the window exits here too.
-    if (!DoSliceIn(run->slicedir, options.nslices, SliceNormalForCut())) return BATCH_FATAL;
+    if (!DoSliceIn(sim, run->slicedir, sim.options.nslices, SliceNormalForCut(sim))) return BATCH_FATAL;
   }
-  if (run->stats) RunStatisticsToCompletion();
-  if (RunWriters(run, err) != BATCH_OK) status = BATCH_FILEERROR;
-  if (run->pngfile[0] && WritePicture(run, err) != BATCH_OK) status = BATCH_FILEERROR;
-  SayWhatGrew(run, steps);
+  if (run->stats) RunStatisticsToCompletion(sim);
+  if (RunWriters(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
+  if (run->pngfile[0] && WritePicture(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
+  SayWhatGrew(sim, run, steps);
   return status == BATCH_OK ? grown : status;
 }
 
-int BatchMain(int argc, char **argv) {
-  static BATCHRUN run;
+int BatchMain(int argc, char **argv, BATCHPICTURE picture) {
+  SIMULATION sim;
+  BATCHRUN run;
+  run.picture = picture;
   int status = ParseBatchOptions(argc, argv, &run, stderr);
   if (status != BATCH_OK) return status;
   if (run.help) {
     WriteBatchUsage(stdout, argv[0]);
     return BATCH_OK;
   }
-  return RunBatch(&run, stderr);
+  return RunBatch(sim, &run, stderr);
 }

@@ -5,7 +5,7 @@
 
 #include <stdio.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "lib/vector.h"
 
 #define BATCH_MAXOPTIONS 64
@@ -16,7 +16,14 @@ struct BATCHTRANSFORM {
   XYZ scale, shift, rotate;
 };
 
+// Draws the scene offscreen as the window's mono frame shows it without the
+// overlays (camera, draw modes and extras from the records) and writes it as
+// a PNG of width x height pixels. Returns 1, or 0 after a message to err.
+// A program built with offscreen drawing has one; NULL refuses --png.
+typedef int (*BATCHPICTURE)(SIMULATION &sim, const char *path, int width, int height, FILE *err);
+
 struct BATCHRUN {
+  BATCHPICTURE picture;            // set before parsing; kept by ParseBatchOptions
   GROWTHSTATE growth;              // the settings given on the command line
   int given[BATCH_MAXOPTIONS];     // per row of the option table: was it given
   int cells;                       // grow until ncells reaches this
@@ -77,16 +84,11 @@ void WriteBatchUsage(FILE *fp, const char *programname);
 // growth is reported and the others are still written (BATCH_FILEERROR); a
 // slice file that cannot be created ends the run with BATCH_FATAL; a stall
 // writes every file and returns BATCH_STALLED.
-int RunBatch(BATCHRUN *run, FILE *err);
+int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err);
 
-// Draws the scene offscreen as the window's mono frame shows it without the
-// overlays (camera, draw modes and extras from the records) and writes it as
-// a PNG of width x height pixels. Returns 1, or 0 after a message to err.
-// Set by a program built with offscreen drawing; NULL refuses --png.
-extern int (*batchpicture)(const char *path, int width, int height, FILE *err);
 
 // The whole program: options, usage or the run. Returns the exit status.
-int BatchMain(int argc, char **argv);
+int BatchMain(int argc, char **argv, BATCHPICTURE picture);
 
 // One line of the progress bar (no line end): a bar of 40, the percentage,
 // the cells, cells per second and the time left as m:ss or h:mm:ss
@@ -94,6 +96,6 @@ int BatchMain(int argc, char **argv);
 void FormatProgress(char *line, int size, double fraction, int cells, double rate, double secondsleft);
 
 // The aggregate as "index,parent,x,y,z,weight" lines, numbers with "%.17g".
-void WriteCellsCSV(FILE *fp);
+void WriteCellsCSV(SIMULATION &sim, FILE *fp);
 
 #endif

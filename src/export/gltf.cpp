@@ -24,7 +24,7 @@
 #define TINYGLTF_NO_EXTERNAL_IMAGE
 #include <tiny_gltf.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "export/model.h"  // RadiusSlope()
 #include "export/ply.h"
 #include "lib/primitives.h"
@@ -176,13 +176,13 @@ struct FILEBUF : std::streambuf {
 
 // The whole scene in *model, its buffer filled. Returns 0 with errno EFBIG
 // when binary and the buffer would pass what a .glb can address.
-static int BuildScene(tinygltf::Model &model, int binary) {
+static int BuildScene(SIMULATION &sim, tinygltf::Model &model, int binary) {
   // The trees in the order of their roots; each tree's tubes in cell order.
   std::vector<int> root;
-  CellRoots(&root);
-  std::vector<int> tree(ncells > 0 ? ncells : 0, -1), treeroot, ntubes;
-  for (int i = 0; i < ncells; i++) {
-    if (cells[i].parent < 0) continue;
+  CellRoots(sim, &root);
+  std::vector<int> tree(sim.ncells > 0 ? sim.ncells : 0, -1), treeroot, ntubes;
+  for (int i = 0; i < sim.ncells; i++) {
+    if (sim.cells[i].parent < 0) continue;
     int r = root[i];
     if (tree[r] < 0) {
       tree[r] = 0;
@@ -192,16 +192,16 @@ static int BuildScene(tinygltf::Model &model, int binary) {
   std::sort(treeroot.begin(), treeroot.end());
   ntubes.assign(treeroot.size(), 0);
   for (size_t t = 0; t < treeroot.size(); t++) tree[treeroot[t]] = (int)t;
-  for (int i = 0; i < ncells; i++)
-    if (cells[i].parent >= 0) ntubes[tree[root[i]]]++;
+  for (int i = 0; i < sim.ncells; i++)
+    if (sim.cells[i].parent >= 0) ntubes[tree[root[i]]]++;
   std::vector<size_t> first(treeroot.size() + 1, 0);
   for (size_t t = 0; t < treeroot.size(); t++) first[t + 1] = first[t] + ntubes[t];
   std::vector<int> order(first.back());
   std::vector<size_t> next(first.begin(), first.end() - 1);
-  for (int i = 0; i < ncells; i++)
-    if (cells[i].parent >= 0) order[next[tree[root[i]]]++] = i;
+  for (int i = 0; i < sim.ncells; i++)
+    if (sim.cells[i].parent >= 0) order[next[tree[root[i]]]++] = i;
 
-  size_t ntube = order.size(), nvert = ntube * GLTF_TUBEVERTICES, nfacet = nstltri > 0 ? nstltri : 0;
+  size_t ntube = order.size(), nvert = ntube * GLTF_TUBEVERTICES, nfacet = sim.nstltri > 0 ? sim.nstltri : 0;
   size_t posat = 0, nrmat = posat + 12 * nvert, colat = nrmat + 12 * nvert, idxat = colat + 4 * nvert;
   size_t sposat = idxat + 4 * ntube * GLTF_TUBEINDICES, snrmat = sposat + 36 * nfacet;
   size_t total = snrmat + 36 * nfacet;
@@ -230,15 +230,15 @@ static int BuildScene(tinygltf::Model &model, int binary) {
     int vcol = AddView(&model, colat, 4 * nvert, TINYGLTF_TARGET_ARRAY_BUFFER, 4);
     int vidx = AddView(&model, idxat, 4 * ntube * GLTF_TUBEINDICES, TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER, 0);
     // The radii of the window's tubes and of the cone export.
-    double scale = RadiusSlope();
+    double scale = RadiusSlope(sim);
     for (size_t t = 0; t < treeroot.size(); t++) {
       RANGE range = {};
       for (size_t k = first[t]; k < first[t + 1]; k++) {
         int i = order[k];
-        const CELL &c = cells[i], &q = cells[c.parent];
-        EmitCone(&tubesink, q.p, c.p, log(q.weight + 1) * scale + growthstate.thickend,
-                 log(c.weight + 1) * scale + growthstate.thickend, 10, 0, TWOPI);
-        COLOUR colour = ChooseColour(i, options.dladrawmode);
+        const CELL &c = sim.cells[i], &q = sim.cells[c.parent];
+        EmitCone(&tubesink, q.p, c.p, log(q.weight + 1) * scale + sim.growthstate.thickend,
+                 log(c.weight + 1) * scale + sim.growthstate.thickend, 10, 0, TWOPI);
+        COLOUR colour = ChooseColour(sim, i, sim.options.dladrawmode);
         unsigned char rgba[4] = {LinearByte(colour.r), LinearByte(colour.g), LinearByte(colour.b), 255};
         size_t v0 = k * GLTF_TUBEVERTICES;
         for (int v = 0; v < GLTF_TUBEVERTICES; v++) {
@@ -284,7 +284,7 @@ static int BuildScene(tinygltf::Model &model, int binary) {
     model.materials.push_back(MakeMaterial("surface", pale, 1));
     RANGE range = {};
     for (size_t f = 0; f < nfacet; f++) {
-      const FACET &facet = stltri[f];
+      const FACET &facet = sim.stltri[f];
       float n[3] = {(float)facet.n.x, (float)facet.n.y, (float)facet.n.z};
       for (int k = 0; k < 3; k++) {
         float p[3] = {(float)facet.p[k].x, (float)facet.p[k].y, (float)facet.p[k].z};
@@ -311,9 +311,9 @@ static int BuildScene(tinygltf::Model &model, int binary) {
   return 1;
 }
 
-int WriteGLTF(FILE *fp) {
+int WriteGLTF(SIMULATION &sim, FILE *fp) {
   tinygltf::Model model;
-  if (!BuildScene(model, 1)) return 0;
+  if (!BuildScene(sim, model, 1)) return 0;
   tinygltf::TinyGLTF writer;
   FILEBUF sink(fp);
   std::ostream out(&sink);
@@ -334,13 +334,13 @@ static std::string BinaryName(const char *path) {
   return name + ".bin";
 }
 
-int SaveGLTFFile(const char *path) {
+int SaveGLTFFile(SIMULATION &sim, const char *path) {
   if (path == NULL || path[0] == '\0') return 0;
   size_t len = strlen(path);
   if (len >= 4 && strcasecmp(path + len - 4, ".glb") == 0) {
     FILE *fp = fopen(path, "wb");
     if (fp == NULL) return 0;
-    int ok = WriteGLTF(fp);
+    int ok = WriteGLTF(sim, fp);
     int saved = errno;
     int closed = fclose(fp) == 0;
     errno = saved;
@@ -353,7 +353,7 @@ int SaveGLTFFile(const char *path) {
   if (fp == NULL) return 0;
   fclose(fp);
   tinygltf::Model model;
-  BuildScene(model, 0);
+  BuildScene(sim, model, 0);
   if (!model.buffers.empty()) model.buffers[0].uri = BinaryName(path);
   tinygltf::TinyGLTF writer;
   errno = 0;

@@ -5,6 +5,7 @@
 #define DLA_EXPORT_GLTF_H
 
 #include <stdio.h>
+#include "app/simulation.h"
 
 // Vertices and indices of one tube (one cell with a parent): its ten-sided
 // quad strip closes on its first ring pair, so the repeated pair is shared.
@@ -21,12 +22,12 @@
 // "surface" when there are facets. Returns 1 when written; 0 on a write
 // error, or with errno EFBIG (nothing written) when the buffer passes the
 // 4 GB a .glb can address.
-int WriteGLTF(FILE *fp);
+int WriteGLTF(SIMULATION &sim, FILE *fp);
 
 // Writes path: a .glb when it ends in ".glb" (any case); otherwise JSON
 // glTF with the buffer in a file beside it, named as path without its
 // extension and ".bin" (a.gltf: a.bin). Returns 0 (errno set) when a file
 // cannot be created or written.
-int SaveGLTFFile(const char *path);
+int SaveGLTFFile(SIMULATION &sim, const char *path);
 
 #endif

@@ -7,20 +7,20 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "lib/wrl.h"
 #include "surface/stl.h"
 #include "view/choosecolour.h"
 
 // ---------------------------------------------------------------- [SECTION] POV-Ray fixed parts
 
-void POVHeader(FILE *fp) {
+void POVHeader(SIMULATION &sim, FILE *fp) {
   fprintf(fp, "/*\n");
   fprintf(fp, " 3D DLA structure from morrowglint by Orvantide\n");
-  fprintf(fp, " Number of particles: %d\n", ncells);
-  fprintf(fp, " Maximum radius: %g\n", growthstate.radius);
+  fprintf(fp, " Number of particles: %d\n", sim.ncells);
+  fprintf(fp, " Maximum radius: %g\n", sim.growthstate.radius);
   fprintf(fp, "*/\n\n");
-  fprintf(fp, "#declare DLARADIUS = %g;\n\n", growthstate.radius);
+  fprintf(fp, "#declare DLARADIUS = %g;\n\n", sim.growthstate.radius);
   fprintf(fp, "global_settings {\n");
   fprintf(fp, " assumed_gamma 1\n");
   fprintf(fp, " max_trace_level 5 // increase this if necessary\n");
@@ -32,15 +32,15 @@ void POVHeader(FILE *fp) {
   fprintf(fp, "}\n\n");
   fprintf(fp, "// Function that controls the radius of the branches\n");
   fprintf(fp, "// Change this for different radii distributions\n");
-  fprintf(fp, "#local MINR = %g;\n", growthstate.thickend);
-  fprintf(fp, "#local MAXR = %g;\n", growthstate.thickstart);
+  fprintf(fp, "#local MINR = %g;\n", sim.growthstate.thickend);
+  fprintf(fp, "#local MAXR = %g;\n", sim.growthstate.thickstart);
   fprintf(fp, "#local CalcRadius = function(r,rmax)\n");
   fprintf(fp, "{\n");
   fprintf(fp, " MINR + (MAXR - MINR) * log(r+1) / log(rmax+1)\n");
   fprintf(fp, "}\n\n");
   fprintf(fp, "// Camera\n");
-  fprintf(fp, "#declare VP = <%g,%g,%g>;\n", camera.vp.x, camera.vp.y, camera.vp.z);
-  fprintf(fp, "#declare VU = <%g,%g,%g>;\n", camera.vu.x, camera.vu.y, camera.vu.z);
+  fprintf(fp, "#declare VP = <%g,%g,%g>;\n", sim.camera.vp.x, sim.camera.vp.y, sim.camera.vp.z);
+  fprintf(fp, "#declare VU = <%g,%g,%g>;\n", sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
   fprintf(fp, "#declare LEFTRIGHT = -1; // Left or right handed\n");
   fprintf(fp, "#declare VZ = 1.0; // Zoom\n");
   fprintf(fp, "camera {\n");
@@ -48,7 +48,7 @@ void POVHeader(FILE *fp) {
   fprintf(fp, " location VZ*VP\n");
   fprintf(fp, " up y\n");
   fprintf(fp, " right LEFTRIGHT*image_width*x/image_height\n");
-  fprintf(fp, " angle %g // Aperture in degrees\n", camera.aperture);
+  fprintf(fp, " angle %g // Aperture in degrees\n", sim.camera.aperture);
   fprintf(fp, " sky VU\n");
   fprintf(fp, " look_at <0,0,0> // Assumes seeds at or near origin\n");
   fprintf(fp, "}\n\n");
@@ -71,9 +71,9 @@ void POVHeader(FILE *fp) {
   fprintf(fp, " scale 1\n");
   fprintf(fp, "}\n");
   fprintf(fp, "// Default texture for the branches\n");
-  for (int k = 0; k < growthstate.nroots; k++) {
+  for (int k = 0; k < sim.growthstate.nroots; k++) {
     fprintf(fp, "#declare DLATEXTURE%d = texture {\n", k);
-    fprintf(fp, " pigment { rgb %g*<185/256,190/256,50/256> }\n", (k + 1) / (double)growthstate.nroots);
+    fprintf(fp, " pigment { rgb %g*<185/256,190/256,50/256> }\n", (k + 1) / (double)sim.growthstate.nroots);
     fprintf(fp, " finish { thefinish }\n");
     fprintf(fp, " normal { thenormal }\n");
     fprintf(fp, "}\n\n");
@@ -82,7 +82,7 @@ void POVHeader(FILE *fp) {
 
 // With one texture per root the union carries them; otherwise the instance
 // gets the single default one.
-static int PerRootTextures(void) { return growthstate.associate && growthstate.nroots >= 2; }
+static int PerRootTextures(SIMULATION &sim) { return sim.growthstate.associate && sim.growthstate.nroots >= 2; }
 
 // An identity transform, commented out, for the user to edit; indent is
 // the indentation of the object it belongs to.
@@ -96,28 +96,28 @@ static void POVTransformComment(FILE *fp, const char *indent) {
   fprintf(fp, "%s*/\n", indent);
 }
 
-void POVFooter(FILE *fp) {
+void POVFooter(SIMULATION &sim, FILE *fp) {
   fprintf(fp, "// An instance of the dla structure\n");
   fprintf(fp, "object {\n");
   fprintf(fp, " DLA3D\n");
-  if (!PerRootTextures()) fprintf(fp, " texture { DLATEXTURE0 }\n");
+  if (!PerRootTextures(sim)) fprintf(fp, " texture { DLATEXTURE0 }\n");
   POVTransformComment(fp, " ");
   fprintf(fp, "}\n\n");
 }
 
 // ---------------------------------------------------------------- [SECTION] headers, bodies, footers, surfaces
 
-static void WriteHeader(FILE *fp, int format) {
+static void WriteHeader(SIMULATION &sim, FILE *fp, int format) {
   switch (format) {
     case MODEL_VRML:
-      WRLHeader(fp, "3D DLA by Orvantide", 2 * growthstate.radius);
+      WRLHeader(fp, "3D DLA by Orvantide", 2 * sim.growthstate.radius);
       break;
     case MODEL_GEOM:
       fprintf(fp, "# 3D DLA by Orvantide");  // no line end: the first record continues this line
       break;
     case MODEL_POVRAY:
-      POVHeader(fp);
-      if (nstltri > 0) {
+      POVHeader(sim, fp);
+      if (sim.nstltri > 0) {
         fprintf(fp, "// STL surface information\n");
         fprintf(fp, "#declare SHOWSTL = 1; // 0 is off, 1 is on\n");
         fprintf(fp, "#declare STLTEXTURE = texture {\n");
@@ -135,23 +135,23 @@ static void WriteHeader(FILE *fp, int format) {
   }
 }
 
-static void WriteSegment(FILE *fp, int format, int variant, int i, double k) {
-  const CELL &c = cells[i];
+static void WriteSegment(SIMULATION &sim, FILE *fp, int format, int variant, int i, double k) {
+  const CELL &c = sim.cells[i];
   int qi = c.parent;
-  const CELL &q = cells[qi];
-  double r1 = growthstate.thickend + k * log(q.weight + 1);
-  double r2 = growthstate.thickend + k * log(c.weight + 1);
-  double maxw = growthstate.maxweight;
+  const CELL &q = sim.cells[qi];
+  double r1 = sim.growthstate.thickend + k * log(q.weight + 1);
+  double r2 = sim.growthstate.thickend + k * log(c.weight + 1);
+  double maxw = sim.growthstate.maxweight;
 
   switch (format) {
     case MODEL_VRML: {
-      COLOUR colour = ChooseColour(i, options.dladrawmode);
+      COLOUR colour = ChooseColour(sim, i, sim.options.dladrawmode);
       WRLCone2(fp, 10, variant == MODEL_CAPPED ? 1 : 0, q.p, c.p, colour, r1, r2);
       WRLSphere(fp, c.p, colour, r2);
       break;
     }
     case MODEL_GEOM: {
-      COLOUR colour = ChooseColour(i, options.dladrawmode);
+      COLOUR colour = ChooseColour(sim, i, sim.options.dladrawmode);
       fprintf(fp, "# From: %d to %d, thickness: %g to %g\n", qi, i, r1, r2);
       fprintf(fp, "c %g %g %g %g %g %g %g %g ", q.p.x, q.p.y, q.p.z, c.p.x, c.p.y, c.p.z, r1, r2);
       fprintf(fp, "%g %g %g\n", colour.r, colour.g, colour.b);
@@ -165,12 +165,12 @@ static void WriteSegment(FILE *fp, int format, int variant, int i, double k) {
       fprintf(fp, "  CalcRadius(%g,%g)\n", q.weight, maxw);
       fprintf(fp, "  <%g,%g,%g>, ", c.p.x, c.p.y, c.p.z);
       fprintf(fp, "  CalcRadius(%g,%g)\n", c.weight, maxw);
-      if (PerRootTextures()) fprintf(fp, "  texture { DLATEXTURE%d }\n", i % growthstate.nroots);
+      if (PerRootTextures(sim)) fprintf(fp, "  texture { DLATEXTURE%d }\n", i % sim.growthstate.nroots);
       fprintf(fp, " }\n");
       fprintf(fp, " sphere {\n");
       fprintf(fp, "  <%g,%g,%g>, ", c.p.x, c.p.y, c.p.z);
       fprintf(fp, "  CalcRadius(%g,%g)\n", c.weight, maxw);
-      if (PerRootTextures()) fprintf(fp, "  texture { DLATEXTURE%d }\n", i % growthstate.nroots);
+      if (PerRootTextures(sim)) fprintf(fp, "  texture { DLATEXTURE%d }\n", i % sim.growthstate.nroots);
       fprintf(fp, " }\n");
       break;
     case MODEL_DXFPOINTS:
@@ -201,25 +201,25 @@ struct SWEEPPOINT {
 
 // Each branch runs from a tip toward the root and stops on the first cell an
 // earlier branch (or the root) already holds, so the pieces join up.
-static void WriteBranches(FILE *fp, int format) {
-  for (int i = 0; i < ncells; i++) cells[i].traced = (cells[i].parent < 0) ? 1 : 0;
+static void WriteBranches(SIMULATION &sim, FILE *fp, int format) {
+  for (int i = 0; i < sim.ncells; i++) sim.cells[i].traced = (sim.cells[i].parent < 0) ? 1 : 0;
 
-  int textures = PerRootTextures();
-  double maxw = growthstate.maxweight;
+  int textures = PerRootTextures(sim);
+  double maxw = sim.growthstate.maxweight;
   std::vector<SWEEPPOINT> list;
-  for (int start = ncells - 1; start >= 0; start--) {
-    if (cells[start].traced) continue;
+  for (int start = sim.ncells - 1; start >= 0; start--) {
+    if (sim.cells[start].traced) continue;
     list.clear();
-    SWEEPPOINT sp = {cells[start].p, cells[start].weight};
+    SWEEPPOINT sp = {sim.cells[start].p, sim.cells[start].weight};
     list.push_back(sp);
-    cells[start].traced = 1;
+    sim.cells[start].traced = 1;
     int cur = start;
     for (;;) {
-      int q = cells[cur].parent;
-      SWEEPPOINT pp = {cells[q].p, cells[q].weight};
+      int q = sim.cells[cur].parent;
+      SWEEPPOINT pp = {sim.cells[q].p, sim.cells[q].weight};
       list.push_back(pp);
-      if (cells[q].traced) break;
-      cells[q].traced = 1;
+      if (sim.cells[q].traced) break;
+      sim.cells[q].traced = 1;
       cur = q;
     }
     if (format != MODEL_POVRAY) continue;
@@ -233,7 +233,7 @@ static void WriteBranches(FILE *fp, int format) {
       fprintf(fp, "  CalcRadius(%g,%g)\n", list[0].w, maxw);
       fprintf(fp, "  <%g,%g,%g>, ", list[1].p.x, list[1].p.y, list[1].p.z);
       fprintf(fp, "  CalcRadius(%g,min(2*%g,%g))\n", list[0].w, list[1].w, maxw);
-      if (textures) fprintf(fp, "  texture { DLATEXTURE%d }\n", start % growthstate.nroots);
+      if (textures) fprintf(fp, "  texture { DLATEXTURE%d }\n", start % sim.growthstate.nroots);
       fprintf(fp, " }\n\n");
     } else {
       // A cubic spline needs a control point beyond each end.
@@ -251,23 +251,23 @@ static void WriteBranches(FILE *fp, int format) {
         fprintf(fp, "  <%g,%g,%g>, ", c.p.x, c.p.y, c.p.z);
         fprintf(fp, " CalcRadius(%g,%g)\n", c.w, maxw);
       }
-      if (textures) fprintf(fp, " texture { DLATEXTURE%d }\n", start % growthstate.nroots);
+      if (textures) fprintf(fp, " texture { DLATEXTURE%d }\n", start % sim.growthstate.nroots);
       fprintf(fp, " }\n\n");
     }
   }
 }
 
-static void WriteFooter(FILE *fp, int format) {
+static void WriteFooter(SIMULATION &sim, FILE *fp, int format) {
   if (format == MODEL_DXFPOINTS) {
     fprintf(fp, " 0\nENDSEC\n 0\nEOF\n");
   } else if (format == MODEL_POVRAY) {
     fprintf(fp, "}\n");
-    POVFooter(fp);
+    POVFooter(sim, fp);
   }
 }
 
-static void WriteSurface(FILE *fp, int format) {
-  if (nstltri < 1 || format > MODEL_POVRAY) return;
+static void WriteSurface(SIMULATION &sim, FILE *fp, int format) {
+  if (sim.nstltri < 1 || format > MODEL_POVRAY) return;
   COLOUR grey = {0.5, 0.5, 0.5};
   if (format == MODEL_STL) fprintf(fp, "solid 2tlobject\n");
   if (format == MODEL_POVRAY) {
@@ -275,8 +275,8 @@ static void WriteSurface(FILE *fp, int format) {
     fprintf(fp, "#if (SHOWSTL)\n");
     fprintf(fp, " union {\n");
   }
-  for (int i = 0; i < nstltri; i++) {
-    FACET &f = stltri[i];
+  for (int i = 0; i < sim.nstltri; i++) {
+    FACET &f = sim.stltri[i];
     switch (format) {
       case MODEL_VRML:
         WRLFace(fp, f.p, 3, grey);
@@ -310,29 +310,29 @@ static void WriteSurface(FILE *fp, int format) {
   }
 }
 
-double RadiusSlope(void) {
-  double ln = log(growthstate.maxweight + 1);
-  return ln != 0 ? (growthstate.thickstart - growthstate.thickend) / ln : 0;
+double RadiusSlope(SIMULATION &sim) {
+  double ln = log(sim.growthstate.maxweight + 1);
+  return ln != 0 ? (sim.growthstate.thickstart - sim.growthstate.thickend) / ln : 0;
 }
 
-void WriteModel(FILE *fp, int format, int variant) {
+void WriteModel(SIMULATION &sim, FILE *fp, int format, int variant) {
   if (format > MODEL_GEOMPOINTS) return;
-  WriteHeader(fp, format);
+  WriteHeader(sim, fp, format);
   if (variant > 0) {
-    double k = RadiusSlope();
-    for (int i = 0; i < ncells; i++)
-      if (cells[i].parent >= 0) WriteSegment(fp, format, variant, i, k);
+    double k = RadiusSlope(sim);
+    for (int i = 0; i < sim.ncells; i++)
+      if (sim.cells[i].parent >= 0) WriteSegment(sim, fp, format, variant, i, k);
   } else {
-    WriteBranches(fp, format);
+    WriteBranches(sim, fp, format);
   }
-  WriteFooter(fp, format);
-  WriteSurface(fp, format);
+  WriteFooter(sim, fp, format);
+  WriteSurface(sim, fp, format);
 }
 
-int SaveModelFile(const char *path, int format, int variant) {
+int SaveModelFile(SIMULATION &sim, const char *path, int format, int variant) {
   if (format > MODEL_GEOMPOINTS || path == NULL || path[0] == '\0') return 0;
   FILE *fp = fopen(path, "w");
   if (fp == NULL) return 0;
-  WriteModel(fp, format, variant);
+  WriteModel(sim, fp, format, variant);
   return CloseWritten(fp);
 }

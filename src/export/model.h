@@ -6,24 +6,24 @@
 
 #include <stdio.h>
 
-#include "app/records.h"  // MODEL_*
+#include "app/simulation.h"  // MODEL_*
 
 // The fixed head and tail of a POV-Ray scene.
-void POVHeader(FILE *fp);
-void POVFooter(FILE *fp);
+void POVHeader(SIMULATION &sim, FILE *fp);
+void POVFooter(SIMULATION &sim, FILE *fp);
 
 // The slope k of the segment radius thickend + k ln(weight + 1). 0 while
 // maxweight is 0 (a restart that kept grown cells), where the formula would
 // divide by ln 1 and give infinite radii that readers refuse.
-double RadiusSlope(void);
+double RadiusSlope(SIMULATION &sim);
 
 // Writes header, body, footer and surface to fp. Formats above 5 write
 // nothing. Variant 0 leaves every cell's traced mark changed.
-void WriteModel(FILE *fp, int format, int variant);
+void WriteModel(SIMULATION &sim, FILE *fp, int format, int variant);
 
 // Opens path for writing and calls WriteModel. Returns 1 when written, 0 when
 // the format is above 5, the path is empty, the file cannot be opened or a
 // write failed (errno tells; nothing is reported).
-int SaveModelFile(const char *path, int format, int variant);
+int SaveModelFile(SIMULATION &sim, const char *path, int format, int variant);
 
 #endif

@@ -9,18 +9,19 @@
 #include <stdio.h>
 
 #include <vector>
+#include "app/simulation.h"
 
 // root[i] = index of the root cell of cell i's tree (i itself for a root),
 // for the ncells cells. A parent chain that leaves the aggregate or loops
 // ends the walk at the last cell reached.
-void CellRoots(std::vector<int> *root);
+void CellRoots(SIMULATION &sim, std::vector<int> *root);
 
 // Writes the header and both elements to fp (open in binary mode). Returns 1
 // when written, 0 on a write error.
-int WritePLY(FILE *fp);
+int WritePLY(SIMULATION &sim, FILE *fp);
 
 // Opens path for writing and calls WritePLY. Returns 0 (errno set) when the
 // file cannot be created or written.
-int SavePLYFile(const char *path);
+int SavePLYFile(SIMULATION &sim, const char *path);
 
 #endif

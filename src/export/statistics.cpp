@@ -4,36 +4,14 @@
 
 #include <algorithm>  // std::nth_element
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "surface/constraint.h"
 
-BOXCOUNT boxcountstate = {0, 0, {0, 0, 0}, {0, 0, 0}, std::vector<BOX>(), 0, 0, 0};
-void (*boxcountdone)(void) = NULL;
 
-// Which segments may meet a box. LineInBox accepts a segment only for a point
-// of it (an end or a tenth-sample) inside the box, and those points lie within
-// the segment's bounds (padded for rounding). So a box need only test the
-// segments whose low corner lies within one segment extent below it: the
-// answer is the one the scan over every cell gives, at a cost that does not
-// grow with the aggregate.
-struct SEGMENTGRID {
-  int built;
-  unsigned revision;  // cellsrevision and ncells it was built from
-  int ncells;
-  XYZ origin;
-  double reach;             // no listed segment extends further than this on any axis
-  double pad;               // rounding allowance of the samples
-  double edge;              // of a grid cell
-  int n;                    // grid cells per axis
-  std::vector<int> first;   // per grid cell (z fastest), its first entry in segs; n^3 + 1 entries
-  std::vector<int> segs;    // cell indices, by the grid cell of their segment's low corner
-  std::vector<int> others;  // longer than reach, or not finite: tested for every box
-};
 
-static SEGMENTGRID segmentgrid;
 
-static void FreeSegmentGrid(void) {
-  SEGMENTGRID &s = segmentgrid;
+static void FreeSegmentGrid(SIMULATION &sim) {
+  SEGMENTGRID &s = sim.segmentgrid;
   s.built = 0;
   std::vector<int>().swap(s.first);
   std::vector<int>().swap(s.segs);
@@ -46,20 +24,20 @@ static int GridCell(double v, const SEGMENTGRID &s, double origin) {
   return k < s.n - 1 ? (int)k : s.n - 1;
 }
 
-static void BuildSegmentGrid(void) {
-  SEGMENTGRID &s = segmentgrid;
-  FreeSegmentGrid();
+static void BuildSegmentGrid(SIMULATION &sim) {
+  SEGMENTGRID &s = sim.segmentgrid;
+  FreeSegmentGrid(sim);
   s.built = 1;
-  s.revision = cellsrevision;
-  s.ncells = ncells;
+  s.revision = sim.cellsrevision;
+  s.ncells = sim.ncells;
   s.n = 0;
 
   std::vector<int> list;
   std::vector<double> extent;
   XYZ lo = {HUGE_VAL, HUGE_VAL, HUGE_VAL}, hi = {-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
-  for (int i = 0; i < ncells; i++) {
-    if (cells[i].parent < 0) continue;
-    XYZ a = cells[i].p, b = cells[cells[i].parent].p;
+  for (int i = 0; i < sim.ncells; i++) {
+    if (sim.cells[i].parent < 0) continue;
+    XYZ a = sim.cells[i].p, b = sim.cells[sim.cells[i].parent].p;
     // fmin and fmax pass over a NaN, so such ends are kept out of the bounds.
     if (!isfinite(a.x + a.y + a.z + b.x + b.y + b.z)) {
       s.others.push_back(i);
@@ -92,7 +70,7 @@ static void BuildSegmentGrid(void) {
       s.others.push_back(list[k]);
       continue;
     }
-    XYZ a = cells[list[k]].p, b = cells[cells[list[k]].parent].p;
+    XYZ a = sim.cells[list[k]].p, b = sim.cells[sim.cells[list[k]].parent].p;
     where[k] = (GridCell(fmin(a.x, b.x), s, lo.x) * s.n + GridCell(fmin(a.y, b.y), s, lo.y)) * s.n +
                GridCell(fmin(a.z, b.z), s, lo.z);
     s.first[where[k] + 1]++;
@@ -104,21 +82,21 @@ static void BuildSegmentGrid(void) {
     if (where[k] >= 0) s.segs[next[where[k]]++] = list[k];
 }
 
-static int SegmentMeets(int i, XYZ p0, XYZ p1) { return LineInBox(p0, p1, cells[i].p, cells[cells[i].parent].p); }
+static int SegmentMeets(SIMULATION &sim, int i, XYZ p0, XYZ p1) { return LineInBox(p0, p1, sim.cells[i].p, sim.cells[sim.cells[i].parent].p); }
 
 // 1 when some segment meets the box p0-p1, as LineInBox judges it.
-static int BoxOccupied(XYZ p0, XYZ p1) {
-  SEGMENTGRID &s = segmentgrid;
-  if (!s.built || s.revision != cellsrevision || s.ncells != ncells) BuildSegmentGrid();
+static int BoxOccupied(SIMULATION &sim, XYZ p0, XYZ p1) {
+  SEGMENTGRID &s = sim.segmentgrid;
+  if (!s.built || s.revision != sim.cellsrevision || s.ncells != sim.ncells) BuildSegmentGrid(sim);
   XYZ bmin = {fmin(p0.x, p1.x), fmin(p0.y, p1.y), fmin(p0.z, p1.z)};
   XYZ bmax = {fmax(p0.x, p1.x), fmax(p0.y, p1.y), fmax(p0.z, p1.z)};
   if (!isfinite(bmin.x + bmin.y + bmin.z + bmax.x + bmax.y + bmax.z)) {
-    for (int i = 0; i < ncells; i++)
-      if (cells[i].parent >= 0 && SegmentMeets(i, p0, p1)) return 1;
+    for (int i = 0; i < sim.ncells; i++)
+      if (sim.cells[i].parent >= 0 && SegmentMeets(sim, i, p0, p1)) return 1;
     return 0;
   }
   for (int i : s.others)
-    if (SegmentMeets(i, p0, p1)) return 1;
+    if (SegmentMeets(sim, i, p0, p1)) return 1;
   if (s.n == 0) return 0;
   // A segment's low corner lies at most reach (plus the samples' rounding)
   // below the box, and at most the rounding above it.
@@ -130,66 +108,66 @@ static int BoxOccupied(XYZ p0, XYZ p1) {
     for (int y = y0; y <= y1; y++) {
       int row = (x * s.n + y) * s.n;
       for (int k = s.first[row + z0]; k < s.first[row + z1 + 1]; k++)
-        if (SegmentMeets(s.segs[k], p0, p1)) return 1;
+        if (SegmentMeets(sim, s.segs[k], p0, p1)) return 1;
     }
   return 0;
 }
 
-void Statistics(void) {
+void Statistics(SIMULATION &sim) {
   // Counting by parent gives the same numbers as comparing every cell with
   // every index, in linear time.
-  std::vector<int> children(ncells > 0 ? ncells : 0, 0);
-  for (int i = 0; i < ncells; i++) {
-    int q = cells[i].parent;
-    if (q >= 0 && q < ncells) children[q]++;
+  std::vector<int> children(sim.ncells > 0 ? sim.ncells : 0, 0);
+  for (int i = 0; i < sim.ncells; i++) {
+    int q = sim.cells[i].parent;
+    if (q >= 0 && q < sim.ncells) children[q]++;
   }
-  for (int i = 0; i < ncells; i++) {
+  for (int i = 0; i < sim.ncells; i++) {
     int n = children[i] > 9 ? 9 : children[i];
-    stats.branchcount[n]++;
+    sim.stats.branchcount[n]++;
   }
 
-  options.calcstats = 1;
-  stats.timestep = ncells;
-  BoxCountStart();
-  BoxCountStep();
+  sim.options.calcstats = 1;
+  sim.stats.timestep = sim.ncells;
+  BoxCountStart(sim);
+  BoxCountStep(sim);
 }
 
-void BoxCountStart(void) {
-  if (!options.calcstats) return;
-  BOXCOUNT &b = boxcountstate;
-  double radius = growthstate.radius;
+void BoxCountStart(SIMULATION &sim) {
+  if (!sim.options.calcstats) return;
+  BOXCOUNT &b = sim.boxcountstate;
+  double radius = sim.growthstate.radius;
   b.scale = radius / 2;
   b.depth = 0;
-  for (int i = 1; i < 10; i++) stats.boxcount[i] = -1;
-  stats.boxcount[0] = 0;
-  stats.boxsize[0] = b.scale;
+  for (int i = 1; i < 10; i++) sim.stats.boxcount[i] = -1;
+  sim.stats.boxcount[0] = 0;
+  sim.stats.boxsize[0] = b.scale;
   b.p0.x = b.p0.y = b.p0.z = -radius - b.scale;
   b.nboxes = 0;
-  b.save1 = options.stldrawmode;
-  b.save2 = options.dladrawmode;
-  options.stldrawmode = 0;  // not a menu mode: nothing drawn
-  options.dladrawmode = DLADRAW_LINES;
+  b.save1 = sim.options.stldrawmode;
+  b.save2 = sim.options.dladrawmode;
+  sim.options.stldrawmode = 0;  // not a menu mode: nothing drawn
+  sim.options.dladrawmode = DLADRAW_LINES;
 }
 
-static void BoxCountEnd(void) {
-  if (boxcountdone != NULL) boxcountdone();
-  options.calcstats = 0;
-  FreeSegmentGrid();
-  options.stldrawmode = boxcountstate.save1;
-  options.dladrawmode = boxcountstate.save2;
+static void BoxCountEnd(SIMULATION &sim) {
+  if (sim.boxcountdone != NULL) sim.boxcountdone();
+  sim.options.calcstats = 0;
+  FreeSegmentGrid(sim);
+  sim.options.stldrawmode = sim.boxcountstate.save1;
+  sim.options.dladrawmode = sim.boxcountstate.save2;
 }
 
-int BoxCountStep(void) {
-  if (!options.calcstats) return 0;
-  BOXCOUNT &b = boxcountstate;
-  double radius = growthstate.radius;
+int BoxCountStep(SIMULATION &sim) {
+  if (!sim.options.calcstats) return 0;
+  BOXCOUNT &b = sim.boxcountstate;
+  double radius = sim.growthstate.radius;
 
   b.p1.x = b.p0.x + b.scale;
   b.p1.y = b.p0.y + b.scale;
   b.p1.z = b.p0.z + b.scale;
 
-  if (BoxOccupied(b.p0, b.p1)) {
-    stats.boxcount[b.depth]++;
+  if (BoxOccupied(sim, b.p0, b.p1)) {
+    sim.stats.boxcount[b.depth]++;
     BOX box = {b.p0, b.p1};
     if (b.nboxes < (int)b.boxes.size())
       b.boxes[b.nboxes] = box;
@@ -211,8 +189,8 @@ int BoxCountStep(void) {
         b.p0.x = -radius - b.scale;
         b.scale /= 1.5;
         b.depth++;
-        stats.boxsize[b.depth] = b.scale;
-        stats.boxcount[b.depth] = 0;
+        sim.stats.boxsize[b.depth] = b.scale;
+        sim.stats.boxcount[b.depth] = 0;
         b.nboxes = 0;
       }
     }
@@ -220,14 +198,14 @@ int BoxCountStep(void) {
 
   // An edge that is not a positive number (a radius of 0, infinite or not a
   // number) never carries a box past the radius: the count would never end.
-  if (2 * growthstate.branchlength > b.scale || b.depth >= 9 || !(b.scale > 0) || !isfinite(b.scale)) {
-    BoxCountEnd();
+  if (2 * sim.growthstate.branchlength > b.scale || b.depth >= 9 || !(b.scale > 0) || !isfinite(b.scale)) {
+    BoxCountEnd(sim);
     return 1;
   }
   return 0;
 }
 
-void RunStatisticsToCompletion(void) {
-  Statistics();
-  while (options.calcstats) BoxCountStep();
+void RunStatisticsToCompletion(SIMULATION &sim) {
+  Statistics(sim);
+  while (sim.options.calcstats) BoxCountStep(sim);
 }

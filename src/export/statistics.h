@@ -12,45 +12,29 @@
 
 #include <vector>
 
+#include "app/simulation.h"
 #include "lib/vector.h"
 
-struct BOX {
-  XYZ low, high;
-};
 
-// The box count between calls. The desktop draws boxes[0..nboxes-1].
-struct BOXCOUNT {
-  double scale;            // current box edge
-  int depth;               // current level, 0 to 9
-  XYZ p0, p1;              // low and high corner of the box being tested
-  std::vector<BOX> boxes;  // occupied boxes of this level; storage reused per level
-  int nboxes;
-  int save1, save2;        // stldrawmode and dladrawmode before the count
-};
 
-extern BOXCOUNT boxcountstate;
-
-// Called when a box count ends (before the drawing modes are restored); the
-// desktop sets it to arm the statistics overlay. NULL: nothing is called.
-extern void (*boxcountdone)(void);
 
 // Adds the child counts of all cells to stats.branchcount (never cleared),
 // sets calcstats = 1 and timestep = ncells, then starts the box count and
 // performs its first step (which may already end it).
-void Statistics(void);
+void Statistics(SIMULATION &sim);
 
 // Starts a count at level 0 with an edge of radius/2 and switches the views
 // to lines without the surface. Nothing when calcstats is 0.
-void BoxCountStart(void);
+void BoxCountStart(SIMULATION &sim);
 
 // Tests one box and advances to the next. Returns 1 when this step ended the
 // count (calcstats is then 0, the drawing modes are restored, boxcountdone
 // was called), else 0. Nothing (0) when calcstats is 0.
-int BoxCountStep(void);
+int BoxCountStep(SIMULATION &sim);
 
 // Statistics followed by steps until the count ends; for the batch program.
 // A count that can never advance (zero or non-finite box edge) is ended at
 // once instead of looping.
-void RunStatisticsToCompletion(void);
+void RunStatisticsToCompletion(SIMULATION &sim);
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "export/ply.h"  // CellRoots()
 #include "lib/vector.h"  // CloseWritten()
 
@@ -34,11 +34,11 @@ void PutCount(VTPOUT *out, uint64_t bytes) { Put(out, &bytes, 8); }
 
 }  // namespace
 
-int WriteVTP(FILE *fp) {
-  int n = ncells > 0 ? ncells : 0;
+int WriteVTP(SIMULATION &sim, FILE *fp) {
+  int n = sim.ncells > 0 ? sim.ncells : 0;
   int nlines = 0;
   for (int i = 0; i < n; i++)
-    if (cells[i].parent >= 0) nlines++;
+    if (sim.cells[i].parent >= 0) nlines++;
   // Each array's offset counts from the first byte after the '_' of
   // AppendedData, and each block starts with its 8-byte count.
   uint64_t bweight = 8 * (uint64_t)n, bint = 4 * (uint64_t)n, bpoints = 24 * (uint64_t)n;
@@ -78,12 +78,12 @@ int WriteVTP(FILE *fp) {
   fprintf(fp, "  <AppendedData encoding=\"raw\">\n   _");
 
   std::vector<int> root;
-  CellRoots(&root);
+  CellRoots(sim, &root);
   VTPOUT *out = new VTPOUT;
   out->fp = fp;
   out->n = 0;
   PutCount(out, bweight);
-  for (int i = 0; i < n; i++) Put(out, &cells[i].weight, 8);
+  for (int i = 0; i < n; i++) Put(out, &sim.cells[i].weight, 8);
   PutCount(out, bint);
   for (int i = 0; i < n; i++) {
     int32_t r = root[i];
@@ -93,13 +93,13 @@ int WriteVTP(FILE *fp) {
   for (int32_t i = 0; i < n; i++) Put(out, &i, 4);
   PutCount(out, bpoints);
   for (int i = 0; i < n; i++) {
-    double xyz[3] = {cells[i].p.x, cells[i].p.y, cells[i].p.z};
+    double xyz[3] = {sim.cells[i].p.x, sim.cells[i].p.y, sim.cells[i].p.z};
     Put(out, xyz, 24);
   }
   PutCount(out, bconn);
   for (int32_t i = 0; i < n; i++) {
-    if (cells[i].parent < 0) continue;
-    int32_t ends[2] = {cells[i].parent, i};
+    if (sim.cells[i].parent < 0) continue;
+    int32_t ends[2] = {sim.cells[i].parent, i};
     Put(out, ends, 8);
   }
   // A line's offset is where it ends in the connectivity (Int32: 2^30 lines
@@ -115,10 +115,10 @@ int WriteVTP(FILE *fp) {
   return fflush(fp) == 0 && !ferror(fp);
 }
 
-int SaveVTPFile(const char *path) {
+int SaveVTPFile(SIMULATION &sim, const char *path) {
   if (path == NULL || path[0] == '\0') return 0;
   FILE *fp = fopen(path, "wb");
   if (fp == NULL) return 0;
-  int ok = WriteVTP(fp);
+  int ok = WriteVTP(sim, fp);
   return CloseWritten(fp) && ok;
 }

@@ -8,13 +8,14 @@
 #define DLA_EXPORT_VTP_H
 
 #include <stdio.h>
+#include "app/simulation.h"
 
 // Writes the whole file to fp (open in binary mode). Returns 1 when written,
 // 0 on a write error.
-int WriteVTP(FILE *fp);
+int WriteVTP(SIMULATION &sim, FILE *fp);
 
 // Opens path for writing and calls WriteVTP. Returns 0 (errno set) when the
 // file cannot be created or written.
-int SaveVTPFile(const char *path);
+int SaveVTPFile(SIMULATION &sim, const char *path);
 
 #endif

@@ -4,7 +4,7 @@
 #include <math.h>    // isfinite()
 #include <stdlib.h>  // atof(), atoi()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 #include "surface/transform.h"
@@ -35,73 +35,73 @@ int TruncateText(const char *text) {
   return (int)v;
 }
 
-void ReadBiasText(const char *text) { growthstate.bias = Clamp(Number(text), 0, 1); }
+void ReadBiasText(SIMULATION &sim, const char *text) { sim.growthstate.bias = Clamp(Number(text), 0, 1); }
 
-void ReadRotationText(const char *text) { growthstate.rotation = Clamp(Number(text), -5, 5); }
+void ReadRotationText(SIMULATION &sim, const char *text) { sim.growthstate.rotation = Clamp(Number(text), -5, 5); }
 
-void ReadSeedText(const char *text) {
+void ReadSeedText(SIMULATION &sim, const char *text) {
   int seed = TruncateText(text);
-  growthstate.seed = seed < 0 ? -seed : seed;
+  sim.growthstate.seed = seed < 0 ? -seed : seed;
 }
 
-void ReadBranchLengthText(const char *text) {
+void ReadBranchLengthText(SIMULATION &sim, const char *text) {
   double v = Number(text);
-  growthstate.branchlength = v < 0.01 ? 0.01 : v;
+  sim.growthstate.branchlength = v < 0.01 ? 0.01 : v;
 }
 
-void ReadStickinessText(const char *text) { growthstate.stickiness = Clamp(Number(text), 1, 100); }
+void ReadStickinessText(SIMULATION &sim, const char *text) { sim.growthstate.stickiness = Clamp(Number(text), 1, 100); }
 
-void ReadThickEndText(const char *text) { growthstate.thickend = Positive(Number(text)); }
+void ReadThickEndText(SIMULATION &sim, const char *text) { sim.growthstate.thickend = Positive(Number(text)); }
 
-void ReadThickStartText(const char *text) { growthstate.thickstart = Positive(Number(text)); }
+void ReadThickStartText(SIMULATION &sim, const char *text) { sim.growthstate.thickstart = Positive(Number(text)); }
 
-void ReadIntersectRangeText(const char *text) { growthstate.intersectrange = Clamp(Number(text), 0, 90); }
+void ReadIntersectRangeText(SIMULATION &sim, const char *text) { sim.growthstate.intersectrange = Clamp(Number(text), 0, 90); }
 
-static void RestartWithNewRoots(void) {
-  InitialiseGrowth();
-  ResetSeeds();
+static void RestartWithNewRoots(SIMULATION &sim) {
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
 }
 
-void ReadNumberOfRootsText(const char *text) {
+void ReadNumberOfRootsText(SIMULATION &sim, const char *text) {
   int n = TruncateText(text);
   n = n < 0 ? -n : n;
-  growthstate.nroots = n > MAXROOTS ? MAXROOTS : n;
-  RestartWithNewRoots();
+  sim.growthstate.nroots = n > MAXROOTS ? MAXROOTS : n;
+  RestartWithNewRoots(sim);
 }
 
-void ReadRootRangeText(const char *text) {
-  growthstate.rootrange = Number(text);
-  RestartWithNewRoots();
+void ReadRootRangeText(SIMULATION &sim, const char *text) {
+  sim.growthstate.rootrange = Number(text);
+  RestartWithNewRoots(sim);
 }
 
-void SetAssociate(int on) {
-  growthstate.associate = on;
-  RestartWithNewRoots();
+void SetAssociate(SIMULATION &sim, int on) {
+  sim.growthstate.associate = on;
+  RestartWithNewRoots(sim);
 }
 
-void ReadSliceNormalText(int axis, const char *text) {
+void ReadSliceNormalText(SIMULATION &sim, int axis, const char *text) {
   double v = Number(text);
-  if (axis == 0) options.slicenormal.x = v;
-  if (axis == 1) options.slicenormal.y = v;
-  if (axis == 2) options.slicenormal.z = v;
+  if (axis == 0) sim.options.slicenormal.x = v;
+  if (axis == 1) sim.options.slicenormal.y = v;
+  if (axis == 2) sim.options.slicenormal.z = v;
 }
 
-void ReadSliceCountText(const char *text) {
+void ReadSliceCountText(SIMULATION &sim, const char *text) {
   int n = atoi(text);
-  options.nslices = n < 2 ? 2 : n;
+  sim.options.nslices = n < 2 ? 2 : n;
 }
 
-XYZ SliceNormalForCut(void) {
-  if (Modulus(options.slicenormal) < 1e-5) options.slicenormal.z = 1.0;
-  XYZ n = options.slicenormal;
+XYZ SliceNormalForCut(SIMULATION &sim) {
+  if (Modulus(sim.options.slicenormal) < 1e-5) sim.options.slicenormal.z = 1.0;
+  XYZ n = sim.options.slicenormal;
   Normalise(&n);
   return n;
 }
 
-void ApplyTransformText(const char *const text[9]) {
+void ApplyTransformText(SIMULATION &sim, const char *const text[9]) {
   XYZ scale = {Number(text[0]), Number(text[1]), Number(text[2])};
   XYZ shift = {Number(text[3]), Number(text[4]), Number(text[5])};
   XYZ rotate = {Number(text[6]), Number(text[7]), Number(text[8])};
-  TransformSTL(scale, shift, rotate);
-  UpdateSTL();
+  TransformSTL(sim, scale, shift, rotate);
+  UpdateSTL(sim);
 }

@@ -2,7 +2,7 @@
 
 #include <math.h>  // floor(), isfinite(), HUGE_VAL
 
-#include "app/records.h"
+#include "app/simulation.h"
 
 // Which cells can change the scan's outcome. The scan updates (best, D)
 // only for a cell with d2 < D, and reports a touch once branchlength^2 > D.
@@ -25,8 +25,6 @@
 // one byte read proves a ball empty, and the particle walks inside it with
 // no search at all until it leaves.
 
-SEARCHINDEX searchindex;
-int growthsearch = SEARCH_INDEX;
 
 #define EMPTYKEY (~(uint64_t)0)
 #define KEYBITS 19
@@ -92,9 +90,9 @@ static int Store(HASHTABLE *t, uint64_t key, int value) {
 }
 
 // Bucket numbers of a point at level 0; 0 when out of the key range.
-static int Bucket(XYZ p, int *ix, int *iy, int *iz) {
-  double fx = floor(p.x * searchindex.invh), fy = floor(p.y * searchindex.invh),
-         fz = floor(p.z * searchindex.invh);
+static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
+  double fx = floor(p.x * sim.searchindex.invh), fy = floor(p.y * sim.searchindex.invh),
+         fz = floor(p.z * sim.searchindex.invh);
   double big = (double)KEYRANGE - 4;
   if (!(fabs(fx) < big && fabs(fy) < big && fabs(fz) < big)) return 0;
   *ix = (int)fx;
@@ -343,8 +341,8 @@ static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
 }
 
 // Marks the block of level k (1 and up) at (bx, by, bz) as holding a cell.
-static void MarkOccupied(int k, int bx, int by, int bz) {
-  SEARCHINDEX &s = searchindex;
+static void MarkOccupied(SIMULATION &sim, int k, int bx, int by, int bz) {
+  SEARCHINDEX &s = sim.searchindex;
   if (k < OCCUPANCY_HIGH) {
     Store(&s.occupied, Key(k, bx, by, bz), 1);
     return;
@@ -364,8 +362,8 @@ static void MarkOccupied(int k, int bx, int by, int bz) {
 }
 
 // 1 when the block of level k at (bx, by, bz) holds a cell.
-static int Occupied(int k, int bx, int by, int bz) {
-  const SEARCHINDEX &s = searchindex;
+static int Occupied(SIMULATION &sim, int k, int bx, int by, int bz) {
+  const SEARCHINDEX &s = sim.searchindex;
   if (k < OCCUPANCY_HIGH) return Lookup(&s.occupied, Key(k, bx, by, bz)) >= 0;
   const OCCUPANCYCUBE *c = &s.cube[k];
   long bit = SpanIndex(c->half, bx, by, bz);
@@ -373,8 +371,8 @@ static int Occupied(int k, int bx, int by, int bz) {
   return c->spilled && Lookup(&s.occupiedhigh, Key(k, bx, by, bz)) >= 0;
 }
 
-static void Insert(int c) {
-  SEARCHINDEX &s = searchindex;
+static void Insert(SIMULATION &sim, int c) {
+  SEARCHINDEX &s = sim.searchindex;
   if ((int)s.next.size() <= c) {
     size_t size = c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size();
     s.next.resize(size);
@@ -382,27 +380,27 @@ static void Insert(int c) {
     s.parent.resize(size);
     s.standin.resize(size);
   }
-  int parent = cells[c].parent;
+  int parent = sim.cells[c].parent;
   s.parent[c] = parent;
   if (parent < c) {
     s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
   } else {  // not in growth order: walk
     int h = 0, j = c;
     do {
-      j = cells[j].parent;
+      j = sim.cells[j].parent;
       h++;
     } while (j > 0);
     s.hops[c] = h;
   }
   int ix, iy, iz;
-  if (!Bucket(cells[c].p, &ix, &iy, &iz)) {
+  if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
     s.standin[c] = c;  // its children look it up
     return;
   }
   s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(k, ix >> k, iy >> k, iz >> k);
-  FieldAdd(&s.fine, cells[c].p);
+  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(sim, k, ix >> k, iy >> k, iz >> k);
+  FieldAdd(&s.fine, sim.cells[c].p);
   // The coarse field holds one cell of each little cluster: a cell near
   // its parent's stand-in is left out, and the field's bounds are taken
   // that much lower. Most cells are left out, and their update was the
@@ -410,21 +408,21 @@ static void Insert(int c) {
   int standin = c;
   if (parent >= 0 && parent < c) {
     int r = s.standin[parent];
-    double dx = cells[c].p.x - cells[r].p.x, dy = cells[c].p.y - cells[r].p.y,
-           dz = cells[c].p.z - cells[r].p.z;
+    double dx = sim.cells[c].p.x - sim.cells[r].p.x, dy = sim.cells[c].p.y - sim.cells[r].p.y,
+           dz = sim.cells[c].p.z - sim.cells[r].p.z;
     if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) standin = r;
   }
   s.standin[c] = standin;
-  if (standin == c) FieldAdd(&s.coarse, cells[c].p);
+  if (standin == c) FieldAdd(&s.coarse, sim.cells[c].p);
 }
 
-static void Rebuild(void) {
-  SEARCHINDEX &s = searchindex;
-  SettleWeights();
+static void Rebuild(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  SettleWeights(sim);
   s.valid = 1;
-  s.revision = cellsrevision;
-  s.n = ncells;
-  s.branchlength = growthstate.branchlength;
+  s.revision = sim.cellsrevision;
+  s.n = sim.ncells;
+  s.branchlength = sim.growthstate.branchlength;
   s.reach = s.branchlength > 1 ? s.branchlength : 1;
   s.h = 2 * s.reach * (1 + 1e-6);
   s.invh = 1 / s.h;
@@ -441,7 +439,7 @@ static void Rebuild(void) {
   Clear(&s.occupied);
   Clear(&s.occupiedhigh);
   for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
-  s.next.assign(ncells > 1024 ? ncells : 1024, -1);
+  s.next.assign(sim.ncells > 1024 ? sim.ncells : 1024, -1);
   s.hops.assign(s.next.size(), 0);
   s.parent.assign(s.next.size(), -1);
   s.standin.assign(s.next.size(), -1);
@@ -451,34 +449,34 @@ static void Rebuild(void) {
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
   s.maxweight = 0;
   s.maxweightknown = 0;
-  for (int i = 0; i < ncells; i++) {
-    Insert(i);
-    double d = Modulus(cells[i].p);
+  for (int i = 0; i < sim.ncells; i++) {
+    Insert(sim, i);
+    double d = Modulus(sim.cells[i].p);
     if (d > s.maxdist) s.maxdist = d;
   }
   // Not-a-number bounds would turn the bucket arithmetic meaningless.
   if (!isfinite(s.reach) || !isfinite(s.h)) s.overflow = 1;
 }
 
-void SyncSearchIndex(void) {
-  SEARCHINDEX &s = searchindex;
-  if (!s.valid || s.revision != cellsrevision || s.n != ncells ||
-      s.branchlength != growthstate.branchlength)
-    Rebuild();
+void SyncSearchIndex(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.valid || s.revision != sim.cellsrevision || s.n != sim.ncells ||
+      s.branchlength != sim.growthstate.branchlength)
+    Rebuild(sim);
 }
 
-void IndexAppendedCell(unsigned revision) {
-  SEARCHINDEX &s = searchindex;
-  if (!s.valid || s.revision != revision || s.n != ncells - 1 ||
-      s.branchlength != growthstate.branchlength) {
+void IndexAppendedCell(SIMULATION &sim, unsigned revision) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.valid || s.revision != revision || s.n != sim.ncells - 1 ||
+      s.branchlength != sim.growthstate.branchlength) {
     s.valid = 0;
     return;
   }
-  s.revision = cellsrevision;
-  s.n = ncells;
+  s.revision = sim.cellsrevision;
+  s.n = sim.ncells;
   s.ball = 0;
-  Insert(ncells - 1);
-  double d = Modulus(cells[ncells - 1].p);
+  Insert(sim, sim.ncells - 1);
+  double d = Modulus(sim.cells[sim.ncells - 1].p);
   if (d > s.maxdist) s.maxdist = d;
 }
 
@@ -499,8 +497,8 @@ static double Gap(double x, int b, double hk) {
 
 // No cell is closer to p than free: the ball around p where no point is
 // within reach of a cell.
-static void SetEmptyBall(XYZ p, double free) {
-  SEARCHINDEX &s = searchindex;
+static void SetEmptyBall(SIMULATION &sim, XYZ p, double free) {
+  SEARCHINDEX &s = sim.searchindex;
   double safe = (free - s.reach) * (1 - MARGIN);
   if (safe > 0) {
     s.ball = 1;
@@ -511,8 +509,8 @@ static void SetEmptyBall(XYZ p, double free) {
 
 // 1 while p stays in the last proven empty ball; forgets the ball when p
 // has left it.
-static int StillInEmptyBall(XYZ p) {
-  SEARCHINDEX &s = searchindex;
+static int StillInEmptyBall(SIMULATION &sim, XYZ p) {
+  SEARCHINDEX &s = sim.searchindex;
   if (!s.ball) return 0;
   double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
   if (dx * dx + dy * dy + dz * dz < s.safe2) return 1;
@@ -521,15 +519,15 @@ static int StillInEmptyBall(XYZ p) {
 }
 
 // Rounding slack of the bounds around p.
-static double Slack(XYZ p) {
-  return MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + searchindex.h * (1 << INDEX_LEVELS));
+static double Slack(SIMULATION &sim, XYZ p) {
+  return MARGIN * (1 + fabs(p.x) + fabs(p.y) + fabs(p.z) + sim.searchindex.h * (1 << INDEX_LEVELS));
 }
 
 // The fine field's bound at p, or where the fine field has no cell within
 // its cap the better of its cap and the coarse field's bound; *saturated
 // when neither has a cell within its cap.
-static double FieldsFree(XYZ p, double slack, int *saturated) {
-  SEARCHINDEX &s = searchindex;
+static double FieldsFree(SIMULATION &sim, XYZ p, double slack, int *saturated) {
+  SEARCHINDEX &s = sim.searchindex;
   double free = FieldFree(&s.fine, p, slack, saturated);
   if (*saturated) {
     double coarse = FieldFree(&s.coarse, p, slack, saturated) - s.standinreach;
@@ -541,8 +539,8 @@ static double FieldsFree(XYZ p, double slack, int *saturated) {
 // The 2x2x2 block of level-0 buckets around bucket (ix, iy, iz) that keeps
 // p at least half a bucket from its faces: its first bucket in lo, and the
 // distance from p to its nearest face, less the slack.
-static double BlockAround(XYZ p, int ix, int iy, int iz, double slack, int lo[3]) {
-  const SEARCHINDEX &s = searchindex;
+static double BlockAround(SIMULATION &sim, XYZ p, int ix, int iy, int iz, double slack, int lo[3]) {
+  const SEARCHINDEX &s = sim.searchindex;
   double rx, ry, rz;
   lo[0] = Span(p.x, ix, s.h, &rx);
   lo[1] = Span(p.y, iy, s.h, &ry);
@@ -553,10 +551,10 @@ static double BlockAround(XYZ p, int ix, int iy, int iz, double slack, int lo[3]
 }
 
 // The newest cell of each of the block's buckets (-1: empty); 1 when any.
-static int BlockHeads(const int lo[3], int head[8]) {
+static int BlockHeads(SIMULATION &sim, const int lo[3], int head[8]) {
   int any = 0;
   for (int k = 0; k < 8; k++) {
-    head[k] = Lookup(&searchindex.buckets, Key(0, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2)));
+    head[k] = Lookup(&sim.searchindex.buckets, Key(0, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2)));
     any |= head[k] >= 0;
   }
   return any;
@@ -567,12 +565,12 @@ static int BlockHeads(const int lo[3], int head[8]) {
 // which then run in the scan's order: the same outcome, and the true
 // nearest squared distance (*nearest2) too. Returns 1 on a touch, the cell
 // in *best.
-static int ScanBlock(XYZ p, int head[8], int associate, int nroots, int rootclass, int *best,
+static int ScanBlock(SIMULATION &sim, XYZ p, int head[8], int associate, int nroots, int rootclass, int *best,
                      double *nearest2) {
-  const SEARCHINDEX &s = searchindex;
+  const SEARCHINDEX &s = sim.searchindex;
   double nearest = 1e300;
   double dmin = 1e32;
-  double reach2 = growthstate.branchlength * growthstate.branchlength;
+  double reach2 = sim.growthstate.branchlength * sim.growthstate.branchlength;
   int found = -1;
   for (;;) {
     int j = 0;
@@ -581,9 +579,9 @@ static int ScanBlock(XYZ p, int head[8], int associate, int nroots, int rootclas
     int i = head[j];
     if (i < 0) break;
     head[j] = s.next[i];
-    double dx = cells[i].p.x - p.x;
-    double dy = cells[i].p.y - p.y;
-    double dz = cells[i].p.z - p.z;
+    double dx = sim.cells[i].p.x - p.x;
+    double dy = sim.cells[i].p.y - p.y;
+    double dz = sim.cells[i].p.z - p.z;
     double d2 = dx * dx + dy * dy + dz * dz;
     if (d2 < nearest) nearest = d2;
     if (associate && i % nroots != rootclass) continue;
@@ -603,8 +601,8 @@ static int ScanBlock(XYZ p, int head[8], int associate, int nroots, int rootclas
 // those inside at least as far as their occupied buckets' boxes. Climbs
 // from level first while the blocks are empty; the first occupied one ends
 // the climb. Returns the best of the levels' bounds.
-static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first) {
-  const SEARCHINDEX &s = searchindex;
+static double CoarseFree(SIMULATION &sim, XYZ p, int ix, int iy, int iz, double slack, int first) {
+  const SEARCHINDEX &s = sim.searchindex;
   double free = -HUGE_VAL;
   for (int k = first; k < INDEX_LEVELS; k++) {
     double hk = s.h * (double)(1 << k);
@@ -615,7 +613,7 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first)
     int occupied = 0;
     for (int m = 0; m < 8; m++) {
       int bx = kx + (m & 1), by = ky + ((m >> 1) & 1), bz = kz + (m >> 2);
-      if (!Occupied(k, bx, by, bz)) continue;
+      if (!Occupied(sim, k, bx, by, bz)) continue;
       occupied = 1;
       double gx = Gap(p.x, bx, hk), gy = Gap(p.y, by, hk), gz = Gap(p.z, bz, hk);
       double d = sqrt(gx * gx + gy * gy + gz * gz);
@@ -629,55 +627,55 @@ static double CoarseFree(XYZ p, int ix, int iy, int iz, double slack, int first)
 }
 
 // Bucket numbers of a finite p; 0 when p is not finite or out of range.
-static int FiniteBucket(XYZ p, int *ix, int *iy, int *iz) {
-  return isfinite(p.x) && isfinite(p.y) && isfinite(p.z) && Bucket(p, ix, iy, iz);
+static int FiniteBucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
+  return isfinite(p.x) && isfinite(p.y) && isfinite(p.z) && Bucket(sim, p, ix, iy, iz);
 }
 
-int IndexSearch(XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
-  SEARCHINDEX &s = searchindex;
+int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass, int *best, int *ok) {
+  SEARCHINDEX &s = sim.searchindex;
   *ok = 0;
   if (s.overflow) return 0;
-  if (StillInEmptyBall(p)) {
+  if (StillInEmptyBall(sim, p)) {
     *ok = 1;
     return 0;
   }
   int ix, iy, iz;
-  if (!FiniteBucket(p, &ix, &iy, &iz)) return 0;
-  double slack = Slack(p);
+  if (!FiniteBucket(sim, p, &ix, &iy, &iz)) return 0;
+  double slack = Slack(sim, p);
 
   // The fields first: a byte tells most particles how far they may go
   // before a cell could be within reach.
   int saturated;
-  double fieldfree = FieldsFree(p, slack, &saturated);
+  double fieldfree = FieldsFree(sim, p, slack, &saturated);
   if (!saturated && fieldfree >= s.reach) {
     *ok = 1;
-    SetEmptyBall(p, fieldfree);
+    SetEmptyBall(sim, p, fieldfree);
     return 0;
   }
 
   int lo[3];
-  double room = BlockAround(p, ix, iy, iz, slack, lo);
+  double room = BlockAround(sim, p, ix, iy, iz, slack, lo);
   if (!(room >= s.reach)) return 0;  // rounding left a near cell outside the block
   int head[8];
-  int any = BlockHeads(lo, head);
+  int any = BlockHeads(sim, lo, head);
   *ok = 1;
   double free = room > fieldfree ? room : fieldfree;  // no cell is closer than this
   if (any) {
     double nearest2;
-    if (ScanBlock(p, head, associate, nroots, rootclass, best, &nearest2)) return 1;
+    if (ScanBlock(sim, p, head, associate, nroots, rootclass, best, &nearest2)) return 1;
     double nearest = sqrt(nearest2) - slack;
     if (nearest < free) free = nearest;
     if (fieldfree > free) free = fieldfree;
   } else {
-    double bound = CoarseFree(p, ix, iy, iz, slack, 1);
+    double bound = CoarseFree(sim, p, ix, iy, iz, slack, 1);
     if (bound > free) free = bound;
   }
-  SetEmptyBall(p, free);
+  SetEmptyBall(sim, p, free);
   return 0;
 }
 
-void SettleWeights(void) {
-  SEARCHINDEX &s = searchindex;
+void SettleWeights(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
   if (!s.owing) return;
   // A cell's share reaches its parent after its own children's: children
   // come after their parents.
@@ -687,22 +685,22 @@ void SettleWeights(void) {
     double share = owed[j];
     if (share == 0) continue;
     owed[j] = 0;
-    cells[j].weight += share;
+    sim.cells[j].weight += share;
     if (s.parent[j] >= 0) owed[s.parent[j]] += share;
   }
   s.owing = 0;
   s.maxweight = 0;
-  for (int i = 0; i < ncells; i++)
-    if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+  for (int i = 0; i < sim.ncells; i++)
+    if (sim.cells[i].weight > s.maxweight) s.maxweight = sim.cells[i].weight;
   s.maxweightknown = 1;
-  growthstate.maxweight = s.maxweight;
+  sim.growthstate.maxweight = s.maxweight;
 }
 
-double IndexClearance(XYZ p) {
-  SEARCHINDEX &s = searchindex;
+double IndexClearance(SIMULATION &sim, XYZ p) {
+  SEARCHINDEX &s = sim.searchindex;
   int ix, iy, iz;
-  if (!s.valid || s.overflow || !FiniteBucket(p, &ix, &iy, &iz)) return 0;
-  double slack = Slack(p);
+  if (!s.valid || s.overflow || !FiniteBucket(sim, p, &ix, &iy, &iz)) return 0;
+  double slack = Slack(sim, p);
   int saturated;
   // The coarse field first: it is small and stays in cache, and where it
   // bounds beyond the fine field's cap the fine field cannot do better.
@@ -717,7 +715,7 @@ double IndexClearance(XYZ p) {
     // (all their points within 42 reaches) hold none, and bound no more.
     // Level 4's room is at most 16 h, under the cap's 22 h, and an occupied
     // block there would end the climb: it starts at level 5.
-    double bound = CoarseFree(p, ix, iy, iz, slack, 5);
+    double bound = CoarseFree(sim, p, ix, iy, iz, slack, 5);
     if (bound > free) free = bound;
   }
   // Every cell lies within maxdist of the origin.

@@ -1,18 +1,19 @@
 #include "growth/random.h"
 
-uint64_t drand48state = 0;  // the library's state before any srand48
-int32_t randstate[RANDOM_DEGREE];
-int randfront = RANDOM_SEP, randrear = 0;
-uint64_t randpending = 0;
-
-void GrowthSrand48(long seed) {
-  drand48state = ((uint64_t)(uint32_t)seed << 16) | 0x330E;
+GROWTHRANDOM FreshGrowthRandom(void) {
+  GROWTHRANDOM r = {};  // drand48's state before any srand48 is 0
+  GrowthSrand(r, 1);    // rand before any srand is seeded with 1
+  return r;
 }
 
-void GrowthSrand(unsigned int seed) {
-  randpending = 0;
+void GrowthSrand48(GROWTHRANDOM &r, long seed) {
+  r.drand48state = ((uint64_t)(uint32_t)seed << 16) | 0x330E;
+}
+
+void GrowthSrand(GROWTHRANDOM &r, unsigned int seed) {
+  r.randpending = 0;
   if (seed == 0) seed = 1;
-  randstate[0] = (int32_t)seed;
+  r.randstate[0] = (int32_t)seed;
   // state[i] = 16807 state[i - 1] mod (2^31 - 1), in 31 bits (Schrage)
   int32_t word = (int32_t)seed;
   for (int i = 1; i < RANDOM_DEGREE; i++) {
@@ -20,11 +21,11 @@ void GrowthSrand(unsigned int seed) {
     long lo = word % 127773;
     word = (int32_t)(16807 * lo - 2836 * hi);
     if (word < 0) word += 2147483647;
-    randstate[i] = word;
+    r.randstate[i] = word;
   }
-  randfront = RANDOM_SEP;
-  randrear = 0;
-  for (int k = 0; k < 10 * RANDOM_DEGREE; k++) GrowthRand();
+  r.randfront = RANDOM_SEP;
+  r.randrear = 0;
+  for (int k = 0; k < 10 * RANDOM_DEGREE; k++) GrowthRand(r);
 }
 
 // The additive generator writes o(t) = o(t - 31) + o(t - 3) mod 2^32 into
@@ -53,7 +54,7 @@ static void PolyTimesX(uint32_t a[RAND_POLY]) {
   a[RAND_POLY - 3] += top;
 }
 
-static void JumpRand(uint64_t n) {
+static void JumpRand(GROWTHRANDOM &r, uint64_t n) {
   uint32_t c[RAND_POLY] = {1};
   for (int bit = 63 - __builtin_clzll(n); bit >= 0; bit--) {
     uint32_t square[RAND_POLY];
@@ -63,36 +64,34 @@ static void JumpRand(uint64_t n) {
   }
   // The window of the last 31 values, oldest first, and the 30 after it.
   uint32_t w[2 * RAND_POLY - 1];
-  for (int k = 0; k < RAND_POLY; k++) w[k] = (uint32_t)randstate[(randfront + k) % RANDOM_DEGREE];
+  for (int k = 0; k < RAND_POLY; k++) w[k] = (uint32_t)r.randstate[(r.randfront + k) % RANDOM_DEGREE];
   for (int k = RAND_POLY; k < 2 * RAND_POLY - 1; k++) w[k] = w[k - RAND_POLY] + w[k - 3];
-  int front = (int)((randfront + n) % RANDOM_DEGREE);
+  int front = (int)((r.randfront + n) % RANDOM_DEGREE);
   for (int m = 0; m < RAND_POLY; m++) {
     uint32_t v = 0;
     for (int j = 0; j < RAND_POLY; j++) v += c[j] * w[m + j];
-    randstate[(front + m) % RANDOM_DEGREE] = (int32_t)v;
+    r.randstate[(front + m) % RANDOM_DEGREE] = (int32_t)v;
   }
-  randfront = front;
-  randrear = (front + RANDOM_DEGREE - RANDOM_SEP) % RANDOM_DEGREE;
+  r.randfront = front;
+  r.randrear = (front + RANDOM_DEGREE - RANDOM_SEP) % RANDOM_DEGREE;
 }
 
-void FlushGrowthRand(void) {
-  uint64_t n = randpending;
-  randpending = 0;
+void FlushGrowthRand(GROWTHRANDOM &r) {
+  uint64_t n = r.randpending;
+  r.randpending = 0;
   if (n < 2000) {  // cheaper one by one
-    while (n-- > 0) GrowthRand();
+    while (n-- > 0) GrowthRand(r);
     return;
   }
-  JumpRand(n);
+  JumpRand(r, n);
 }
 
-void SeedGrowthRandom(int seed) {
-  GrowthSrand((unsigned int)seed);
-  GrowthSrand48(seed);
+void SeedGrowthRandom(GROWTHRANDOM &r, int seed) {
+  GrowthSrand(r, (unsigned int)seed);
+  GrowthSrand48(r, seed);
 }
 
-uint64_t walkrandom[4];
-
-void SeedWalkRandom(int seed) {
+void SeedWalkRandom(GROWTHRANDOM &r, int seed) {
   // splitmix64 spreads the seed over the four words
   uint64_t z = (uint64_t)(uint32_t)seed ^ 0x5745414C4B464153ULL;
   for (int k = 0; k < 4; k++) {
@@ -100,9 +99,6 @@ void SeedWalkRandom(int seed) {
     uint64_t x = z;
     x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
     x = (x ^ (x >> 27)) * 0x94D049BB133111EBULL;
-    walkrandom[k] = x ^ (x >> 31);
+    r.walkrandom[k] = x ^ (x >> 31);
   }
 }
-
-// Before any srand the library behaves as if seeded with 1.
-static int randready = (GrowthSrand(1), 1);

@@ -4,70 +4,70 @@
 
 // Every call below is its own statement so the draws come in the order
 // dx, dy, dz whatever the compiler does with an expression.
-static double Centred(void) { return GrowthDrand48() - 0.5; }
-static double Sideways(double s) { return (GrowthDrand48() - 0.5) * s; }
-static double Wide(void) { return 2 * (GrowthDrand48() - 0.5); }
-static double PlusMinus(void) { return GrowthDrand48() < 0.5 ? -1 : 1; }
+static double Centred(SIMULATION &sim) { return GrowthDrand48(sim.random) - 0.5; }
+static double Sideways(SIMULATION &sim, double s) { return (GrowthDrand48(sim.random) - 0.5) * s; }
+static double Wide(SIMULATION &sim) { return 2 * (GrowthDrand48(sim.random) - 0.5); }
+static double PlusMinus(SIMULATION &sim) { return GrowthDrand48(sim.random) < 0.5 ? -1 : 1; }
 
-XYZ GetNewParticle(int sourcetype, double r) {
-  double s = 0.1 * growthstate.branchlength;  // absolute spread of the axis sources
+XYZ GetNewParticle(SIMULATION &sim, int sourcetype, double r) {
+  double s = 0.1 * sim.growthstate.branchlength;  // absolute spread of the axis sources
   XYZ d;
   switch (sourcetype) {
     case SOURCE_PLUSX:
     case SOURCE_MINUSX:
     case SOURCE_DOUBLEX:
-      d.x = sourcetype == SOURCE_PLUSX ? 1 : sourcetype == SOURCE_MINUSX ? -1 : PlusMinus();
-      d.y = Sideways(s);
-      d.z = Sideways(s);
+      d.x = sourcetype == SOURCE_PLUSX ? 1 : sourcetype == SOURCE_MINUSX ? -1 : PlusMinus(sim);
+      d.y = Sideways(sim, s);
+      d.z = Sideways(sim, s);
       break;
     case SOURCE_PLUSY:
     case SOURCE_MINUSY:
     case SOURCE_DOUBLEY:
-      d.x = Sideways(s);
-      d.y = sourcetype == SOURCE_PLUSY ? 1 : sourcetype == SOURCE_MINUSY ? -1 : PlusMinus();
-      d.z = Sideways(s);
+      d.x = Sideways(sim, s);
+      d.y = sourcetype == SOURCE_PLUSY ? 1 : sourcetype == SOURCE_MINUSY ? -1 : PlusMinus(sim);
+      d.z = Sideways(sim, s);
       break;
     case SOURCE_PLUSZ:
     case SOURCE_MINUSZ:
     case SOURCE_DOUBLEZ:
-      d.x = Sideways(s);
-      d.y = Sideways(s);
-      d.z = sourcetype == SOURCE_PLUSZ ? 1 : sourcetype == SOURCE_MINUSZ ? -1 : PlusMinus();
+      d.x = Sideways(sim, s);
+      d.y = Sideways(sim, s);
+      d.z = sourcetype == SOURCE_PLUSZ ? 1 : sourcetype == SOURCE_MINUSZ ? -1 : PlusMinus(sim);
       break;
     case SOURCE_PLANEX:
       d.x = 1;
-      d.y = Wide();
-      d.z = Wide();
+      d.y = Wide(sim);
+      d.z = Wide(sim);
       break;
     case SOURCE_PLANEY:
-      d.x = Wide();
+      d.x = Wide(sim);
       d.y = 1;
-      d.z = Wide();
+      d.z = Wide(sim);
       break;
     case SOURCE_PLANEZ:
-      d.x = Wide();
-      d.y = Wide();
+      d.x = Wide(sim);
+      d.y = Wide(sim);
       d.z = 1;
       break;
     case SOURCE_HEMIX:
-      d.x = 0.5 * GrowthDrand48();
-      d.y = Centred();
-      d.z = Centred();
+      d.x = 0.5 * GrowthDrand48(sim.random);
+      d.y = Centred(sim);
+      d.z = Centred(sim);
       break;
     case SOURCE_HEMIY:
-      d.x = Centred();
-      d.y = 0.5 * GrowthDrand48();
-      d.z = Centred();
+      d.x = Centred(sim);
+      d.y = 0.5 * GrowthDrand48(sim.random);
+      d.z = Centred(sim);
       break;
     case SOURCE_HEMIZ:
-      d.x = Centred();
-      d.y = Centred();
-      d.z = 0.5 * GrowthDrand48();
+      d.x = Centred(sim);
+      d.y = Centred(sim);
+      d.z = 0.5 * GrowthDrand48(sim.random);
       break;
     case SOURCE_STL:
-      if (nstltri > 0) {
+      if (sim.nstltri > 0) {
         // Aim at a random facet's centroid, each facet equally likely.
-        d = stltri[GrowthRand() % nstltri].mid;
+        d = sim.stltri[GrowthRand(sim.random) % sim.nstltri].mid;
         break;
       }
       // no surface: behave like the sphere
@@ -75,9 +75,9 @@ XYZ GetNewParticle(int sourcetype, double r) {
     default:
       // A point of the unit cube, not a uniform direction: the corners are
       // favoured slightly, as they always were.
-      d.x = Centred();
-      d.y = Centred();
-      d.z = Centred();
+      d.x = Centred(sim);
+      d.y = Centred(sim);
+      d.z = Centred(sim);
       break;
   }
   Normalise(&d);

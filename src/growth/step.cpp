@@ -9,26 +9,24 @@
 #include "surface/constraint.h"
 #include "surface/stl.h"
 
-long long growthvetoes[NVETOES];
-
-static void Veto(const char *why) {
-  if (options.debug) fwrite(why, strlen(why), 1, stderr);
+static void Veto(SIMULATION &sim, const char *why) {
+  if (sim.options.debug) fwrite(why, strlen(why), 1, stderr);
 }
 
 // The plain search: every cell, newest first, until one is within a branch
 // length. Returns 1 on a touch, the cell in *best.
-static int ScanCells(XYZ p, int associate, int nroots, int rootclass, int *best) {
+static int ScanCells(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass, int *best) {
   double dmin = 1e32;
-  double reach = growthstate.branchlength * growthstate.branchlength;
-  for (int i = ncells - 1; i >= 0; i--) {
+  double reach = sim.growthstate.branchlength * sim.growthstate.branchlength;
+  for (int i = sim.ncells - 1; i >= 0; i--) {
     if (associate && i % nroots != rootclass) continue;
     // Signed differences against the squared distance: a coarse early
     // rejection, kept as it always was.
-    double dx = cells[i].p.x - p.x;
+    double dx = sim.cells[i].p.x - p.x;
     if (dx > dmin) continue;
-    double dy = cells[i].p.y - p.y;
+    double dy = sim.cells[i].p.y - p.y;
     if (dy > dmin) continue;
-    double dz = cells[i].p.z - p.z;
+    double dz = sim.cells[i].p.z - p.z;
     if (dz > dmin) continue;
     double d2 = dx * dx + dy * dy + dz * dz;
     if (d2 < dmin) *best = i;
@@ -41,16 +39,16 @@ static int ScanCells(XYZ p, int associate, int nroots, int rootclass, int *best)
 // 1 when the branch from the particle to cell best would pass within the
 // intersection range of another branch. Roots have no branch and are
 // skipped.
-static int CrossesBranch(int best) {
-  GROWTHSTATE &g = growthstate;
+static int CrossesBranch(SIMULATION &sim, int best) {
+  GROWTHSTATE &g = sim.growthstate;
   double range = g.intersectrange * 0.01 * g.branchlength;
   XYZ pa, pb;
   double mua, mub;
-  for (int i = 0; i < ncells; i++) {
-    if (i == best || cells[i].parent < 0) continue;
+  for (int i = 0; i < sim.ncells; i++) {
+    if (i == best || sim.cells[i].parent < 0) continue;
     // Closest points of the infinite lines: the parameters are not checked.
-    if (LineLineIntersect(&pa, &pb, &mua, &mub, g.particle, cells[best].p, cells[i].p,
-                          cells[cells[i].parent].p) &&
+    if (LineLineIntersect(&pa, &pb, &mua, &mub, g.particle, sim.cells[best].p, sim.cells[i].p,
+                          sim.cells[sim.cells[i].parent].p) &&
         VectorLength(pa, pb) < range)
       return 1;
   }
@@ -60,16 +58,16 @@ static int CrossesBranch(int best) {
 // CrossesBranch with the work that does not depend on cell i taken out of
 // the loop: the same operations in the same order as LineLineIntersect, so
 // the same answers. A particle on top of cell best makes every test fail.
-static int CrossesBranchHoisted(int best) {
+static int CrossesBranchHoisted(SIMULATION &sim, int best) {
   const double EPS = 1e-5;
-  GROWTHSTATE &g = growthstate;
+  GROWTHSTATE &g = sim.growthstate;
   double range = g.intersectrange * 0.01 * g.branchlength;
-  XYZ p1 = g.particle, p2 = cells[best].p;
+  XYZ p1 = g.particle, p2 = sim.cells[best].p;
   XYZ p21 = {p2.x - p1.x, p2.y - p1.y, p2.z - p1.z};
   if (fabs(p21.x) < EPS && fabs(p21.y) < EPS && fabs(p21.z) < EPS) return 0;
   double d2121 = DotProduct(p21, p21);
-  const CELL *c = cells.data();
-  for (int i = 0; i < ncells; i++) {
+  const CELL *c = sim.cells.data();
+  for (int i = 0; i < sim.ncells; i++) {
     if (i == best || c[i].parent < 0) continue;
     XYZ p3 = c[i].p, p4 = c[c[i].parent].p;
     XYZ p43 = {p4.x - p3.x, p4.y - p3.y, p4.z - p3.z};
@@ -90,24 +88,24 @@ static int CrossesBranchHoisted(int best) {
   return 0;
 }
 
-static int CutsSurface(int best) {
+static int CutsSurface(SIMULATION &sim, int best) {
   XYZ p;
-  for (int f = 0; f < nstltri; f++)
-    if (LinePlaneIntersect(f, &p, growthstate.particle, cells[best].p)) return 1;
+  for (int f = 0; f < sim.nstltri; f++)
+    if (LinePlaneIntersect(sim, f, &p, sim.growthstate.particle, sim.cells[best].p)) return 1;
   return 0;
 }
 
 // 1 when the particle sits on the normal's side of a facet, near one of its
 // edges: it would slip through the gap between two facets.
-static int PokesThroughGap(void) {
-  XYZ particle = growthstate.particle;
-  for (int f = 0; f < nstltri; f++) {
-    const FACET &t = stltri[f];
+static int PokesThroughGap(SIMULATION &sim) {
+  XYZ particle = sim.growthstate.particle;
+  for (int f = 0; f < sim.nstltri; f++) {
+    const FACET &t = sim.stltri[f];
     for (int k = 0; k < 3; k++) {
       XYZ closest;
       double mu;
       double dist = PointLine3D(&closest, &mu, particle, t.p[k], t.p[(k + 1) % 3]);
-      if (mu >= 0 && mu <= 1 && dist < growthstate.branchlength) {
+      if (mu >= 0 && mu <= 1 && dist < sim.growthstate.branchlength) {
         XYZ v = {particle.x - t.mid.x, particle.y - t.mid.y, particle.z - t.mid.z};
         if (DotProduct(v, t.n) > 0) return 1;
         break;  // the first close edge decides for this facet
@@ -119,19 +117,19 @@ static int PokesThroughGap(void) {
 
 // Steps 9 to 11: 1 when a veto puts the particle back at q, where it was
 // before this step.
-static int Vetoed(int best, XYZ q, int indexed) {
-  GROWTHSTATE &g = growthstate;
+static int Vetoed(SIMULATION &sim, int best, XYZ q, int indexed) {
+  GROWTHSTATE &g = sim.growthstate;
   const char *why = NULL;
   int veto = 0;
-  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best)))
+  if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(sim, best) : CrossesBranch(sim, best)))
     why = "*** Self intersection\n", veto = VETO_BRANCH;
-  else if (CutsSurface(best))
+  else if (CutsSurface(sim, best))
     why = "*** Cuts constraint surface\n", veto = VETO_SURFACE;
-  else if (PokesThroughGap())
+  else if (PokesThroughGap(sim))
     why = "*** Gap poke through\n", veto = VETO_GAP;
   if (why == NULL) return 0;
-  growthvetoes[veto]++;
-  Veto(why);
+  sim.growthvetoes[veto]++;
+  Veto(sim, why);
   g.particle = q;
   return 1;
 }
@@ -139,12 +137,12 @@ static int Vetoed(int best, XYZ q, int indexed) {
 // Step 13's count of parent steps from cell best. It stops at index 0 as
 // well as at -1, so cells under root 0 get a larger share than the same
 // shape under another root (kept). The index keeps each cell's count.
-static int HopsFrom(int best, int fast) {
-  if (fast) return 1 + searchindex.hops[best];
+static int HopsFrom(SIMULATION &sim, int best, int fast) {
+  if (fast) return 1 + sim.searchindex.hops[best];
   int d = 1;
   int j = best;
   do {
-    j = cells[j].parent;
+    j = sim.cells[j].parent;
     d++;
   } while (j > 0);
   return d;
@@ -154,11 +152,11 @@ static int HopsFrom(int best, int fast) {
 // largest weight over all cells kept up to date where the index knows it
 // (weights only grow and cells only come). The packed parents keep the
 // walk out of the cells' cache misses, which then overlap.
-static void AddShare(int best, int d, int fast) {
-  SEARCHINDEX &s = searchindex;
+static void AddShare(SIMULATION &sim, int best, int d, int fast) {
+  SEARCHINDEX &s = sim.searchindex;
   if (fast && s.maxweightknown) {
     double share = 1.0 / d, maxweight = s.maxweight;
-    CELL *c = cells.data();
+    CELL *c = sim.cells.data();
     const int *parent = s.parent.data();
     for (int j = best; j >= 0; j = parent[j]) {
       double w = c[j].weight + share;
@@ -168,32 +166,32 @@ static void AddShare(int best, int d, int fast) {
     s.maxweight = maxweight;
     return;
   }
-  for (int j = best; j >= 0; j = cells[j].parent) cells[j].weight += 1.0 / d;
+  for (int j = best; j >= 0; j = sim.cells[j].parent) sim.cells[j].weight += 1.0 / d;
   if (fast) {
     s.maxweight = 0;
-    for (int i = 0; i < ncells; i++)
-      if (cells[i].weight > s.maxweight) s.maxweight = cells[i].weight;
+    for (int i = 0; i < sim.ncells; i++)
+      if (sim.cells[i].weight > s.maxweight) s.maxweight = sim.cells[i].weight;
     s.maxweightknown = 1;
   }
 }
 
 // Step 14 from the index's maxima over all cells (retained ones included).
-static void KeepIndexedTotals(void) {
-  GROWTHSTATE &g = growthstate;
-  const SEARCHINDEX &s = searchindex;
+static void KeepIndexedTotals(SIMULATION &sim) {
+  GROWTHSTATE &g = sim.growthstate;
+  const SEARCHINDEX &s = sim.searchindex;
   g.maxweight = s.maxweight;
   if (s.maxdist > g.radius) g.radius = s.maxdist;
 }
 
 // Step 14 over every cell: a restart may have kept cells that lie beyond
 // the starting radius.
-static void ScanTotals(void) {
-  GROWTHSTATE &g = growthstate;
+static void ScanTotals(SIMULATION &sim) {
+  GROWTHSTATE &g = sim.growthstate;
   double maxweight = 0;
   double radius = g.radius;
-  for (int i = 0; i < ncells; i++) {
-    if (cells[i].weight > maxweight) maxweight = cells[i].weight;
-    double dist = Modulus(cells[i].p);
+  for (int i = 0; i < sim.ncells; i++) {
+    if (sim.cells[i].weight > maxweight) maxweight = sim.cells[i].weight;
+    double dist = Modulus(sim.cells[i].p);
     if (dist > radius) radius = dist;
   }
   g.maxweight = maxweight;
@@ -202,32 +200,32 @@ static void ScanTotals(void) {
 
 // Steps 9 to 14, once a particle touched and stuck: rare next to the walk,
 // and kept out of line so that the walk's own code stays small.
-__attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
-  GROWTHSTATE &g = growthstate;
-  if (Vetoed(best, q, indexed)) return;
+__attribute__((noinline)) static void Stick(SIMULATION &sim, int best, XYZ q, int indexed) {
+  GROWTHSTATE &g = sim.growthstate;
+  if (Vetoed(sim, best, q, indexed)) return;
 
   // 12. Stick.
-  unsigned revision = cellsrevision;
-  AppendCell(g.particle, 0, best);
-  if (indexed) IndexAppendedCell(revision);
+  unsigned revision = sim.cellsrevision;
+  AppendCell(sim, g.particle, 0, best);
+  if (indexed) IndexAppendedCell(sim, revision);
 
-  int fast = indexed && searchindex.valid;
-  if (fast && growthwalk == WALK_FAST) {
+  int fast = indexed && sim.searchindex.valid;
+  if (fast && sim.growthwalk == WALK_FAST) {
     // The fast walk owes the shares and adds them up once (SettleWeights):
     // the walk to the root for every cell would cost more than the jumps.
-    std::vector<double> &owed = searchindex.owed;
-    if ((int)owed.size() < ncells) owed.resize(2 * (size_t)ncells, 0);
-    owed[best] += 1.0 / HopsFrom(best, fast);
-    searchindex.owing = 1;
-    KeepIndexedTotals();
+    std::vector<double> &owed = sim.searchindex.owed;
+    if ((int)owed.size() < sim.ncells) owed.resize(2 * (size_t)sim.ncells, 0);
+    owed[best] += 1.0 / HopsFrom(sim, best, fast);
+    sim.searchindex.owing = 1;
+    KeepIndexedTotals(sim);
     g.lifespan = 0;
     return;
   }
-  AddShare(best, HopsFrom(best, fast), fast);
+  AddShare(sim, best, HopsFrom(sim, best, fast), fast);
   if (fast)
-    KeepIndexedTotals();
+    KeepIndexedTotals(sim);
   else
-    ScanTotals();
+    ScanTotals(sim);
   g.lifespan = 0;
 }
 
@@ -238,13 +236,13 @@ __attribute__((noinline)) static void Stick(int best, XYZ q, int indexed) {
 // values are not needed); the plain scan makes them, as the reference.
 // With atorigin set (one root at the origin, no association, draws owed)
 // the drift takes a shorter road to the same numbers.
-static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit, double bias,
+static inline int MoveParticle(SIMULATION &sim, XYZ *p, XYZ q, double branchlength, double limit, double bias,
                                int nroots, int associate, double rotation, int owe, int atorigin) {
   // 3. One random step of one branch length.
   XYZ u;
-  u.x = GrowthDrand48() - 0.5;
-  u.y = GrowthDrand48() - 0.5;
-  u.z = GrowthDrand48() - 0.5;
+  u.x = GrowthDrand48(sim.random) - 0.5;
+  u.y = GrowthDrand48(sim.random) - 0.5;
+  u.z = GrowthDrand48(sim.random) - 0.5;
   Normalise(&u);
   p->x += branchlength * u.x;
   p->y += branchlength * u.y;
@@ -266,7 +264,7 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
     // as p + b (p / l) changes no bit; one subtraction less in the chain of
     // dependent arithmetic that bounds the walk.
     double b = bias * 0.01 * branchlength;
-    SkipGrowthRand(3);
+    SkipGrowthRand(sim.random, 3);
     if (m2 > 0) {
       double l = sqrt(m2);
       p->x += b * (p->x / l);
@@ -276,20 +274,20 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
   } else if (bias > 0 && nroots > 0) {
     double b = bias * 0.01 * branchlength;
     // Roots may have been asked for but not placed.
-    if ((int)cells.size() < nroots) ReserveCells(nroots);
+    if ((int)sim.cells.size() < nroots) ReserveCells(sim, nroots);
     XYZ target;
     if (associate) {
-      target = cells[ncells % nroots].p;
+      target = sim.cells[sim.ncells % nroots].p;
     } else {
       // x % 1 is 0: one root needs the draws but not the divisions.
-      if (nroots == 1 && owe) SkipGrowthRand(3);
+      if (nroots == 1 && owe) SkipGrowthRand(sim.random, 3);
       int one = nroots == 1;
-      int kx = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
-      int ky = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
-      int kz = one ? (owe ? 0 : (GrowthRand(), 0)) : GrowthRand() % nroots;
-      target.x = cells[kx].p.x;
-      target.y = cells[ky].p.y;
-      target.z = cells[kz].p.z;
+      int kx = one ? (owe ? 0 : (GrowthRand(sim.random), 0)) : GrowthRand(sim.random) % nroots;
+      int ky = one ? (owe ? 0 : (GrowthRand(sim.random), 0)) : GrowthRand(sim.random) % nroots;
+      int kz = one ? (owe ? 0 : (GrowthRand(sim.random), 0)) : GrowthRand(sim.random) % nroots;
+      target.x = sim.cells[kx].p.x;
+      target.y = sim.cells[ky].p.y;
+      target.z = sim.cells[kz].p.z;
     }
     XYZ v = {target.x - p->x, target.y - p->y, target.z - p->z};
     Normalise(&v);
@@ -307,74 +305,74 @@ static inline int MoveParticle(XYZ *p, XYZ q, double branchlength, double limit,
 }
 
 // Steps 7 to 14 for the particle where the move left it (q: where it was).
-static void FinishStep(XYZ q) {
-  GROWTHSTATE &g = growthstate;
+static void FinishStep(SIMULATION &sim, XYZ q) {
+  GROWTHSTATE &g = sim.growthstate;
   int nroots = g.nroots;
 
   // 7. Newest cell first; stop at the first one within a branch length.
   int associate = g.associate && nroots > 0;
-  int rootclass = associate ? ncells % nroots : 0;
+  int rootclass = associate ? sim.ncells % nroots : 0;
   int best = -1;
   int touching = 0;
-  int indexed = growthsearch == SEARCH_INDEX;
+  int indexed = sim.growthsearch == SEARCH_INDEX;
   if (indexed) {
     // The aggregate or the branch length may have changed outside the step.
-    if (!SearchIndexCurrent()) SyncSearchIndex();
-    if (!InsideEmptyBall(g.particle)) {
+    if (!SearchIndexCurrent(sim)) SyncSearchIndex(sim);
+    if (!InsideEmptyBall(sim, g.particle)) {
       int ok;
-      touching = IndexSearch(g.particle, associate, nroots, rootclass, &best, &ok);
-      if (!ok) touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+      touching = IndexSearch(sim, g.particle, associate, nroots, rootclass, &best, &ok);
+      if (!ok) touching = ScanCells(sim, g.particle, associate, nroots, rootclass, &best);
     }
   } else {
-    touching = ScanCells(g.particle, associate, nroots, rootclass, &best);
+    touching = ScanCells(sim, g.particle, associate, nroots, rootclass, &best);
   }
 
   // 8. Stickiness: the number is drawn whether or not a cell was touched.
-  double r = GrowthDrand48();
+  double r = GrowthDrand48(sim.random);
   // A branch length above 1e16 is within reach of the search's starting
   // bound, so a "touch" can come with no cell found: nothing to stick to.
   if (r > g.stickiness * 0.01 || !touching || best < 0) return;
-  Stick(best, q, indexed);
+  Stick(sim, best, q, indexed);
 }
 
-void IterateSystem(void) {
-  GROWTHSTATE &g = growthstate;
+void IterateSystem(SIMULATION &sim) {
+  GROWTHSTATE &g = sim.growthstate;
 
   // 1. Release a new particle at the start of every life span.
   g.lifespan = FoldLifespan(g.lifespan);
   if (g.lifespan % GROWTH_LIFESPAN == 0) {
-    g.particle = GetNewParticle(g.sourcetype, g.radius + 2 * g.branchlength);
-    seeds[nseeds % NSEEDS] = g.particle;
-    nseeds++;
+    g.particle = GetNewParticle(sim, g.sourcetype, g.radius + 2 * g.branchlength);
+    sim.seeds[sim.nseeds % NSEEDS] = g.particle;
+    sim.nseeds++;
   }
   XYZ q = g.particle;
   g.lifespan++;
 
-  if (!MoveParticle(&g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
-                    g.associate, g.rotation, growthsearch == SEARCH_INDEX, 0))
+  if (!MoveParticle(sim, &g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
+                    g.associate, g.rotation, sim.growthsearch == SEARCH_INDEX, 0))
     return;
-  FinishStep(q);
+  FinishStep(sim, q);
 }
 
-long IterateSystemSteps(long n) {
-  if (growthwalk == WALK_FAST) return FastWalkSteps(n);
-  return IterateExactSteps(n);
+long IterateSystemSteps(SIMULATION &sim, long n) {
+  if (sim.growthwalk == WALK_FAST) return FastWalkSteps(sim, n);
+  return IterateExactSteps(sim, n);
 }
 
-long IterateExactSteps(long n) {
-  GROWTHSTATE &g = growthstate;
-  const SEARCHINDEX &s = searchindex;
+long IterateExactSteps(SIMULATION &sim, long n) {
+  GROWTHSTATE &g = sim.growthstate;
+  const SEARCHINDEX &s = sim.searchindex;
   if (n <= 0) return 0;
   // The run needs a proven empty ball, and every cell the move may read.
-  if (growthsearch != SEARCH_INDEX || !SearchIndexCurrent() || !s.ball ||
-      (int)cells.size() < g.nroots) {
-    IterateSystem();
+  if (sim.growthsearch != SEARCH_INDEX || !SearchIndexCurrent(sim) || !s.ball ||
+      (int)sim.cells.size() < g.nroots) {
+    IterateSystem(sim);
     return 1;
   }
   double branchlength = g.branchlength, limit = g.radius + 2 * g.branchlength, bias = g.bias;
   double rotation = g.rotation;
   int nroots = g.nroots, associate = g.associate;
-  int atorigin = nroots == 1 && !associate && cells[0].p.x == 0 && cells[0].p.y == 0 && cells[0].p.z == 0;
+  int atorigin = nroots == 1 && !associate && sim.cells[0].p.x == 0 && sim.cells[0].p.y == 0 && sim.cells[0].p.z == 0;
   XYZ centre = s.centre;
   double safe2 = s.safe2;
   XYZ p = g.particle;
@@ -384,23 +382,23 @@ long IterateExactSteps(long n) {
     XYZ q = p;
     lifespan++;
     k++;
-    if (!MoveParticle(&p, q, branchlength, limit, bias, nroots, associate, rotation, 1, atorigin))
+    if (!MoveParticle(sim, &p, q, branchlength, limit, bias, nroots, associate, rotation, 1, atorigin))
       continue;
     double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
     if (dx * dx + dy * dy + dz * dz < safe2) {
-      GrowthDrand48();  // 8: the stickiness number, with nothing touched
+      GrowthDrand48(sim.random);  // 8: the stickiness number, with nothing touched
       continue;
     }
     // Out of the ball: the rest of this step as IterateSystem takes it.
     g.particle = p;
     g.lifespan = lifespan;
-    FinishStep(q);
+    FinishStep(sim, q);
     return k;
   }
   g.particle = p;
   g.lifespan = lifespan;
   if (k == 0) {  // a new particle is due
-    IterateSystem();
+    IterateSystem(sim);
     return 1;
   }
   return k;

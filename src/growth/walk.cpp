@@ -2,7 +2,7 @@
 
 #include <math.h>  // exp(), log(), sqrt()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "growth/growth.h"
 #include "growth/index.h"
 #include "growth/random.h"
@@ -17,7 +17,6 @@
 // variance, and the time has the driftless density tilted by
 // exp(-kappa^2 tau / 2) in the time unit d^2 / variance.
 
-int growthwalk = WALK_EXACT;
 
 #define QUANTILES 4096
 // Branch lengths kept between a jump's sphere and the cells' reach: the
@@ -59,10 +58,10 @@ static const double *ExitQuantiles(void) {
 }
 
 // An exit time (unit ball, unit variance) with drift kappa.
-static double ExitTime(double kappa) {
+static double ExitTime(SIMULATION &sim, double kappa) {
   const double *q = ExitQuantiles();
   for (;;) {
-    double u = WalkUniform() * QUANTILES;
+    double u = WalkUniform(sim.random) * QUANTILES;
     int k = (int)u;
     double tau;
     if (k >= QUANTILES - 1) {  // the tail: P(tau > t) = 2 exp(-pi^2 t / 2) there
@@ -73,7 +72,7 @@ static double ExitTime(double kappa) {
     }
     if (kappa == 0) return tau;
     // exp(-x) >= 1 - x: most draws are accepted without the exponential.
-    double x = kappa * kappa * tau / 2, u2 = WalkUniform();
+    double x = kappa * kappa * tau / 2, u2 = WalkUniform(sim.random);
     if (u2 < 1 - x || u2 < exp(-x)) return tau;
   }
 }
@@ -81,10 +80,10 @@ static double ExitTime(double kappa) {
 // A unit vector with density exp(kappa cos theta) about the unit axis a;
 // uniform on the sphere for kappa up to 1e-8, whatever a is (with no drift
 // it is zero).
-static XYZ VonMisesFisher(XYZ a, double kappa) {
+static XYZ VonMisesFisher(SIMULATION &sim, XYZ a, double kappa) {
   int drifting = kappa > 1e-8;
   if (!drifting) a = XYZ{0, 0, 1};
-  double u = WalkUniform();
+  double u = WalkUniform(sim.random);
   double w = drifting ? 1 + log(u + (1 - u) * exp(-2 * kappa)) / kappa : 2 * u - 1;
   if (w < -1) w = -1;
   if (w > 1) w = 1;
@@ -93,7 +92,7 @@ static XYZ VonMisesFisher(XYZ a, double kappa) {
   XYZ e1 = CrossProduct(a, other);
   Normalise(&e1);
   XYZ e2 = CrossProduct(a, e1);
-  double phi = TWOPI * WalkUniform(), side = sqrt(1 - w * w);
+  double phi = TWOPI * WalkUniform(sim.random), side = sqrt(1 - w * w);
   double c = side * cos(phi), s = side * sin(phi);
   XYZ d = {w * a.x + c * e1.x + s * e2.x, w * a.y + c * e1.y + s * e2.y, w * a.z + c * e1.z + s * e2.z};
   return d;
@@ -102,8 +101,8 @@ static XYZ VonMisesFisher(XYZ a, double kappa) {
 // The mean drift of one step at p: b away from the target (with several
 // roots and no association the target's coordinates come from random
 // roots, so the mean is taken over a few of them).
-static XYZ DriftPerStep(XYZ p) {
-  const GROWTHSTATE &g = growthstate;
+static XYZ DriftPerStep(SIMULATION &sim, XYZ p) {
+  const GROWTHSTATE &g = sim.growthstate;
   XYZ m = {0, 0, 0};
   int nroots = g.nroots;
   if (!(g.bias > 0) || nroots <= 0) return m;
@@ -112,14 +111,14 @@ static XYZ DriftPerStep(XYZ p) {
   for (int k = 0; k < samples; k++) {
     XYZ t;
     if (g.associate) {
-      t = cells[ncells % nroots].p;
+      t = sim.cells[sim.ncells % nroots].p;
     } else {
-      int kx = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
-      int ky = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
-      int kz = nroots == 1 ? 0 : (int)(WalkUniform() * nroots);
-      t.x = cells[kx].p.x;
-      t.y = cells[ky].p.y;
-      t.z = cells[kz].p.z;
+      int kx = nroots == 1 ? 0 : (int)(WalkUniform(sim.random) * nroots);
+      int ky = nroots == 1 ? 0 : (int)(WalkUniform(sim.random) * nroots);
+      int kz = nroots == 1 ? 0 : (int)(WalkUniform(sim.random) * nroots);
+      t.x = sim.cells[kx].p.x;
+      t.y = sim.cells[ky].p.y;
+      t.z = sim.cells[kz].p.z;
     }
     XYZ v = {p.x - t.x, p.y - t.y, p.z - t.z};
     Normalise(&v);
@@ -132,8 +131,8 @@ static XYZ DriftPerStep(XYZ p) {
 
 // The release sphere's radius less a margin for rounding: a jump ends
 // inside it.
-static double Wall(void) {
-  double limit = growthstate.radius + 2 * growthstate.branchlength;
+static double Wall(SIMULATION &sim) {
+  double limit = sim.growthstate.radius + 2 * sim.growthstate.branchlength;
   return limit * (1 - 1e-9) - 1e-9;
 }
 
@@ -142,16 +141,16 @@ static double Wall(void) {
 // wall would), and with room for the swirl, which carries a point at
 // distance rho from the z axis about rho * angle a step.
 // *clearance: the index's clearance at p (0 when not asked).
-static double JumpRadius(XYZ p, double spin, double *clearance) {
-  double wall = Wall();
+static double JumpRadius(SIMULATION &sim, XYZ p, double spin, double *clearance) {
+  double wall = Wall(sim);
   *clearance = 0;
   if (!(Modulus(p) < wall)) return 0;
-  *clearance = IndexClearance(p);
-  double clear = *clearance - NEARMARGIN * growthstate.branchlength;
+  *clearance = IndexClearance(sim, p);
+  double clear = *clearance - NEARMARGIN * sim.growthstate.branchlength;
   double d = clear < FOLDSHARE * wall ? clear : FOLDSHARE * wall;
   if (spin > 0) {
     // d + spin * SPINBOUND * d^2 / bl^2 <= clear
-    double a = SPINBOUND * spin / (growthstate.branchlength * growthstate.branchlength);
+    double a = SPINBOUND * spin / (sim.growthstate.branchlength * sim.growthstate.branchlength);
     double most = (-1 + sqrt(1 + 4 * a * clear)) / (2 * a);
     if (most < d) d = most;
   }
@@ -160,38 +159,38 @@ static double JumpRadius(XYZ p, double spin, double *clearance) {
 
 // Room for a jump around p from the last ball the index proved empty (the
 // search of an exact step leaves one centred at the particle).
-static double BallRoom(XYZ p) {
-  const SEARCHINDEX &s = searchindex;
+static double BallRoom(SIMULATION &sim, XYZ p) {
+  const SEARCHINDEX &s = sim.searchindex;
   if (!s.ball) return 0;
   double dx = p.x - s.centre.x, dy = p.y - s.centre.y, dz = p.z - s.centre.z;
   return sqrt(s.safe2) - sqrt(dx * dx + dy * dy + dz * dz);
 }
 
-int Jump(long most, JUMP *jump) {
-  GROWTHSTATE &g = growthstate;
-  if (growthsearch != SEARCH_INDEX || (int)cells.size() < g.nroots) return 0;
+int Jump(SIMULATION &sim, long most, JUMP *jump) {
+  GROWTHSTATE &g = sim.growthstate;
+  if (sim.growthsearch != SEARCH_INDEX || (int)sim.cells.size() < g.nroots) return 0;
   if (g.lifespan % GROWTH_LIFESPAN == 0) return 0;  // a new particle is due first
-  if (!SearchIndexCurrent()) SyncSearchIndex();
-  if (!searchindex.valid) return 0;
+  if (!SearchIndexCurrent(sim)) SyncSearchIndex(sim);
+  if (!sim.searchindex.valid) return 0;
   double bl = g.branchlength, variance = bl * bl / 3;
   XYZ p = g.particle;
   double angle = g.rotation * DTOR;
   double spin = sqrt(p.x * p.x + p.y * p.y) * fabs(angle);
   double clearance;
-  double d = JumpRadius(p, spin, &clearance);
+  double d = JumpRadius(sim, p, spin, &clearance);
   if (!(d >= WALK_MINJUMP * bl)) {
     // Too near a cell: the exact steps walk in the larger ball proven empty.
-    if (clearance > BallRoom(p)) {
-      searchindex.ball = 1;
-      searchindex.centre = p;
-      searchindex.safe2 = clearance * clearance;
+    if (clearance > BallRoom(sim, p)) {
+      sim.searchindex.ball = 1;
+      sim.searchindex.centre = p;
+      sim.searchindex.safe2 = clearance * clearance;
     }
     return 0;
   }
 
-  XYZ m = DriftPerStep(p);
+  XYZ m = DriftPerStep(sim, p);
   double drift = Modulus(m), kappa = drift * d / variance;
-  double tau = ExitTime(kappa);
+  double tau = ExitTime(sim, kappa);
   double exact = tau * d * d / variance;
   long steps = exact < 1 ? 1 : exact > 1e12 ? (long)1e12 : (long)(exact + 0.5);
   // The steps counted below never pass the end of the life, life at most
@@ -210,7 +209,7 @@ int Jump(long most, JUMP *jump) {
     return 1;
   }
   if (steps > most) return 0;
-  if (spin > 0 && d + spin * steps > IndexClearance(p)) return 0;  // a rare long one
+  if (spin > 0 && d + spin * steps > IndexClearance(sim, p)) return 0;  // a rare long one
 
   XYZ axis = m;  // zero with no drift (bias 0, no roots)
   if (drift > 0) {
@@ -218,11 +217,11 @@ int Jump(long most, JUMP *jump) {
     axis.y /= drift;
     axis.z /= drift;
   }
-  XYZ dir = VonMisesFisher(axis, kappa);
+  XYZ dir = VonMisesFisher(sim, axis, kappa);
   XYZ q = {p.x + d * dir.x, p.y + d * dir.y, p.z + d * dir.z};
   // The release sphere turns the steps that would leave it back: a point
   // beyond it is reflected inwards, which brings it no farther from p.
-  double r = Modulus(q), wall = Wall();
+  double r = Modulus(q), wall = Wall(sim);
   if (r > wall) {
     double inside = (2 * wall - r) / r;
     q.x *= inside;
@@ -240,11 +239,11 @@ int Jump(long most, JUMP *jump) {
   return 1;
 }
 
-long FastWalkSteps(long n) {
-  GROWTHSTATE &g = growthstate;
+long FastWalkSteps(SIMULATION &sim, long n) {
+  GROWTHSTATE &g = sim.growthstate;
   if (n <= 0) return 0;
   if (g.lifespan % GROWTH_LIFESPAN == 0) {  // a new particle is due
-    IterateSystem();
+    IterateSystem(sim);
     return 1;
   }
   // Jumps and exact steps until n steps are taken or the particle's life
@@ -255,11 +254,11 @@ long FastWalkSteps(long n) {
   int tryjump = 1;
   while (k < n) {
     JUMP jump;
-    if (tryjump && Jump(n - k, &jump)) {
+    if (tryjump && Jump(sim, n - k, &jump)) {
       k += jump.steps;
     } else {
-      k += IterateExactSteps(n - k);
-      tryjump = BallRoom(g.particle) >= (WALK_MINJUMP + NEARMARGIN) * g.branchlength;
+      k += IterateExactSteps(sim, n - k);
+      tryjump = BallRoom(sim, g.particle) >= (WALK_MINJUMP + NEARMARGIN) * g.branchlength;
     }
     if (g.lifespan % GROWTH_LIFESPAN == 0) break;
   }

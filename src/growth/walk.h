@@ -8,11 +8,11 @@
 #define DLA_GROWTH_WALK_H
 
 #include "lib/vector.h"
+#include "app/simulation.h"
 
 // Walks of the growth (growthwalk). The desktop program always takes the
 // exact walk.
 enum { WALK_EXACT = 0, WALK_FAST = 1 };
-extern int growthwalk;
 
 #define WALK_MINJUMP 2.0  // branch lengths: smaller spheres are walked step by step
 
@@ -30,10 +30,10 @@ struct JUMP {
 // sphere, standing for at most most steps. Returns 1 and fills *jump (the
 // particle moved, lifespan counted the steps) or 0 when no jump was made
 // (also when a new particle is due: lifespan a multiple of GROWTH_LIFESPAN).
-int Jump(long most, JUMP *jump);
+int Jump(SIMULATION &sim, long most, JUMP *jump);
 
 // At most n growth steps (at least one when n > 0) of the fast walk, a jump
 // counting the steps it replaces. Returns the steps taken.
-long FastWalkSteps(long n);
+long FastWalkSteps(SIMULATION &sim, long n);
 
 #endif

@@ -3,6 +3,5 @@
 #include "offscreen/picture.h"
 
 int main(int argc, char **argv) {
-  batchpicture = WritePicturePNG;
-  return BatchMain(argc, argv);
+  return BatchMain(argc, argv, WritePicturePNG);
 }

@@ -8,13 +8,13 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "gl/view/scene.h"
 #include "view/camera.h"
 
-int DrawPicture(unsigned char *pixels, FILE *err) {
-  int width = camera.screenwidth;
-  int height = camera.screenheight;
+int DrawPicture(SIMULATION &sim, unsigned char *pixels, FILE *err) {
+  int width = sim.camera.screenwidth;
+  int height = sim.camera.screenheight;
   // The depth buffer of the window's visual under Xvfb: 32 bits, no stencil.
   // Depth ties decide which of two lines shows, so the precision matters.
   OSMesaContext context = OSMesaCreateContextExt(OSMESA_RGBA, 32, 0, 0, NULL);
@@ -31,17 +31,17 @@ int DrawPicture(unsigned char *pixels, FILE *err) {
   // A window has drawn frames before: its first one in Lines, the default
   // mode, so a frame starts from a drawing mode's GL state, and the surface
   // list was compiled by the frame or the menu entry before.
-  CreateEnvironment(DLADRAW_LINES);
-  DrawSTL(options.stldrawmode, STL_REBUILD);
+  CreateEnvironment(sim, DLADRAW_LINES);
+  DrawSTL(sim, sim.options.stldrawmode, STL_REBUILD);
 
   // The mono frame, as the window's display draws it, less the overlays.
-  FrameCamera();
+  FrameCamera(sim);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  EYEVIEW view = EyeView(EYE_MONO);
-  LookThrough(&view);
-  DrawSTL(options.stldrawmode, STL_DRAW);
-  DrawDLA(options.dladrawmode);
-  DrawExtras();
+  EYEVIEW view = EyeView(sim, EYE_MONO);
+  LookThrough(sim, &view);
+  DrawSTL(sim, sim.options.stldrawmode, STL_DRAW);
+  DrawDLA(sim, sim.options.dladrawmode);
+  DrawExtras(sim);
   glFinish();
   int ok = glGetError() == GL_NO_ERROR;
   if (!ok) fprintf(err, "dla3d-batch: --png: OpenGL reported an error\n");
@@ -80,11 +80,11 @@ static int WriteRows(FILE *fp, png_bytepp rows, int width, int height, FILE *err
   return 1;
 }
 
-int WritePicturePNG(const char *path, int width, int height, FILE *err) {
-  camera.screenwidth = width;
-  camera.screenheight = height;
+int WritePicturePNG(SIMULATION &sim, const char *path, int width, int height, FILE *err) {
+  sim.camera.screenwidth = width;
+  sim.camera.screenheight = height;
   std::vector<unsigned char> rgba(4 * (size_t)width * height);
-  if (!DrawPicture(rgba.data(), err)) return 0;
+  if (!DrawPicture(sim, rgba.data(), err)) return 0;
 
   // PNG rows run from the top, glReadPixels' from the bottom.
   std::vector<png_bytep> rows(height);

@@ -3,6 +3,7 @@
 #define DLA_OFFSCREEN_PICTURE_H
 
 #include <stdio.h>
+#include "app/simulation.h"
 
 // Draws the window's mono frame without the overlays (surface, aggregate,
 // extras) from the records, camera.screenwidth x camera.screenheight
@@ -10,11 +11,11 @@
 // bottom, as glReadPixels gives them). Returns 1, or 0 after a message to err.
 // Once per process: the scene keeps its buffer objects and surface list
 // from frame to frame, and each call makes a new context.
-int DrawPicture(unsigned char *pixels, FILE *err);
+int DrawPicture(SIMULATION &sim, unsigned char *pixels, FILE *err);
 
 // DrawPicture at width x height, written to path as an 8-bit RGB PNG by
 // libpng at its default compression. Returns 1, or 0 after a message to err.
 // The hook batchpicture of dla3d-batch.
-int WritePicturePNG(const char *path, int width, int height, FILE *err);
+int WritePicturePNG(SIMULATION &sim, const char *path, int width, int height, FILE *err);
 
 #endif

@@ -2,8 +2,8 @@
 
 #include "surface/stl.h"
 
-int LinePlaneIntersect(int i, XYZ *p, XYZ p1, XYZ p2) {
-  const FACET &f = stltri[i];
+int LinePlaneIntersect(SIMULATION &sim, int i, XYZ *p, XYZ p1, XYZ p2) {
+  const FACET &f = sim.stltri[i];
   XYZ n = f.n;
   double d = f.plane.d;
   XYZ dp = {p2.x - p1.x, p2.y - p1.y, p2.z - p1.z};
@@ -33,8 +33,8 @@ int LinePlaneIntersect(int i, XYZ *p, XYZ p1, XYZ p2) {
   return 1;
 }
 
-double PointPlaneDist(int i, XYZ p) {
-  const PLANE &pl = stltri[i].plane;
+double PointPlaneDist(SIMULATION &sim, int i, XYZ p) {
+  const PLANE &pl = sim.stltri[i].plane;
   return pl.a * p.x + pl.b * p.y + pl.c * p.z + pl.d;
 }
 

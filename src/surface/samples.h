@@ -2,6 +2,8 @@
 #ifndef DLA_SURFACE_SAMPLES_H
 #define DLA_SURFACE_SAMPLES_H
 
+#include "app/simulation.h"
+
 // Menu codes; any other code gives the empty surface, like SAMPLE_NONE.
 enum {
   SAMPLE_CYLINDER = 1,
@@ -32,6 +34,6 @@ const char *SampleSurfaceName(int code);
 // growthstate.stlname and runs UpdateSTL. The display list is the caller's.
 // Returns 1 for a known code, 0 for an unknown one (which leaves the empty
 // surface "None", as the menu's own code 100 does).
-int MakeSampleSurface(int code);
+int MakeSampleSurface(SIMULATION &sim, int code);
 
 #endif

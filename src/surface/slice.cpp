@@ -3,46 +3,42 @@
 #include <string>
 #include <vector>
 
-#include "app/records.h"
-
-int sliceindexed = 1;
+#include "app/simulation.h"
 
 // Child lists of the aggregate, in index order, for the walk of one slab.
-// childnext[p] moves past children that are traced; since marks are only ever
+// next[p] moves past children that are traced; since marks are only ever
 // set during a slab, the first untraced child is never before it, and the
 // walk finds the same child FindBranch's full scan would.
-static int indexactive = 0;
-static std::vector<int> childstart, childlist, childnext;
 
-static void BuildChildIndex(void) {
-  childstart.assign(ncells + 1, 0);
-  for (int c = 0; c < ncells; c++) {
-    int p = cells[c].parent;
-    if (p >= 0 && p < ncells) childstart[p + 1]++;
+static void BuildChildIndex(SIMULATION &sim) {
+  sim.childindex.start.assign(sim.ncells + 1, 0);
+  for (int c = 0; c < sim.ncells; c++) {
+    int p = sim.cells[c].parent;
+    if (p >= 0 && p < sim.ncells) sim.childindex.start[p + 1]++;
   }
-  for (int p = 0; p < ncells; p++) childstart[p + 1] += childstart[p];
-  childlist.resize(childstart[ncells]);
-  childnext.assign(childstart.begin(), childstart.end() - 1);
-  for (int c = 0; c < ncells; c++) {
-    int p = cells[c].parent;
-    if (p >= 0 && p < ncells) childlist[childnext[p]++] = c;
+  for (int p = 0; p < sim.ncells; p++) sim.childindex.start[p + 1] += sim.childindex.start[p];
+  sim.childindex.list.resize(sim.childindex.start[sim.ncells]);
+  sim.childindex.next.assign(sim.childindex.start.begin(), sim.childindex.start.end() - 1);
+  for (int c = 0; c < sim.ncells; c++) {
+    int p = sim.cells[c].parent;
+    if (p >= 0 && p < sim.ncells) sim.childindex.list[sim.childindex.next[p]++] = c;
   }
-  childnext.assign(childstart.begin(), childstart.end() - 1);
+  sim.childindex.next.assign(sim.childindex.start.begin(), sim.childindex.start.end() - 1);
 }
 
-static int NextChild(int parent, int *child) {
-  if (!indexactive || parent < 0 || parent >= ncells) return FindBranch(parent, child);
-  int end = childstart[parent + 1];
-  int &k = childnext[parent];
-  while (k < end && cells[childlist[k]].traced) k++;
+static int NextChild(SIMULATION &sim, int parent, int *child) {
+  if (!sim.childindex.active || parent < 0 || parent >= sim.ncells) return FindBranch(sim, parent, child);
+  int end = sim.childindex.start[parent + 1];
+  int &k = sim.childindex.next[parent];
+  while (k < end && sim.cells[sim.childindex.list[k]].traced) k++;
   if (k >= end) return 0;
-  *child = childlist[k];
+  *child = sim.childindex.list[k];
   return 1;
 }
 
-int FindBranch(int parent, int *child) {
-  for (int j = 0; j < ncells; j++) {
-    if (cells[j].traced == 0 && cells[j].parent == parent) {
+int FindBranch(SIMULATION &sim, int parent, int *child) {
+  for (int j = 0; j < sim.ncells; j++) {
+    if (sim.cells[j].traced == 0 && sim.cells[j].parent == parent) {
       *child = j;
       return 1;
     }
@@ -50,9 +46,9 @@ int FindBranch(int parent, int *child) {
   return 0;
 }
 
-int TerminalCell(int i) {
-  for (int j = 0; j < ncells; j++)
-    if (cells[j].parent == i) return 1;
+int TerminalCell(SIMULATION &sim, int i) {
+  for (int j = 0; j < sim.ncells; j++)
+    if (sim.cells[j].parent == i) return 1;
   return 0;
 }
 
@@ -64,11 +60,11 @@ static double PlaneValue(PLANE pl, XYZ p) { return pl.a * p.x + pl.b * p.y + pl.
 
 // Writes the part of segment from->to that lies inside the slab and marks
 // both cells traced.
-static void WritePiece(int from, int to, FILE *fp, PLANE upper, PLANE lower) {
-  XYZ a = cells[from].p;
-  XYZ b = cells[to].p;
-  cells[from].traced = 1;
-  cells[to].traced = 1;
+static void WritePiece(SIMULATION &sim, int from, int to, FILE *fp, PLANE upper, PLANE lower) {
+  XYZ a = sim.cells[from].p;
+  XYZ b = sim.cells[to].p;
+  sim.cells[from].traced = 1;
+  sim.cells[to].traced = 1;
 
   int aabove = PlaneValue(upper, a) < 0, abelow = PlaneValue(lower, a) < 0;
   int babove = PlaneValue(upper, b) < 0, bbelow = PlaneValue(lower, b) < 0;
@@ -107,25 +103,25 @@ struct BRANCHSTEP {
 // Depth first: after a segment, its untraced siblings (each a walk of its
 // own), then its first untraced child as a continuation of this walk. An
 // explicit stack keeps long chains and deep branching off the call stack.
-void TraceBranch(int from, int to, FILE *fp, int i, PLANE upper, PLANE lower) {
+void TraceBranch(SIMULATION &sim, int from, int to, FILE *fp, int i, PLANE upper, PLANE lower) {
   std::vector<BRANCHSTEP> stack;
   BRANCHSTEP first = {from, to, 0};
   stack.push_back(first);
   while (!stack.empty()) {
     BRANCHSTEP s = stack.back();
     if (!s.written) {
-      WritePiece(s.from, s.to, fp, upper, lower);
+      WritePiece(sim, s.from, s.to, fp, upper, lower);
       stack.back().written = 1;
     }
     int m;
-    if (NextChild(s.from, &m)) {
+    if (NextChild(sim, s.from, &m)) {
       if (i == 0) fprintf(stderr, "      Tracing branch node from %d -> %d\n", s.from, m);
       BRANCHSTEP sibling = {s.from, m, 0};
       stack.push_back(sibling);
       continue;
     }
-    if (NextChild(s.to, &m)) {
-      if (i == 0 && options.debug) fprintf(stderr, "      Tracing branch node from %d -> %d\n", s.to, m);
+    if (NextChild(sim, s.to, &m)) {
+      if (i == 0 && sim.options.debug) fprintf(stderr, "      Tracing branch node from %d -> %d\n", s.to, m);
       BRANCHSTEP next = {s.to, m, 0};
       stack.back() = next;
       continue;
@@ -143,52 +139,52 @@ static std::string SlicePath(const char *dir, int i) {
   return path + name;
 }
 
-int ProcessSliceIn(const char *dir, int i, PLANE upper, PLANE lower) {
+int ProcessSliceIn(SIMULATION &sim, const char *dir, int i, PLANE upper, PLANE lower) {
   std::string path = SlicePath(dir, i);
   FILE *fp = fopen(path.c_str(), "w");
   if (fp == NULL) {
     fprintf(stderr, "Failed to open output slice file \"%s\"\n", path.c_str());
     return 0;
   }
-  for (int j = 0; j < ncells; j++) cells[j].traced = 0;
+  for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = 0;
 
-  if (sliceindexed) BuildChildIndex();
-  indexactive = sliceindexed;
+  if (sim.sliceindexed) BuildChildIndex(sim);
+  sim.childindex.active = sim.sliceindexed;
   // Seeds in index order. After a seed's trees are walked, every earlier
   // seed is traced, so going on from j finds the same next seed as a rescan
   // from 0 would.
-  for (int j = 0; j < ncells; j++) {
-    if (cells[j].parent >= 0 || cells[j].traced) continue;
-    cells[j].traced = 1;
+  for (int j = 0; j < sim.ncells; j++) {
+    if (sim.cells[j].parent >= 0 || sim.cells[j].traced) continue;
+    sim.cells[j].traced = 1;
     if (i == 0) fprintf(stderr, "   Processing seed node %d\n", j);
     int k;
-    while (NextChild(j, &k)) {
+    while (NextChild(sim, j, &k)) {
       if (i == 0) fprintf(stderr, "      Tracing branch node from %d -> %d\n", j, k);
-      TraceBranch(j, k, fp, i, upper, lower);
+      TraceBranch(sim, j, k, fp, i, upper, lower);
     }
   }
-  indexactive = 0;
+  sim.childindex.active = 0;
   fclose(fp);
   return 1;
 }
 
-int ProcessSlice(int i, PLANE upper, PLANE lower) { return ProcessSliceIn(NULL, i, upper, lower); }
+int ProcessSlice(SIMULATION &sim, int i, PLANE upper, PLANE lower) { return ProcessSliceIn(sim, NULL, i, upper, lower); }
 
-int DoSliceIn(const char *dir, int nslices, XYZ n) {
+int DoSliceIn(SIMULATION &sim, const char *dir, int nslices, XYZ n) {
   double nn = DotProduct(n, n);
   // The stop rule alone gives nslices slabs; the count guards it against
   // rounding in the last boundary.
   for (int i = 0; i < nslices; i++) {
-    double r = growthstate.radius;
+    double r = sim.growthstate.radius;
     double d1 = r - 2 * i * r / nslices;
     if (d1 <= -r) break;
     double d2 = r - (2 * i + 2) * r / nslices;
     fprintf(stderr, "Slice %d, distance: %g to %g\n", i, d1, d2);
     PLANE upper = {-n.x, -n.y, -n.z, d1 * nn};
     PLANE lower = {n.x, n.y, n.z, -d2 * nn};
-    if (!ProcessSliceIn(dir, i, upper, lower)) return 0;
+    if (!ProcessSliceIn(sim, dir, i, upper, lower)) return 0;
   }
   return 1;
 }
 
-int DoSlice(int nslices, XYZ n) { return DoSliceIn(NULL, nslices, n); }
+int DoSlice(SIMULATION &sim, int nslices, XYZ n) { return DoSliceIn(sim, NULL, nslices, n); }

@@ -2,45 +2,40 @@
 
 #include <stdio.h>
 
-std::vector<FACET> stltri;
-int nstltri = 0;
-XYZ stlmin = {1e32, 1e32, 1e32};
-XYZ stlmax = {-1e32, -1e32, -1e32};
-XYZ stlmid = {0, 0, 0};
 
-void ReserveFacets(int n) {
-  if ((int)stltri.size() < n) stltri.resize(n);
+void ReserveFacets(SIMULATION &sim, int n) {
+  if ((int)sim.stltri.size() < n) sim.stltri.resize(n);
 }
 
-void AppendFacet(XYZ p0, XYZ p1, XYZ p2) {
-  ReserveFacets(nstltri + 1);
-  FACET &f = stltri[nstltri];
+void AppendFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
+  ReserveFacets(sim, sim.nstltri + 1);
+  FACET &f = sim.stltri[sim.nstltri];
   f.p[0] = p0;
   f.p[1] = p1;
   f.p[2] = p2;
-  nstltri++;
+  sim.nstltri++;
 }
 
 static int BadFacet(const FACET &f) {
   return VectorEqual(f.p[0], f.p[1]) || VectorEqual(f.p[1], f.p[2]) || VectorEqual(f.p[2], f.p[0]);
 }
 
-void UpdateSTL(void) {
+void UpdateSTL(SIMULATION &sim) {
   int removed = 0;
   int i = 0;
-  while (i < nstltri) {
-    if (BadFacet(stltri[i])) {
-      for (int k = 0; k < 3; k++) stltri[i].p[k] = stltri[nstltri - 1].p[k];
-      nstltri--;
+  while (i < sim.nstltri) {
+    if (BadFacet(sim.stltri[i])) {
+      for (int k = 0; k < 3; k++) sim.stltri[i].p[k] = sim.stltri[sim.nstltri - 1].p[k];
+      sim.nstltri--;
       removed++;
     } else {
       i++;
     }
   }
-  if (options.debug && removed > 0) fprintf(stderr, "Removed %d bad faces\n", removed);
+  if (sim.options.debug && removed > 0) fprintf(stderr, "Removed %d bad faces\n", removed);
 
-  for (i = 0; i < nstltri; i++) {
-    FACET &f = stltri[i];
+  for (i = 0; i < sim.nstltri; i++) {
+    FACET &f = sim.stltri[i];
     f.n = CalcNormal(f.p[0], f.p[1], f.p[2]);
     Normalise(&f.n);
     f.plane.a = f.n.x;
@@ -52,18 +47,18 @@ void UpdateSTL(void) {
     f.mid.z = (f.p[0].z + f.p[1].z + f.p[2].z) / 3.0;
   }
 
-  stlmin.x = stlmin.y = stlmin.z = 1e32;
-  stlmax.x = stlmax.y = stlmax.z = -1e32;
-  for (i = 0; i < nstltri; i++)
-    for (int k = 0; k < 3; k++) MinMaxXYZ(&stlmin, &stlmax, stltri[i].p[k]);
-  stlmid.x = (stlmin.x + stlmax.x) * 0.5;
-  stlmid.y = (stlmin.y + stlmax.y) * 0.5;
-  stlmid.z = (stlmin.z + stlmax.z) * 0.5;
+  sim.stlmin.x = sim.stlmin.y = sim.stlmin.z = 1e32;
+  sim.stlmax.x = sim.stlmax.y = sim.stlmax.z = -1e32;
+  for (i = 0; i < sim.nstltri; i++)
+    for (int k = 0; k < 3; k++) MinMaxXYZ(&sim.stlmin, &sim.stlmax, sim.stltri[i].p[k]);
+  sim.stlmid.x = (sim.stlmin.x + sim.stlmax.x) * 0.5;
+  sim.stlmid.y = (sim.stlmin.y + sim.stlmax.y) * 0.5;
+  sim.stlmid.z = (sim.stlmin.z + sim.stlmax.z) * 0.5;
 
-  if (options.debug) {
-    fprintf(stderr, "Bounds: %g <= x <= %g\n", stlmin.x, stlmax.x);
-    fprintf(stderr, "        %g <= y <= %g\n", stlmin.y, stlmax.y);
-    fprintf(stderr, "        %g <= z <= %g\n", stlmin.z, stlmax.z);
-    fprintf(stderr, "Midpoint: %g %g %g\n", stlmid.x, stlmid.y, stlmid.z);
+  if (sim.options.debug) {
+    fprintf(stderr, "Bounds: %g <= x <= %g\n", sim.stlmin.x, sim.stlmax.x);
+    fprintf(stderr, "        %g <= y <= %g\n", sim.stlmin.y, sim.stlmax.y);
+    fprintf(stderr, "        %g <= z <= %g\n", sim.stlmin.z, sim.stlmax.z);
+    fprintf(stderr, "Midpoint: %g %g %g\n", sim.stlmid.x, sim.stlmid.y, sim.stlmid.z);
   }
 }

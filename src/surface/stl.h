@@ -6,41 +6,31 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "lib/vector.h"
 
-struct FACET {
-  XYZ p[3];     // vertices in file order; orientation comes from this order
-  XYZ n;        // unit normal, (0,0,0) for a degenerate triangle
-  XYZ mid;      // centroid
-  PLANE plane;  // a, b, c = n; d = -n.p[0]
-};
 
-// Storage never shrinks; nstltri is the number of facets in the surface.
-extern std::vector<FACET> stltri;
-extern int nstltri;
-extern XYZ stlmin, stlmax, stlmid;
 
 // Makes room for n facets (stltri.size() >= n).
-void ReserveFacets(int n);
+void ReserveFacets(SIMULATION &sim, int n);
 
 // Appends a facet with the given vertices (derived fields are left for
 // UpdateSTL).
-void AppendFacet(XYZ p0, XYZ p1, XYZ p2);
+void AppendFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2);
 
 // Removes facets with coincident vertices (the last facet moves into the
 // gap), fills n, mid and plane, recomputes the bounds and the midpoint.
-void UpdateSTL(void);
+void UpdateSTL(SIMULATION &sim);
 
 // Reads an ASCII or binary STL file as the new surface. Returns 1 on success,
 // 0 when the file cannot be opened (old surface kept, *msg set) or the binary
 // facet count is implausible (surface empty, *msg set). Malformed files that
 // must end the program set msg->fatal and return 0.
-int ReadSTLFile(const char *path, FILEMESSAGE *msg);
+int ReadSTLFile(SIMULATION &sim, const char *path, FILEMESSAGE *msg);
 
 // ReadSTLFile on a stream open for reading (left open); name is the path
 // shown in debug output. A binary file that ends early keeps the facets read
 // completely and stops at the first short read.
-int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg);
+int ReadSTLStream(SIMULATION &sim, FILE *fp, const char *name, FILEMESSAGE *msg);
 
 #endif

@@ -3,10 +3,10 @@
 
 #include "surface/stl.h"
 
-static int ReadAsciiFacets(FILE *fp, FILEMESSAGE *msg) {
+static int ReadAsciiFacets(SIMULATION &sim, FILE *fp, FILEMESSAGE *msg) {
   char line[1001];
   char word[1024];
-  if (options.debug) fprintf(stderr, "Parsing ascii stl file\n");
+  if (sim.options.debug) fprintf(stderr, "Parsing ascii stl file\n");
   // A last line without its line end is left unread, as ReadLine reports
   // the end of the file at once: a file cut off there keeps its facets.
   while (ReadLine(fp, line, 1000)) {
@@ -18,16 +18,16 @@ static int ReadAsciiFacets(FILE *fp, FILEMESSAGE *msg) {
           return 0;
         }
       }
-      AppendFacet(p[0], p[1], p[2]);
+      AppendFacet(sim, p[0], p[1], p[2]);
     }
   }
   return 1;
 }
 
 // 0 with *msg set when the file must end the program or is implausible.
-static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
+static int ReadBinaryFacets(SIMULATION &sim, FILE *fp, FILEMESSAGE *msg) {
   char header[80];
-  if (options.debug) fprintf(stderr, "Parsing binary stl file\n");
+  if (sim.options.debug) fprintf(stderr, "Parsing binary stl file\n");
   if (fread(header, 80, 1, fp) != 1) {
     SetFileMessage(msg, 1, "File Error", "Failed to read an expected STL header", "");
     return 0;
@@ -35,8 +35,8 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
   // A missing or partial count reads as no facets: a short read may have
   // filled some of the bytes, which must not decide the count.
   int count = 0;
-  if (!ReadInt(fp, &count, options.stlswap)) count = 0;
-  if (options.debug) fprintf(stderr, "Expecting %d facets\n", count);
+  if (!ReadInt(fp, &count, sim.options.stlswap)) count = 0;
+  if (sim.options.debug) fprintf(stderr, "Expecting %d facets\n", count);
   if ((unsigned int)count > 10000000u) {
     SetFileMessage(msg, 0, "File Error", "Read an unexpected number of faces in STL header", "");
     return 0;
@@ -48,7 +48,7 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
     // count of millions over an empty tail costs nothing.
     float v[12];
     int ok = 1;
-    for (int k = 0; k < 12 && ok; k++) ok = ReadFloat(fp, &v[k], options.stlswap);
+    for (int k = 0; k < 12 && ok; k++) ok = ReadFloat(fp, &v[k], sim.options.stlswap);
     unsigned char attribute[2];
     if (!ok || fread(attribute, 2, 1, fp) != 1) break;
     XYZ p[3];
@@ -57,14 +57,14 @@ static int ReadBinaryFacets(FILE *fp, FILEMESSAGE *msg) {
       p[k].y = v[4 + 3 * k];
       p[k].z = v[5 + 3 * k];
     }
-    AppendFacet(p[0], p[1], p[2]);
+    AppendFacet(sim, p[0], p[1], p[2]);
   }
   return 1;
 }
 
-int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg) {
-  nstltri = 0;
-  CopyName(growthstate.stlname, "None", sizeof(growthstate.stlname));
+int ReadSTLStream(SIMULATION &sim, FILE *fp, const char *name, FILEMESSAGE *msg) {
+  sim.nstltri = 0;
+  CopyName(sim.growthstate.stlname, "None", sizeof(sim.growthstate.stlname));
 
   // "solid" within the first six characters means ASCII; a binary header
   // that starts with "solid" is therefore read as ASCII.
@@ -75,34 +75,34 @@ int ReadSTLStream(FILE *fp, const char *name, FILEMESSAGE *msg) {
 
   int ok;
   if (ascii) {
-    if (options.debug) fprintf(stderr, "ASCII stl file\n");
+    if (sim.options.debug) fprintf(stderr, "ASCII stl file\n");
     rewind(fp);
-    ok = ReadAsciiFacets(fp, msg);
+    ok = ReadAsciiFacets(sim, fp, msg);
   } else {
-    if (options.debug) fprintf(stderr, "Binary stl file\n");
+    if (sim.options.debug) fprintf(stderr, "Binary stl file\n");
     rewind(fp);
-    ok = ReadBinaryFacets(fp, msg);
+    ok = ReadBinaryFacets(sim, fp, msg);
   }
   if (!ok) {
     // The caller ends the program on a fatal message; the implausible
     // count leaves an empty surface without preparing it.
-    if (!msg || !msg->fatal) nstltri = 0;
+    if (!msg || !msg->fatal) sim.nstltri = 0;
     return 0;
   }
 
-  if (options.debug) fprintf(stderr, "Read %d triangle faces\n", nstltri);
-  UpdateSTL();
-  if (options.debug) fprintf(stderr, "%s\n", name);
+  if (sim.options.debug) fprintf(stderr, "Read %d triangle faces\n", sim.nstltri);
+  UpdateSTL(sim);
+  if (sim.options.debug) fprintf(stderr, "%s\n", name);
   return 1;
 }
 
-int ReadSTLFile(const char *path, FILEMESSAGE *msg) {
+int ReadSTLFile(SIMULATION &sim, const char *path, FILEMESSAGE *msg) {
   FILE *fp = fopen(path, "r");
   if (fp == NULL) {
     SetFileMessage(msg, 0, "File Error", "Failed to read STL file", path);
     return 0;
   }
-  int ok = ReadSTLStream(fp, path, msg);
+  int ok = ReadSTLStream(sim, fp, path, msg);
   fclose(fp);
   return ok;
 }

@@ -2,11 +2,11 @@
 
 #include <stdio.h>  // fprintf()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "surface/stl.h"
 
-void TransformSTL(XYZ scale, XYZ shift, XYZ rotate) {
-  if (options.debug) {
+void TransformSTL(SIMULATION &sim, XYZ scale, XYZ shift, XYZ rotate) {
+  if (sim.options.debug) {
     fprintf(stderr, "Scale  : %g,%g,%g\n", scale.x, scale.y, scale.z);
     fprintf(stderr, "Shift  : %g,%g,%g\n", shift.x, shift.y, shift.z);
     fprintf(stderr, "Rotate : %g,%g,%g\n", rotate.x, rotate.y, rotate.z);
@@ -15,9 +15,9 @@ void TransformSTL(XYZ scale, XYZ shift, XYZ rotate) {
   double ry = rotate.y * DTOR;
   double rz = rotate.z * DTOR;
 
-  for (int i = 0; i < nstltri; i++) {
+  for (int i = 0; i < sim.nstltri; i++) {
     for (int k = 0; k < 3; k++) {
-      XYZ p = stltri[i].p[k];
+      XYZ p = sim.stltri[i].p[k];
       p = RotateX(p, rx);
       p = RotateY(p, ry);
       p = RotateZ(p, rz);
@@ -27,8 +27,8 @@ void TransformSTL(XYZ scale, XYZ shift, XYZ rotate) {
       p.x += shift.x;
       p.y += shift.y;
       p.z += shift.z;
-      stltri[i].p[k] = p;
+      sim.stltri[i].p[k] = p;
     }
   }
-  UpdateSTL();
+  UpdateSTL(sim);
 }

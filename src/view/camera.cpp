@@ -2,115 +2,113 @@
 
 #include <math.h>  // tan(), sqrt(), fabs()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "surface/stl.h"  // the drawn surface's vertices for DrawnBounds
 
-// The first home also sets mono and the window size; later ones keep them.
-static int first = 0;
 
-void ForgetCameraHome(void) { first = 0; }
+void ForgetCameraHome(SIMULATION &sim) { sim.camerahomed = 0; }
 
-void CameraHome(void) {
-  if (!first) {
-    camera.stereo = STEREO_MONO;
-    camera.screenwidth = 800;
-    camera.screenheight = 600;
+void CameraHome(SIMULATION &sim) {
+  if (!sim.camerahomed) {
+    sim.camera.stereo = STEREO_MONO;
+    sim.camera.screenwidth = 800;
+    sim.camera.screenheight = 600;
   }
-  camera.aperture = 60;
-  camera.vp.x = 60;
-  camera.vp.y = 0;
-  camera.vp.z = 0;
-  camera.focallength = Modulus(camera.vp);
-  camera.eyesep = camera.focallength / 30;
-  camera.near = camera.focallength / 10;
-  camera.far = camera.focallength * 10;
-  camera.vd.x = -1;
-  camera.vd.y = 0;
-  camera.vd.z = 0;
-  camera.vu.x = 0;
-  camera.vu.y = 0;
-  camera.vu.z = 1;
-  camera.pr.x = 0;
-  camera.pr.y = 0;
-  camera.pr.z = 0;
-  Normalise(&camera.vd);
-  Normalise(&camera.vu);
-  first = 1;
+  sim.camera.aperture = 60;
+  sim.camera.vp.x = 60;
+  sim.camera.vp.y = 0;
+  sim.camera.vp.z = 0;
+  sim.camera.focallength = Modulus(sim.camera.vp);
+  sim.camera.eyesep = sim.camera.focallength / 30;
+  sim.camera.near = sim.camera.focallength / 10;
+  sim.camera.far = sim.camera.focallength * 10;
+  sim.camera.vd.x = -1;
+  sim.camera.vd.y = 0;
+  sim.camera.vd.z = 0;
+  sim.camera.vu.x = 0;
+  sim.camera.vu.y = 0;
+  sim.camera.vu.z = 1;
+  sim.camera.pr.x = 0;
+  sim.camera.pr.y = 0;
+  sim.camera.pr.z = 0;
+  Normalise(&sim.camera.vd);
+  Normalise(&sim.camera.vu);
+  sim.camerahomed = 1;
 }
 
-void RotateCamera(double ix, double iy, double iz) {
-  double radius = Modulus(camera.vp);
+void RotateCamera(SIMULATION &sim, double ix, double iy, double iz) {
+  double radius = Modulus(sim.camera.vp);
   // Computed once: the up/down turn deliberately reuses it after a left/right turn.
-  XYZ right = CrossProduct(camera.vd, camera.vu);
+  XYZ right = CrossProduct(sim.camera.vd, sim.camera.vu);
 
-  if (iz != 0) camera.vu = ArbitraryRotate(camera.vu, iz, camera.vd);
+  if (iz != 0) sim.camera.vu = ArbitraryRotate(sim.camera.vu, iz, sim.camera.vd);
   if (ix != 0) {
-    camera.vd = ArbitraryRotate(camera.vd, ix, camera.vu);
-    Normalise(&camera.vd);
-    camera.vp.x = -radius * camera.vd.x;
-    camera.vp.y = -radius * camera.vd.y;
-    camera.vp.z = -radius * camera.vd.z;
-    camera.vu = CrossProduct(right, camera.vd);
+    sim.camera.vd = ArbitraryRotate(sim.camera.vd, ix, sim.camera.vu);
+    Normalise(&sim.camera.vd);
+    sim.camera.vp.x = -radius * sim.camera.vd.x;
+    sim.camera.vp.y = -radius * sim.camera.vd.y;
+    sim.camera.vp.z = -radius * sim.camera.vd.z;
+    sim.camera.vu = CrossProduct(right, sim.camera.vd);
   }
   if (iy != 0) {
-    camera.vd = ArbitraryRotate(camera.vd, iy, right);
-    Normalise(&camera.vd);
-    camera.vp.x = -radius * camera.vd.x;
-    camera.vp.y = -radius * camera.vd.y;
-    camera.vp.z = -radius * camera.vd.z;
-    camera.vu = CrossProduct(right, camera.vd);
+    sim.camera.vd = ArbitraryRotate(sim.camera.vd, iy, right);
+    Normalise(&sim.camera.vd);
+    sim.camera.vp.x = -radius * sim.camera.vd.x;
+    sim.camera.vp.y = -radius * sim.camera.vd.y;
+    sim.camera.vp.z = -radius * sim.camera.vd.z;
+    sim.camera.vu = CrossProduct(right, sim.camera.vd);
   }
-  Normalise(&camera.vu);
+  Normalise(&sim.camera.vu);
 }
 
-void ZoomCamera(int in) {
+void ZoomCamera(SIMULATION &sim, int in) {
   if (in) {
-    if (camera.aperture > 1) camera.aperture *= 0.95;
+    if (sim.camera.aperture > 1) sim.camera.aperture *= 0.95;
   } else {
-    if (camera.aperture < 90) camera.aperture /= 0.95;
+    if (sim.camera.aperture < 90) sim.camera.aperture /= 0.95;
   }
 }
 
-void DollyCamera(int closer) {
-  double d = Modulus(camera.vp);
-  Normalise(&camera.vp);
+void DollyCamera(SIMULATION &sim, int closer) {
+  double d = Modulus(sim.camera.vp);
+  Normalise(&sim.camera.vp);
   double s = closer ? d * 0.95 : d / 0.95;
-  camera.vp.x *= s;
-  camera.vp.y *= s;
-  camera.vp.z *= s;
+  sim.camera.vp.x *= s;
+  sim.camera.vp.y *= s;
+  sim.camera.vp.z *= s;
 }
 
-void FrameCamera(void) {
-  camera.focallength = Modulus(camera.vp);
-  camera.eyesep = camera.focallength / 30;
-  camera.near = camera.focallength / 10;
-  camera.far = camera.focallength * 10;
+void FrameCamera(SIMULATION &sim) {
+  sim.camera.focallength = Modulus(sim.camera.vp);
+  sim.camera.eyesep = sim.camera.focallength / 30;
+  sim.camera.near = sim.camera.focallength / 10;
+  sim.camera.far = sim.camera.focallength * 10;
 }
 
-EYEVIEW EyeView(int eye) {
-  int w = camera.screenwidth;
-  int h = camera.screenheight;
-  int dual = camera.stereo == STEREO_DUAL;
+EYEVIEW EyeView(SIMULATION &sim, int eye) {
+  int w = sim.camera.screenwidth;
+  int h = sim.camera.screenheight;
+  int dual = sim.camera.stereo == STEREO_DUAL;
   double ratio = w / (double)h;
   if (dual) ratio *= 0.5;
-  double halfheight = camera.near * tan(camera.aperture * DTOR * 0.5);
-  double shift = 0.5 * camera.eyesep * camera.near / camera.focallength;
-  XYZ right = CrossProduct(camera.vd, camera.vu);
+  double halfheight = sim.camera.near * tan(sim.camera.aperture * DTOR * 0.5);
+  double shift = 0.5 * sim.camera.eyesep * sim.camera.near / sim.camera.focallength;
+  XYZ right = CrossProduct(sim.camera.vd, sim.camera.vu);
   Normalise(&right);
-  right.x *= camera.eyesep / 2;
-  right.y *= camera.eyesep / 2;
-  right.z *= camera.eyesep / 2;
+  right.x *= sim.camera.eyesep / 2;
+  right.y *= sim.camera.eyesep / 2;
+  right.z *= sim.camera.eyesep / 2;
 
   EYEVIEW v;
   v.bottom = -halfheight;
   v.top = halfheight;
-  v.near = camera.near;
-  v.far = camera.far;
+  v.near = sim.camera.near;
+  v.far = sim.camera.far;
   v.x = 0;
   v.y = 0;
   v.width = w;
   v.height = h;
-  v.eye = camera.vp;
+  v.eye = sim.camera.vp;
   if (eye == EYE_MONO) {
     v.left = -ratio * halfheight;
     v.right = ratio * halfheight;
@@ -123,9 +121,9 @@ EYEVIEW EyeView(int eye) {
     v.width = w / 2;
     if (eye == EYE_RIGHT) v.x = w / 2;
   }
-  v.eye.x = camera.vp.x + sign * right.x;
-  v.eye.y = camera.vp.y + sign * right.y;
-  v.eye.z = camera.vp.z + sign * right.z;
+  v.eye.x = sim.camera.vp.x + sign * right.x;
+  v.eye.y = sim.camera.vp.y + sign * right.y;
+  v.eye.z = sim.camera.vp.z + sign * right.z;
   return v;
 }
 
@@ -158,34 +156,34 @@ static void Reach(double *r2, XYZ c, XYZ p) {
   if (d2 > *r2) *r2 = d2;
 }
 
-int DrawnBounds(XYZ *centre, double *radius) {
-  int surface = options.stldrawmode != STLDRAW_OFF && nstltri > 0;
+int DrawnBounds(SIMULATION &sim, XYZ *centre, double *radius) {
+  int surface = sim.options.stldrawmode != STLDRAW_OFF && sim.nstltri > 0;
   XYZ min = {1e32, 1e32, 1e32}, max = {-1e32, -1e32, -1e32};
-  if (ncells == 0 && !surface) return 0;
-  for (int i = 0; i < ncells; i++) MinMaxXYZ(&min, &max, cells[i].p);
-  for (int i = 0; surface && i < nstltri; i++)
-    for (int k = 0; k < 3; k++) MinMaxXYZ(&min, &max, stltri[i].p[k]);
+  if (sim.ncells == 0 && !surface) return 0;
+  for (int i = 0; i < sim.ncells; i++) MinMaxXYZ(&min, &max, sim.cells[i].p);
+  for (int i = 0; surface && i < sim.nstltri; i++)
+    for (int k = 0; k < 3; k++) MinMaxXYZ(&min, &max, sim.stltri[i].p[k]);
   XYZ c = {(min.x + max.x) / 2, (min.y + max.y) / 2, (min.z + max.z) / 2};
   double r2 = 0;
-  for (int i = 0; i < ncells; i++) Reach(&r2, c, cells[i].p);
-  for (int i = 0; surface && i < nstltri; i++)
-    for (int k = 0; k < 3; k++) Reach(&r2, c, stltri[i].p[k]);
+  for (int i = 0; i < sim.ncells; i++) Reach(&r2, c, sim.cells[i].p);
+  for (int i = 0; surface && i < sim.nstltri; i++)
+    for (int k = 0; k < 3; k++) Reach(&r2, c, sim.stltri[i].p[k]);
   double r = sqrt(r2);
-  const GROWTHSTATE &g = growthstate;
-  if (options.dladrawmode == DLADRAW_TUBES) r += g.thickstart > g.thickend ? g.thickstart : g.thickend;
+  const GROWTHSTATE &g = sim.growthstate;
+  if (sim.options.dladrawmode == DLADRAW_TUBES) r += g.thickstart > g.thickend ? g.thickstart : g.thickend;
   if (r < g.branchlength) r = g.branchlength;
   *centre = c;
   *radius = r;
   return 1;
 }
 
-void FitCamera(void) {
+void FitCamera(SIMULATION &sim) {
   XYZ centre;
   double radius;
-  if (!DrawnBounds(&centre, &radius)) return;
-  double d = FitCameraDistance(&camera, centre, radius);
-  camera.vp.x = -d * camera.vd.x;
-  camera.vp.y = -d * camera.vd.y;
-  camera.vp.z = -d * camera.vd.z;
-  FrameCamera();
+  if (!DrawnBounds(sim, &centre, &radius)) return;
+  double d = FitCameraDistance(&sim.camera, centre, radius);
+  sim.camera.vp.x = -d * sim.camera.vd.x;
+  sim.camera.vp.y = -d * sim.camera.vd.y;
+  sim.camera.vp.z = -d * sim.camera.vd.z;
+  FrameCamera(sim);
 }

@@ -1,6 +1,6 @@
 #include "view/menutables.h"
 
-#include "app/records.h"
+#include "app/simulation.h"
 
 const MENUENTRY mainmenu[] = {
     {"Settings", MAINMENU_SETTINGS, -1},
@@ -116,8 +116,8 @@ const char *RootMenuName(int value) {
   return names[value - 1];
 }
 
-void SetRootDistribution(int value) {
-  growthstate.rootdistribution = value;
+void SetRootDistribution(SIMULATION &sim, int value) {
+  sim.growthstate.rootdistribution = value;
   const char *name = RootMenuName(value);
-  if (name != 0) CopyName(growthstate.rootname, name, sizeof(growthstate.rootname));
+  if (name != 0) CopyName(sim.growthstate.rootname, name, sizeof(sim.growthstate.rootname));
 }

@@ -4,6 +4,8 @@
 #ifndef DLA_VIEW_MENUTABLES_H
 #define DLA_VIEW_MENUTABLES_H
 
+#include "app/simulation.h"
+
 // Sub-menus, in the order CreateMenus makes them.
 enum { SUBMENU_STL = 0, SUBMENU_SAVE, SUBMENU_DLA, SUBMENU_SAMPLE, SUBMENU_SOURCE, SUBMENU_ROOT, NSUBMENUS };
 
@@ -70,6 +72,6 @@ const char *RootMenuName(int value);
 
 // The root menu's record change: rootdistribution = value, and rootname
 // from RootMenuName when that is not NULL.
-void SetRootDistribution(int value);
+void SetRootDistribution(SIMULATION &sim, int value);
 
 #endif

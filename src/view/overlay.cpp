@@ -3,7 +3,7 @@
 #include <stdarg.h>
 #include <stdio.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "surface/stl.h"
 
 static const char *sourcetypes[18] = {
@@ -49,8 +49,8 @@ static void AddLine(OVERLAYLINE *lines, int max, int *n, int size, int x, int y,
   (*n)++;
 }
 
-int InfoLines(OVERLAYLINE *lines, int max, int screenheight) {
-  const GROWTHSTATE &g = growthstate;
+int InfoLines(SIMULATION &sim, OVERLAYLINE *lines, int max, int screenheight) {
+  const GROWTHSTATE &g = sim.growthstate;
   const int s = INFOLINESIZE;
   int h = screenheight;
   int n = 0;
@@ -76,21 +76,21 @@ int InfoLines(OVERLAYLINE *lines, int max, int screenheight) {
   AddLine(lines, max, &n, s, 10, y - 13, "%s", SourceTypeText(g.sourcetype, 0));
   int z = y - 26;
   AddLine(lines, max, &n, s, 10, z, "Constraint surface: %s", g.stlname);
-  if (nstltri > 0) {
-    AddLine(lines, max, &n, s, 10, y - 39, "Faces in constraint surface: %d", nstltri);
+  if (sim.nstltri > 0) {
+    AddLine(lines, max, &n, s, 10, y - 39, "Faces in constraint surface: %d", sim.nstltri);
     AddLine(lines, max, &n, s, 10, y - 52, "Surface bounds");
-    AddLine(lines, max, &n, s, 10, y - 65, "   %g <= x <= %g", stlmin.x, stlmax.x);
-    AddLine(lines, max, &n, s, 10, y - 78, "   %g <= y <= %g", stlmin.y, stlmax.y);
+    AddLine(lines, max, &n, s, 10, y - 65, "   %g <= x <= %g", sim.stlmin.x, sim.stlmax.x);
+    AddLine(lines, max, &n, s, 10, y - 78, "   %g <= y <= %g", sim.stlmin.y, sim.stlmax.y);
     z = y - 91;
-    AddLine(lines, max, &n, s, 10, z, "   %g <= z <= %g", stlmin.z, stlmax.z);
+    AddLine(lines, max, &n, s, 10, z, "   %g <= z <= %g", sim.stlmin.z, sim.stlmax.z);
   }
-  AddLine(lines, max, &n, s, 10, z - 26, "Number of particles: %d", ncells);
+  AddLine(lines, max, &n, s, 10, z - 26, "Number of particles: %d", sim.ncells);
   AddLine(lines, max, &n, s, 10, z - 39, "Current radius: %g", g.radius);
   AddLine(lines, max, &n, s, 10, z - 52, "Particle life span: %d", g.lifespan);
   return n;
 }
 
-int StatisticsLines(OVERLAYLINE *lines, int max, int screenwidth, int screenheight) {
+int StatisticsLines(SIMULATION &sim, OVERLAYLINE *lines, int max, int screenwidth, int screenheight) {
   const int s = STATSLINESIZE;
   int x = screenwidth / 2;
   int h = screenheight;
@@ -98,16 +98,16 @@ int StatisticsLines(OVERLAYLINE *lines, int max, int screenwidth, int screenheig
 
   AddLine(lines, max, &n, s, x, h - 26, "Statistics");
   AddLine(lines, max, &n, s, x, h - 39, "Branch distribution");
-  AddLine(lines, max, &n, s, x, h - 52, "   0:%d 1:%d 2:%d 3:%d 4:%d 5:%d", stats.branchcount[0],
-          stats.branchcount[1], stats.branchcount[2], stats.branchcount[3], stats.branchcount[4],
-          stats.branchcount[5]);
+  AddLine(lines, max, &n, s, x, h - 52, "   0:%d 1:%d 2:%d 3:%d 4:%d 5:%d", sim.stats.branchcount[0],
+          sim.stats.branchcount[1], sim.stats.branchcount[2], sim.stats.branchcount[3], sim.stats.branchcount[4],
+          sim.stats.branchcount[5]);
   int y = h - 65;
   AddLine(lines, max, &n, s, x, y, "Box counting");
   for (int k = 0; k < 10; k++) {
-    if (stats.boxcount[k] <= 0) continue;
+    if (sim.stats.boxcount[k] <= 0) continue;
     y -= 13;
     // The trailing newline only moves the raster position; kept as drawn.
-    AddLine(lines, max, &n, s, x, y, "   %8.3lf : %d\n", stats.boxsize[k], stats.boxcount[k]);
+    AddLine(lines, max, &n, s, x, y, "   %8.3lf : %d\n", sim.stats.boxsize[k], sim.stats.boxcount[k]);
   }
   return n;
 }

@@ -5,6 +5,8 @@
 #ifndef DLA_VIEW_OVERLAY_H
 #define DLA_VIEW_OVERLAY_H
 
+#include "app/simulation.h"
+
 // Information lines are cut to 63 characters (a 64-byte buffer), statistics
 // lines to 127.
 #define INFOLINESIZE 64
@@ -22,12 +24,12 @@ struct OVERLAYLINE {
 // The information block for a window screenheight pixels high, from the
 // growth settings, the aggregate and the surface. Fills at most max lines
 // and returns how many were filled.
-int InfoLines(OVERLAYLINE *lines, int max, int screenheight);
+int InfoLines(SIMULATION &sim, OVERLAYLINE *lines, int max, int screenheight);
 
 // The statistics block (branch distribution, then one line per box size
 // with a non-zero count, closing up) at x = screenwidth / 2. Returns the
 // number of lines filled, at most max.
-int StatisticsLines(OVERLAYLINE *lines, int max, int screenwidth, int screenheight);
+int StatisticsLines(SIMULATION &sim, OVERLAYLINE *lines, int max, int screenwidth, int screenheight);
 
 // The source type line ("Source type: ...") for a source code. The report
 // (report nonzero) names code 9 "Single axis (-x)"; the on-screen overlay

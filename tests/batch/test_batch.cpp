@@ -20,13 +20,13 @@ using BatchRun = Fresh;
 
 TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
   std::string err;
-  ASSERT_EQ(Batch("--seed 7 --bias 0.5 --branch-length 0.01 --stickiness 1 --rotation -5 --thickness 0.8 0 --roots 0 "
+  BATCHRUN run;
+  ASSERT_EQ(Batch(sim, "--seed 7 --bias 0.5 --branch-length 0.01 --stickiness 1 --rotation -5 --thickness 0.8 0 --roots 0 "
                   "--root-range -3.5 --root-distribution -2 --associate --intersect-range 90 --source 17 --cells 5 "
                   "--steps 123456789012 --transform 1,2,3 -4,5e-1,0 90,0,-30 --slices 2 --slice-normal 0,-1,0.5",
-                  &err, true),
+                  &err, true, &run),
             BATCH_OK)
       << err;
-  const BATCHRUN &run = BatchRecord();
   const GROWTHSTATE &g = run.growth;
   std::ostringstream got;
   got << g.seed << " " << g.bias << " " << g.branchlength << " " << g.stickiness << " " << g.rotation << " "
@@ -58,7 +58,7 @@ TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
                {"--sample 21 --stl x.stl", "--sample", "--stl"},
                {"--info " + std::string(256, 'x'), "--info", "1 to 255"}};
   for (auto &c : cases) {
-    EXPECT_EQ(Batch(c.args, &err, true), BATCH_USAGE) << c.args;
+    EXPECT_EQ(Batch(sim, c.args, &err, true), BATCH_USAGE) << c.args;
     EXPECT_NE(err.find(c.option), std::string::npos) << err;
     EXPECT_NE(err.find(c.range), std::string::npos) << err;
   }
@@ -67,7 +67,7 @@ TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
 TEST_F(BatchRun, CsvCellsSurfaceAndSlicesAsTheWindowMakesThem) {
   Scratch s;
   std::string err;
-  ASSERT_EQ(Batch("--cells 150 --seed 4 --bias 0.7 --rotation 1.5 --roots 3 --root-distribution 8 --associate "
+  ASSERT_EQ(Batch(sim, "--cells 150 --seed 4 --bias 0.7 --rotation 1.5 --roots 3 --root-distribution 8 --associate "
                   "--sample 22 --transform 2,1,0.5 0,0,5 90,0,0 --transform 1,1,1 1,2,3 0,30,-45 --csv " +
                       s / "c.csv" + " --stl-out " + s / "b.stl" + " --slices 5 --slice-normal 5e-6,0,0 --slice-dir " +
                       s.dir + " --no-progress",
@@ -77,77 +77,77 @@ TEST_F(BatchRun, CsvCellsSurfaceAndSlicesAsTheWindowMakesThem) {
   std::string text = ReadFile(s / "c.csv");
   ASSERT_EQ(text.substr(0, 34), "index,parent,x,y,z,weight\n0,-1,10,");  // the ring's roots first
   const char *p = text.c_str() + 26;
-  for (int i = 0, used = 0; i < ncells; i++, p += used) {  // %.17g gives every double back exactly
+  for (int i = 0, used = 0; i < sim.ncells; i++, p += used) {  // %.17g gives every double back exactly
     int index, parent;
     double v[4];
     ASSERT_EQ(sscanf(p, "%d,%d,%lf,%lf,%lf,%lf\n%n", &index, &parent, &v[0], &v[1], &v[2], &v[3], &used), 6);
     EXPECT_EQ(index, i);
-    EXPECT_EQ(parent, cells[i].parent);
-    EXPECT_EQ(memcmp(v, &cells[i].p, sizeof(XYZ)), 0) << i;
-    EXPECT_EQ(memcmp(&v[3], &cells[i].weight, sizeof(double)), 0) << i;
+    EXPECT_EQ(parent, sim.cells[i].parent);
+    EXPECT_EQ(memcmp(v, &sim.cells[i].p, sizeof(XYZ)), 0) << i;
+    EXPECT_EQ(memcmp(&v[3], &sim.cells[i].weight, sizeof(double)), 0) << i;
   }
   EXPECT_EQ(*p, '\0');
-  uint64_t batch = AggregateHash();
+  uint64_t batch = AggregateHash(sim);
   std::string slices;
   for (int i = 0; i < 5; i++) slices += ReadFile(s / ("slice_00" + std::to_string(i) + ".txt"));
   EXPECT_GT(std::count(slices.begin(), slices.end(), '\n'), 100);
   // The window: the settings typed, the ring from the menu, the sample and
   // Apply twice, the form's restart; the slice form's normal shorter than
   // 1e-5 gets z = 1 and is normalised.
-  ResetProgram();
-  GROWTHSTATE &g = growthstate;
+  ResetProgram(sim);
+  GROWTHSTATE &g = sim.growthstate;
   g.seed = 4;
   g.bias = 0.7;
   g.rotation = 1.5;
   g.nroots = 3;
   g.rootdistribution = ROOT_RINGZ;
   g.associate = 1;
-  MakeSampleSurface(SAMPLE_HEMISPHERE);
-  TransformSTL(V(2, 1, 0.5), V(0, 0, 5), V(90, 0, 0));
-  UpdateSTL();
-  TransformSTL(V(1, 1, 1), V(1, 2, 3), V(0, 30, -45));
-  UpdateSTL();
-  InitialiseGrowth();
-  ResetSeeds();
-  while (ncells < 150) IterateSystem();
-  EXPECT_EQ(AggregateHash(), batch);
-  ASSERT_EQ(SaveModelFile((s / "d.stl").c_str(), MODEL_STL, MODEL_SWEEP), 1);
+  MakeSampleSurface(sim, SAMPLE_HEMISPHERE);
+  TransformSTL(sim, V(2, 1, 0.5), V(0, 0, 5), V(90, 0, 0));
+  UpdateSTL(sim);
+  TransformSTL(sim, V(1, 1, 1), V(1, 2, 3), V(0, 30, -45));
+  UpdateSTL(sim);
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
+  while (sim.ncells < 150) IterateSystem(sim);
+  EXPECT_EQ(AggregateHash(sim), batch);
+  ASSERT_EQ(SaveModelFile(sim, (s / "d.stl").c_str(), MODEL_STL, MODEL_SWEEP), 1);
   EXPECT_EQ(ReadFile(s / "b.stl"), ReadFile(s / "d.stl"));
   Scratch d;
   testing::internal::CaptureStderr();
-  ASSERT_EQ(DoSliceIn(d.dir.c_str(), 5, V(5e-6 / sqrt(1 + 25e-12), 0, 1 / sqrt(1 + 25e-12))), 1);
+  ASSERT_EQ(DoSliceIn(sim, d.dir.c_str(), 5, V(5e-6 / sqrt(1 + 25e-12), 0, 1 / sqrt(1 + 25e-12))), 1);
   testing::internal::GetCapturedStderr();
   std::string direct;
   for (int i = 0; i < 5; i++) direct += ReadFile(d / ("slice_00" + std::to_string(i) + ".txt"));
   EXPECT_EQ(slices, direct);
-  ASSERT_EQ(Batch("--steps 7", &err), BATCH_OK);  // the step limit comes first
-  EXPECT_EQ(ncells, 1);
-  EXPECT_EQ(growthstate.lifespan, 7);
+  ASSERT_EQ(Batch(sim, "--steps 7", &err), BATCH_OK);  // the step limit comes first
+  EXPECT_EQ(sim.ncells, 1);
+  EXPECT_EQ(sim.growthstate.lifespan, 7);
 }
 
 TEST_F(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
   Scratch s;
   std::string err, missing = s / "missing.txt";
-  EXPECT_EQ(Batch("--seed-file " + missing + " --csv " + s / "c.csv", &err), BATCH_FILEERROR);
+  EXPECT_EQ(Batch(sim, "--seed-file " + missing + " --csv " + s / "c.csv", &err), BATCH_FILEERROR);
   EXPECT_EQ(err, "dla3d-batch: --seed-file: cannot read \"" + missing +
                      "\": Failed to read seed file (No such file or directory)\n");
-  EXPECT_EQ(Batch("--stl " + missing, &err), BATCH_FILEERROR);
+  EXPECT_EQ(Batch(sim, "--stl " + missing, &err), BATCH_FILEERROR);
   EXPECT_EQ(err, "dla3d-batch: --stl: cannot read \"" + missing + "\": Failed to read STL file (No such file or directory)\n");
   std::string shortstl = WriteFile(s / "short.stl", "binary but short");
-  EXPECT_EQ(Batch("--stl " + shortstl + " --csv " + s / "c.csv", &err), BATCH_FATAL);
+  EXPECT_EQ(Batch(sim, "--stl " + shortstl + " --csv " + s / "c.csv", &err), BATCH_FATAL);
   EXPECT_EQ(err, "dla3d-batch: --stl: cannot read \"" + shortstl + "\": Failed to read an expected STL header\n");
   EXPECT_EQ(ReadFile(s / "c.csv"), "(missing)");
   // Any output that cannot be created ends the run before growth, and nothing is written.
   std::string ok = s / "ok.geom";
   for (std::string bad : {"--pov " + s / "no/a.pov", "--summary " + s / "no/s.json", "--csv " + s / "no/c.csv",
                           "--gltf " + s.dir})
-    EXPECT_EQ(Batch("--cells 30 --stats --geom " + ok + " " + bad, &err), BATCH_FILEERROR) << bad;
+    EXPECT_EQ(Batch(sim, "--cells 30 --stats --geom " + ok + " " + bad, &err), BATCH_FILEERROR) << bad;
   EXPECT_EQ(err, "dla3d-batch: --gltf: cannot create \"" + s.dir + "\": Is a directory\n");
-  EXPECT_EQ(ncells, 1);
-  EXPECT_EQ(stats.timestep, 0);
+  EXPECT_EQ(sim.ncells, 1);
+  EXPECT_EQ(sim.stats.timestep, 0);
   EXPECT_EQ(ReadFile(ok), "(missing)");
   // A full disk: each file is reported, the run goes on and ends with the error.
-  EXPECT_EQ(Batch("--cells 30 --csv /dev/full --vrml /dev/full --info /dev/full --geom " + s / "ok.geom", &err),
+  EXPECT_EQ(Batch(sim, "--cells 30 --csv /dev/full --vrml /dev/full --info /dev/full --geom " + s / "ok.geom", &err),
             BATCH_FILEERROR);
   EXPECT_EQ(err, "dla3d-batch: --csv: cannot write \"/dev/full\": No space left on device\n"
                  "dla3d-batch: --vrml: cannot create \"/dev/full\": No space left on device\n"

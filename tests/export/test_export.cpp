@@ -24,116 +24,116 @@ int donecalls;
 //   0 root (0,0,0) w3      1 root (10,0,0) w3
 //   2 <- 0 (0,0,1) w3      3 <- 2 (0,1,2) w1      4 <- 1 (10,0,-1) w1
 //   5 <- 3 (0,2,3) w0      6 <- 2 (1,0,2) w0
-void HandScene(void) {
-  ncells = 0;
+void HandScene(SIMULATION &sim) {
+  sim.ncells = 0;
   const double p[7][5] = {{0, 0, 0, 3, -1},  {10, 0, 0, 3, -1}, {0, 0, 1, 3, 0}, {0, 1, 2, 1, 2},
                           {10, 0, -1, 1, 1}, {0, 2, 3, 0, 3},   {1, 0, 2, 0, 2}};
-  for (auto &c : p) AppendCell(V(c[0], c[1], c[2]), c[3], (int)c[4]);
-  GROWTHSTATE &g = growthstate;
+  for (auto &c : p) AppendCell(sim, V(c[0], c[1], c[2]), c[3], (int)c[4]);
+  GROWTHSTATE &g = sim.growthstate;
   g.nroots = 2;
   g.maxweight = 3;
   g.thickend = 0.1;
   g.thickstart = 0.5;
   g.radius = 10;
   g.associate = 1;
-  AppendFacet(V(0, 0, -2), V(1, 0, -2), V(0, 1, -2));
-  AppendFacet(V(0, 0, -2), V(0, 1, -2), V(0, 0, -1));
-  UpdateSTL();
-  camera.vp = V(1, 2, 30);
-  camera.vu = V(0, 1, 0);
-  camera.aperture = 50;
+  AppendFacet(sim, V(0, 0, -2), V(1, 0, -2), V(0, 1, -2));
+  AppendFacet(sim, V(0, 0, -2), V(0, 1, -2), V(0, 0, -1));
+  UpdateSTL(sim);
+  sim.camera.vp = V(1, 2, 30);
+  sim.camera.vu = V(0, 1, 0);
+  sim.camera.aperture = 50;
 }
 
-std::string Written(int format, int variant) { return Capture([=](FILE *fp) { WriteModel(fp, format, variant); }); }
+std::string Written(SIMULATION &sim, int format, int variant) { return Capture([&](FILE *fp) { WriteModel(sim, fp, format, variant); }); }
 
 TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
-  HandScene();
-  Statistics();  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
-  Statistics();  // the same aggregate again: every entry doubled, the count restarted
-  EXPECT_EQ(stats.timestep, 7);
-  for (int k = 0; k < 10; k++) EXPECT_EQ(stats.branchcount[k], 2 * (k == 0 ? 3 : k == 1 ? 3 : k == 2 ? 1 : 0)) << k;
-  EXPECT_EQ(options.calcstats * 10 + boxcountstate.depth, 10);
-  ResetProgram();
-  for (int i = 0; i < 11; i++) AppendCell(V(1 + i, 0, 0), 0, 0);
-  Statistics();
-  EXPECT_EQ(stats.branchcount[9] * 100 + stats.branchcount[0], 111);  // ten or more children count as nine
+  HandScene(sim);
+  Statistics(sim);  // children: 0:{2} 1:{4} 2:{3,6} 3:{5}
+  Statistics(sim);  // the same aggregate again: every entry doubled, the count restarted
+  EXPECT_EQ(sim.stats.timestep, 7);
+  for (int k = 0; k < 10; k++) EXPECT_EQ(sim.stats.branchcount[k], 2 * (k == 0 ? 3 : k == 1 ? 3 : k == 2 ? 1 : 0)) << k;
+  EXPECT_EQ(sim.options.calcstats * 10 + sim.boxcountstate.depth, 10);
+  ResetProgram(sim);
+  for (int i = 0; i < 11; i++) AppendCell(sim, V(1 + i, 0, 0), 0, 0);
+  Statistics(sim);
+  EXPECT_EQ(sim.stats.branchcount[9] * 100 + sim.stats.branchcount[0], 111);  // ten or more children count as nine
 }
 
 TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   // One segment in the far corner of the scanned cube.
-  ncells = 0;
-  AppendCell(V(-13, -13, -13), 1, -1);
-  AppendCell(V(-12.8, -13, -13), 0, 0);
-  growthstate.radius = 9;
-  growthstate.branchlength = 0.5;
-  options.stldrawmode = STLDRAW_SOLID;
-  options.dladrawmode = DLADRAW_POINTS;
+  sim.ncells = 0;
+  AppendCell(sim, V(-13, -13, -13), 1, -1);
+  AppendCell(sim, V(-12.8, -13, -13), 0, 0);
+  sim.growthstate.radius = 9;
+  sim.growthstate.branchlength = 0.5;
+  sim.options.stldrawmode = STLDRAW_SOLID;
+  sim.options.dladrawmode = DLADRAW_POINTS;
   donecalls = 0;
-  boxcountdone = [] { donecalls++; };
-  Statistics();  // start and the first box, [-13.5,-9]^3, which holds the segment
-  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode, DLADRAW_LINES);  // the surface off, lines
-  EXPECT_EQ(stats.boxsize[0], 4.5);
-  EXPECT_EQ(stats.boxcount[0], 1);
-  for (int k = 1; k < 10; k++) EXPECT_EQ(stats.boxcount[k], -1);
-  ASSERT_EQ(boxcountstate.nboxes, 1);
-  EXPECT_EQ(boxcountstate.boxes[0].low.x, -13.5);
-  EXPECT_EQ(boxcountstate.boxes[0].high.z, -9);
+  sim.boxcountdone = [] { donecalls++; };
+  Statistics(sim);  // start and the first box, [-13.5,-9]^3, which holds the segment
+  EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode, DLADRAW_LINES);  // the surface off, lines
+  EXPECT_EQ(sim.stats.boxsize[0], 4.5);
+  EXPECT_EQ(sim.stats.boxcount[0], 1);
+  for (int k = 1; k < 10; k++) EXPECT_EQ(sim.stats.boxcount[k], -1);
+  ASSERT_EQ(sim.boxcountstate.nboxes, 1);
+  EXPECT_EQ(sim.boxcountstate.boxes[0].low.x, -13.5);
+  EXPECT_EQ(sim.boxcountstate.boxes[0].high.z, -9);
   // Positions per axis: edge 4.5 from -13.5: 6; edge 3 from -13.5 (then -12
   // after each reset, the old edge's offset): 8; edge 2 from -12 then -11: 11.
   int steps[10] = {1}, finished = 0;
-  while (!finished && boxcountstate.depth < 3) {
-    int before = boxcountstate.depth;
-    finished = BoxCountStep();
+  while (!finished && sim.boxcountstate.depth < 3) {
+    int before = sim.boxcountstate.depth;
+    finished = BoxCountStep(sim);
     steps[before]++;
-    if (boxcountstate.depth == 1 && before == 0) {
-      EXPECT_XYZ(boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
-      EXPECT_EQ(boxcountstate.nboxes + boxcountstate.scale, 3);
+    if (sim.boxcountstate.depth == 1 && before == 0) {
+      EXPECT_XYZ(sim.boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
+      EXPECT_EQ(sim.boxcountstate.nboxes + sim.boxcountstate.scale, 3);
     }
-    if (boxcountstate.depth == 2 && before == 1) { EXPECT_EQ(boxcountstate.p0.y, -12); }
+    if (sim.boxcountstate.depth == 2 && before == 1) { EXPECT_EQ(sim.boxcountstate.p0.y, -12); }
   }
   EXPECT_EQ(steps[0], 216);
   EXPECT_EQ(steps[1], 512);
   EXPECT_EQ(steps[2], 1331);
-  EXPECT_EQ(stats.boxcount[1], 1);  // only the offset first row reaches x = -13
-  EXPECT_EQ(stats.boxcount[2], 0);
+  EXPECT_EQ(sim.stats.boxcount[1], 1);  // only the offset first row reaches x = -13
+  EXPECT_EQ(sim.stats.boxcount[2], 0);
   EXPECT_EQ(donecalls, 0);
   // Edges 4/3 then 8/9: below 2 * branchlength, so the count ends after
   // level 3, and level 4 keeps its size and a count of 0.
-  while (!finished) finished = BoxCountStep();
-  EXPECT_DOUBLE_EQ(stats.boxsize[4], 8.0 / 9.0);
-  EXPECT_EQ(stats.boxcount[4], 0);
-  EXPECT_EQ(stats.boxcount[5], -1);
-  EXPECT_EQ(options.calcstats * 10 + donecalls, 1);
-  EXPECT_EQ(options.stldrawmode * 10 + options.dladrawmode,
+  while (!finished) finished = BoxCountStep(sim);
+  EXPECT_DOUBLE_EQ(sim.stats.boxsize[4], 8.0 / 9.0);
+  EXPECT_EQ(sim.stats.boxcount[4], 0);
+  EXPECT_EQ(sim.stats.boxcount[5], -1);
+  EXPECT_EQ(sim.options.calcstats * 10 + donecalls, 1);
+  EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode,
             STLDRAW_SOLID * 10 + DLADRAW_POINTS);      // the user's modes back
-  EXPECT_EQ(BoxCountStep() + boxcountstate.depth, 4);  // idle from now on
+  EXPECT_EQ(BoxCountStep(sim) + sim.boxcountstate.depth, 4);  // idle from now on
   // 2 * branchlength above radius / 2: the count ends after its first box.
-  growthstate.branchlength = 3;
-  Statistics();
-  EXPECT_EQ(options.calcstats * 100 + stats.boxcount[0] * 10 + donecalls, 12);
-  EXPECT_EQ(stats.boxcount[1], -1);
-  boxcountdone = NULL;
+  sim.growthstate.branchlength = 3;
+  Statistics(sim);
+  EXPECT_EQ(sim.options.calcstats * 100 + sim.stats.boxcount[0] * 10 + donecalls, 12);
+  EXPECT_EQ(sim.stats.boxcount[1], -1);
+  sim.boxcountdone = NULL;
 }
 
 TEST_F(BoxCount, EveryBoxAsTheScanOverAllSegmentsJudgesIt) {
   std::string err;
-  ASSERT_EQ(Batch("--cells 2000 --no-progress", &err), BATCH_OK) << err;
-  int last = ncells - 1;
-  AppendCell(V(0, 0, 20), 0, 0);         // ten times longer than the rest
-  AppendCell(V(NAN, 0, 0), 0, last);     // meets the boxes its parent is in
-  growthstate.radius *= 1.1;
-  Statistics();
+  ASSERT_EQ(Batch(sim, "--cells 2000 --no-progress", &err), BATCH_OK) << err;
+  int last = sim.ncells - 1;
+  AppendCell(sim, V(0, 0, 20), 0, 0);         // ten times longer than the rest
+  AppendCell(sim, V(NAN, 0, 0), 0, last);     // meets the boxes its parent is in
+  sim.growthstate.radius *= 1.1;
+  Statistics(sim);
   int boxes = 0, mismatches = 0, appended = 0;
-  while (options.calcstats) {
-    XYZ p0 = boxcountstate.p0, p1 = {p0.x + boxcountstate.scale, p0.y + boxcountstate.scale, p0.z + boxcountstate.scale};
-    int depth = boxcountstate.depth, before = stats.boxcount[depth];
-    BoxCountStep();
+  while (sim.options.calcstats) {
+    XYZ p0 = sim.boxcountstate.p0, p1 = {p0.x + sim.boxcountstate.scale, p0.y + sim.boxcountstate.scale, p0.z + sim.boxcountstate.scale};
+    int depth = sim.boxcountstate.depth, before = sim.stats.boxcount[depth];
+    BoxCountStep(sim);
     int scan = 0;
-    for (int i = 0; i < ncells && !scan; i++)
-      scan = cells[i].parent >= 0 && LineInBox(p0, p1, cells[i].p, cells[cells[i].parent].p);
-    mismatches += (stats.boxcount[depth] - before) != scan;
+    for (int i = 0; i < sim.ncells && !scan; i++)
+      scan = sim.cells[i].parent >= 0 && LineInBox(p0, p1, sim.cells[i].p, sim.cells[sim.cells[i].parent].p);
+    mismatches += (sim.stats.boxcount[depth] - before) != scan;
     if (++boxes == 3000) {  // cells added during a count are seen
-      AppendCell(V(-growthstate.radius, growthstate.radius, growthstate.radius), 0, 0);
+      AppendCell(sim, V(-sim.growthstate.radius, sim.growthstate.radius, sim.growthstate.radius), 0, 0);
       appended = 1;
     }
   }
@@ -142,30 +142,30 @@ TEST_F(BoxCount, EveryBoxAsTheScanOverAllSegmentsJudgesIt) {
 }
 
 TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
-  ncells = 0;
-  stats.branchcount[0] = 4;
-  stats.timestep = 9;
-  growthstate.radius = 0;
-  Statistics();
-  EXPECT_EQ(stats.timestep * 100 + stats.branchcount[0] * 10 + stats.boxcount[0] + options.calcstats,
+  sim.ncells = 0;
+  sim.stats.branchcount[0] = 4;
+  sim.stats.timestep = 9;
+  sim.growthstate.radius = 0;
+  Statistics(sim);
+  EXPECT_EQ(sim.stats.timestep * 100 + sim.stats.branchcount[0] * 10 + sim.stats.boxcount[0] + sim.options.calcstats,
             40);  // never cleared
-  options.dladrawmode = DLADRAW_OFF;
-  BoxCountStart();
-  EXPECT_EQ(options.dladrawmode, DLADRAW_OFF);  // not started: calcstats is 0
-  growthstate.branchlength = 0;                 // an edge of 0 could never advance: ended, not looped
-  RunStatisticsToCompletion();
-  EXPECT_EQ(options.calcstats * 100 + options.stldrawmode * 10 + options.dladrawmode,
+  sim.options.dladrawmode = DLADRAW_OFF;
+  BoxCountStart(sim);
+  EXPECT_EQ(sim.options.dladrawmode, DLADRAW_OFF);  // not started: calcstats is 0
+  sim.growthstate.branchlength = 0;                 // an edge of 0 could never advance: ended, not looped
+  RunStatisticsToCompletion(sim);
+  EXPECT_EQ(sim.options.calcstats * 100 + sim.options.stldrawmode * 10 + sim.options.dladrawmode,
             STLDRAW_WIREFRAME * 10 + DLADRAW_OFF);
   for (double r : {HUGE_VAL, (double)NAN}) {  // boxes that never advance: the window's count ends after one
-    growthstate.radius = r;
-    Statistics();
-    EXPECT_EQ(options.calcstats, 0) << r;
+    sim.growthstate.radius = r;
+    Statistics(sim);
+    EXPECT_EQ(sim.options.calcstats, 0) << r;
   }
 }
 
 TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
-  HandScene();
-  std::string s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  HandScene(sim);
+  std::string s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
   const char *head[] = {
       "/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n"
       "#declare DLARADIUS = 10;\n",
@@ -195,24 +195,24 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
       "   translate <0,0,0>\n  }\n  */\n }\n#end\n\n";
   EXPECT_EQ(s.substr(s.find("union {\n") + 8), body + tail);
   // Association off: one texture for the instance, none per segment.
-  growthstate.associate = 0;
-  nstltri = 0;
-  s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  sim.growthstate.associate = 0;
+  sim.nstltri = 0;
+  s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
   EXPECT_EQ(s.find("  texture { DLATEXTURE"), std::string::npos);
   EXPECT_NE(s.find("object {\n DLA3D\n texture { DLATEXTURE0 }\n /*\n"), std::string::npos);
   EXPECT_EQ(s.find("SHOWSTL"), std::string::npos);
-  growthstate.nroots = 0;  // no texture declared, yet the instance names DLATEXTURE0
-  s = Written(MODEL_POVRAY, MODEL_SEGMENTS);
+  sim.growthstate.nroots = 0;  // no texture declared, yet the instance names DLATEXTURE0
+  s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
   EXPECT_NE(s.find("// Default texture for the branches\n// The DLA structure\n"), std::string::npos);
   EXPECT_NE(s.find(" DLA3D\n texture { DLATEXTURE0 }\n"), std::string::npos);
 }
 
 TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
-  HandScene();
-  nstltri = 0;
+  HandScene(sim);
+  sim.nstltri = 0;
   // From the top: 6-2-0, 5-3-2 (stops on 2, already written), 4-1 (two
   // points: a cone). A control point beyond each end: 2 P0 - P1, 2 Pm-1 - Pm-2.
-  std::string s = Written(MODEL_POVRAY, MODEL_SWEEP);
+  std::string s = Written(sim, MODEL_POVRAY, MODEL_SWEEP);
   size_t from = s.find("union {\n") + 8;
   EXPECT_EQ(s.substr(from, s.find("}\n// An instance") - from),
             " // Length: 3\n sphere_sweep {\n  cubic_spline\n  5\n  <2,0,3>,  CalcRadius(0,3)\n"
@@ -223,30 +223,30 @@ TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
             "  <0,-1,0>,  CalcRadius(3,3)\n texture { DLATEXTURE1 }\n }\n\n"
             " // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
             "  <10,0,0>,   CalcRadius(1,min(2*3,3))\n  texture { DLATEXTURE0 }\n }\n\n");
-  for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].traced, 1) << i;
-  for (int i = 0; i < ncells; i++) cells[i].traced = 0;
-  EXPECT_EQ(Written(MODEL_GEOM, MODEL_SWEEP), "# 3D DLA by Orvantide");  // walks, writes no body
-  for (int i = 0; i < ncells; i++) EXPECT_EQ(cells[i].traced, 1) << i;
+  for (int i = 0; i < sim.ncells; i++) EXPECT_EQ(sim.cells[i].traced, 1) << i;
+  for (int i = 0; i < sim.ncells; i++) sim.cells[i].traced = 0;
+  EXPECT_EQ(Written(sim, MODEL_GEOM, MODEL_SWEEP), "# 3D DLA by Orvantide");  // walks, writes no body
+  for (int i = 0; i < sim.ncells; i++) EXPECT_EQ(sim.cells[i].traced, 1) << i;
 }
 
 TEST_F(Model, GeomStlAndPointClouds) {
-  HandScene();
+  HandScene(sim);
   EXPECT_EQ(
-      Written(MODEL_GEOM, MODEL_SEGMENTS),
+      Written(sim, MODEL_GEOM, MODEL_SEGMENTS),
       "# 3D DLA by Orvantide# From: 0 to 2, thickness: 0.5 to 0.5\nc 0 0 0 0 0 1 0.5 0.5 1 0 0\ns 0 0 1 0.5\n1 0 0\n"
       "# From: 2 to 3, thickness: 0.5 to 0.3\nc 0 0 1 0 1 2 0.5 0.3 0 1 0\ns 0 1 2 0.3\n0 1 0\n"
       "# From: 1 to 4, thickness: 0.5 to 0.3\nc 10 0 0 10 0 -1 0.5 0.3 1 0 0\ns 10 0 -1 0.3\n1 0 0\n"
       "# From: 3 to 5, thickness: 0.3 to 0.1\nc 0 1 2 0 2 3 0.3 0.1 0 1 0\ns 0 2 3 0.1\n0 1 0\n"
       "# From: 2 to 6, thickness: 0.5 to 0.1\nc 0 0 1 1 0 2 0.5 0.1 1 0 0\ns 1 0 2 0.1\n1 0 0\n"
       "f3 0 0 -2 1 0 -2 0 1 -2 0.5 0.5 0.5\nf3 0 0 -2 0 1 -2 0 0 -1 0.5 0.5 0.5\n");
-  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP),
+  EXPECT_EQ(Written(sim, MODEL_STL, MODEL_SWEEP),
             "solid 2tlobject\nfacet normal 0 0 1\n outer loop\n  vertex 0 0 -2\n  vertex 1 0 -2\n  vertex 0 1 -2\n"
             " endloop\nendfacet\nfacet normal 1 0 0\n outer loop\n  vertex 0 0 -2\n  vertex 0 1 -2\n  vertex 0 0 -1\n"
             " endloop\nendfacet\nendsolid");
   // Ten points a segment from the parent, the cell itself not written; no surface.
-  ncells = 0;
-  AppendCell(V(0, 0, 0), 1, -1);
-  AppendCell(V(1, 2, -3), 0, 0);
+  sim.ncells = 0;
+  AppendCell(sim, V(0, 0, 0), 1, -1);
+  AppendCell(sim, V(1, 2, -3), 0, 0);
   std::string dxf = "0\nSECTION\n2\nENTITIES\n", geom;
   for (int i = 0; i < 10; i++) {
     char line[128];
@@ -256,21 +256,21 @@ TEST_F(Model, GeomStlAndPointClouds) {
     snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
     geom += line;
   }
-  EXPECT_EQ(Written(MODEL_DXFPOINTS, MODEL_SEGMENTS), dxf + " 0\nENDSEC\n 0\nEOF\n");
-  EXPECT_EQ(Written(MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom);
-  nstltri = 0;
-  EXPECT_EQ(Written(MODEL_STL, MODEL_SWEEP) + Written(6, MODEL_SEGMENTS), "");
+  EXPECT_EQ(Written(sim, MODEL_DXFPOINTS, MODEL_SEGMENTS), dxf + " 0\nENDSEC\n 0\nEOF\n");
+  EXPECT_EQ(Written(sim, MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom);
+  sim.nstltri = 0;
+  EXPECT_EQ(Written(sim, MODEL_STL, MODEL_SWEEP) + Written(sim, 6, MODEL_SEGMENTS), "");
   Scratch s;
-  EXPECT_EQ(SaveModelFile((s / "a").c_str(), 6, 1) + SaveModelFile("", MODEL_POVRAY, 1) +
-                SaveModelFile((s / "no/a").c_str(), 3, 1),
+  EXPECT_EQ(SaveModelFile(sim, (s / "a").c_str(), 6, 1) + SaveModelFile(sim, "", MODEL_POVRAY, 1) +
+                SaveModelFile(sim, (s / "no/a").c_str(), 3, 1),
             0);
   EXPECT_EQ(ReadFile(s / "a"), "(missing)");
-  growthstate.maxweight = 0;  // as a restart leaves it: thickend throughout, not ln 1's infinite radii
-  EXPECT_EQ(Written(MODEL_GEOM, MODEL_SEGMENTS).substr(21, 38), "# From: 0 to 1, thickness: 0.1 to 0.1\n");
+  sim.growthstate.maxweight = 0;  // as a restart leaves it: thickend throughout, not ln 1's infinite radii
+  EXPECT_EQ(Written(sim, MODEL_GEOM, MODEL_SEGMENTS).substr(21, 38), "# From: 0 to 1, thickness: 0.1 to 0.1\n");
 }
 
 TEST_F(Model, VrmlSegmentsInTheViewersColoursCapsAndSurface) {
-  HandScene();
+  HandScene(sim);
   const COLOUR red = {1, 0, 0}, green = {0, 1, 0}, grey = {0.5, 0.5, 0.5};
   for (int caps = 0; caps <= 1; caps++) {
     std::string expect = Capture([&](FILE *fp) {
@@ -278,12 +278,12 @@ TEST_F(Model, VrmlSegmentsInTheViewersColoursCapsAndSurface) {
       const int seg[5][4] = {{0, 2, 5, 5}, {2, 3, 5, 3}, {1, 4, 5, 3}, {3, 5, 3, 1}, {2, 6, 5, 1}};
       for (auto &k : seg) {
         COLOUR c = k[1] % 2 ? green : red;  // by root: index mod 2
-        WRLCone2(fp, 10, caps, cells[k[0]].p, cells[k[1]].p, c, k[2] / 10.0, k[3] / 10.0);
-        WRLSphere(fp, cells[k[1]].p, c, k[3] / 10.0);
+        WRLCone2(fp, 10, caps, sim.cells[k[0]].p, sim.cells[k[1]].p, c, k[2] / 10.0, k[3] / 10.0);
+        WRLSphere(fp, sim.cells[k[1]].p, c, k[3] / 10.0);
       }
-      for (int f = 0; f < 2; f++) WRLFace(fp, stltri[f].p, 3, grey);
+      for (int f = 0; f < 2; f++) WRLFace(fp, sim.stltri[f].p, 3, grey);
     });
-    EXPECT_EQ(Written(MODEL_VRML, caps ? MODEL_CAPPED : MODEL_SEGMENTS), expect) << caps;
+    EXPECT_EQ(Written(sim, MODEL_VRML, caps ? MODEL_CAPPED : MODEL_SEGMENTS), expect) << caps;
   }
 }
 
@@ -330,12 +330,12 @@ const char *kStartReport =
 
 TEST_F(Report, AtStartUpAndWithRootsSurfaceAndStatistics) {
   Scratch s;
-  EXPECT_EQ(SaveInformationFile((s / "r.txt").c_str()), 1);
+  EXPECT_EQ(SaveInformationFile(sim, (s / "r.txt").c_str()), 1);
   EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
-  EXPECT_EQ(SaveInformationFile(""), 0);
-  EXPECT_EQ(SaveInformationFile((s / "no/r.txt").c_str()), 0);
-  HandScene();
-  GROWTHSTATE &g = growthstate;
+  EXPECT_EQ(SaveInformationFile(sim, ""), 0);
+  EXPECT_EQ(SaveInformationFile(sim, (s / "no/r.txt").c_str()), 0);
+  HandScene(sim);
+  GROWTHSTATE &g = sim.growthstate;
   g.nroots = 3;
   g.rootrange = 7.5;
   g.sourcetype = SOURCE_MINUSZ;
@@ -347,15 +347,15 @@ TEST_F(Report, AtStartUpAndWithRootsSurfaceAndStatistics) {
   g.branchlength = 0.75;
   CopyName(g.rootname, "Ring: z axis plane", sizeof(g.rootname));
   CopyName(g.stlname, "cup.stl", sizeof(g.stlname));
-  stats.timestep = 7;
+  sim.stats.timestep = 7;
   const int bc[10] = {3, 3, 1, 0, 2, 5, 8, 0, 0, 9}, count[10] = {5, 12, 0, 4, -1, -1, -1, -1, -1, -1};
   const double size[10] = {4.5, 3, 2, 0, 1, 0.5, 0, 0, 0, 0};  // listed: count > 0 and size > 0
-  memcpy(stats.branchcount, bc, sizeof(bc));
-  memcpy(stats.boxsize, size, sizeof(size));
-  memcpy(stats.boxcount, count, sizeof(count));
+  memcpy(sim.stats.branchcount, bc, sizeof(bc));
+  memcpy(sim.stats.boxsize, size, sizeof(size));
+  memcpy(sim.stats.boxcount, count, sizeof(count));
   // ln(1/4.5) = -1.5040774, ln 5 = 1.6094379, ln(1/3) = -1.0986123, ln 12 = 2.4849066.
   EXPECT_EQ(
-      Capture(WriteInformation),
+      Capture([&](FILE *fp) { WriteInformation(sim, fp); }),
       "Version: 1.02\nSeed: 7\nBias towards origin: 2.5% of step length\nBranch length: 0.75\nStickiness: 50%\n"
       "Rotation: -1.5 degrees about z axis\nBranch thickness: 0.5 to 0.1\nIntersection range: 20% of branch length\n"
       "Seed association: On\nNumber of roots: 3\nRoot distribution range: 7.5\nRoot distribution: Ring: z axis plane\n"

@@ -22,36 +22,36 @@ using Walks = Fresh;
 TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
   uint64_t h[3];
   for (int k = 0; k < 3; k++) {  // the scan step by step, the index step by step, the index in runs
-    ResetProgram();
-    growthsearch = k ? SEARCH_INDEX : SEARCH_SCAN;
-    growthstate.seed = 77;
-    InitialiseGrowth();
+    ResetProgram(sim);
+    sim.growthsearch = k ? SEARCH_INDEX : SEARCH_SCAN;
+    sim.growthstate.seed = 77;
+    InitialiseGrowth(sim);
     uint64_t sum = 0;
     auto growto = [&](int n) {
-      for (long steps = 0; steps < 3000000 && ncells < n;) steps += Steps(k == 2 ? steps % 700 + 1 : 0);
-      EXPECT_EQ(ncells, n);
-      sum = sum * 31 + AggregateHash() + (uint64_t)(growthstate.radius * 1e9);
+      for (long steps = 0; steps < 3000000 && sim.ncells < n;) steps += Steps(sim, k == 2 ? steps % 700 + 1 : 0);
+      EXPECT_EQ(sim.ncells, n);
+      sum = sum * 31 + AggregateHash(sim) + (uint64_t)(sim.growthstate.radius * 1e9);
     };
     growto(250);
-    growthstate.branchlength = 0.6;  // mid-run, no restart
+    sim.growthstate.branchlength = 0.6;  // mid-run, no restart
     growto(350);
-    growthstate.branchlength = 1.7;
+    sim.growthstate.branchlength = 1.7;
     growto(420);
-    growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
-    InitialiseGrowth();
+    sim.growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
+    InitialiseGrowth(sim);
     growto(520);
-    growthstate.nroots = 3;  // without a restart
+    sim.growthstate.nroots = 3;  // without a restart
     growto(600);
-    growthstate.nroots = 1;
-    growthstate.sourcetype = SOURCE_STL;
-    MakeSampleSurface(SAMPLE_SPHERE);
+    sim.growthstate.nroots = 1;
+    sim.growthstate.sourcetype = SOURCE_STL;
+    MakeSampleSurface(sim, SAMPLE_SPHERE);
     growto(700);
-    InitialiseGrowth();  // reseeds mid-aggregate
-    growthstate.sourcetype = SOURCE_SPHERE;
+    InitialiseGrowth(sim);  // reseeds mid-aggregate
+    sim.growthstate.sourcetype = SOURCE_SPHERE;
     growto(800);
-    growthstate.nroots = 1;
-    InitialiseGrowth();
-    ResetSeeds();
+    sim.growthstate.nroots = 1;
+    InitialiseGrowth(sim);
+    ResetSeeds(sim);
     growto(900);
     h[k] = sum;
   }
@@ -59,9 +59,9 @@ TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
   EXPECT_EQ(h[2], h[0]);
 }
 
-double Nearest(XYZ p) {
+double Nearest(SIMULATION &sim, XYZ p) {
   double best = 1e300;
-  for (int i = 0; i < ncells; i++) best = fmin(best, VectorLength(p, cells[i].p));
+  for (int i = 0; i < sim.ncells; i++) best = fmin(best, VectorLength(p, sim.cells[i].p));
   return best;
 }
 
@@ -71,14 +71,14 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
                                "--roots 4 --root-distribution 2 --root-range 30"};
   int died = 0;  // life spans that ended inside a jump
   for (auto &c : cases) {
-    StartGrowth(c + " --seed 5");
-    GROWTHSTATE &g = growthstate;
+    StartGrowth(sim, c + " --seed 5");
+    GROWTHSTATE &g = sim.growthstate;
     int jumps = 0;
-    for (long calls = 0; calls < 2000000 && ncells < 600; calls++) {
+    for (long calls = 0; calls < 2000000 && sim.ncells < 600; calls++) {
       JUMP jump;
       if (g.lifespan % GROWTH_LIFESPAN == 0) {
-        IterateSystem();
-      } else if (Jump(1 << 20, &jump)) {
+        IterateSystem(sim);
+      } else if (Jump(sim, 1 << 20, &jump)) {
         if (jump.died) {
           died++;
           ASSERT_EQ(g.lifespan % GROWTH_LIFESPAN, 0) << c;
@@ -88,12 +88,12 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
         ASSERT_LE(Modulus(jump.to), g.radius + 2 * g.branchlength) << c << ", jump " << jumps;
         ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << c;
         double span = fmax(VectorLength(jump.to, jump.from), jump.radius);
-        ASSERT_GE(Nearest(jump.from), span + g.branchlength) << c << ", jump " << jumps;
+        ASSERT_GE(Nearest(sim, jump.from), span + g.branchlength) << c << ", jump " << jumps;
       } else {
-        IterateExactSteps(4);
+        IterateExactSteps(sim, 4);
       }
     }
-    EXPECT_GE(ncells, 600) << c;
+    EXPECT_GE(sim.ncells, 600) << c;
     EXPECT_GT(jumps, 1000) << c;
   }
   EXPECT_GT(died, 0);
@@ -105,18 +105,18 @@ TEST_F(Walks, JumpsKeepInsideTheReleaseSphereAndOutOfReach) {
 // direction: the particle never moved, or only turned.)
 TEST_F(Walks, ADriftlessJumpLandsUniformlyOnItsSphere) {
   for (double rotation : {0.0, 0.5}) {
-    StartGrowth("--bias 0 --walk fast --seed 5 --rotation " + std::to_string(rotation));
-    GROWTHSTATE &g = growthstate;
+    StartGrowth(sim, "--bias 0 --walk fast --seed 5 --rotation " + std::to_string(rotation));
+    GROWTHSTATE &g = sim.growthstate;
     g.radius = 40;  // spheres well inside the release sphere: no reflection
     const XYZ from = V(10, 5, -3), zaxis = V(0, 0, 1);
-    uint64_t drand48before = drand48state;
+    uint64_t drand48before = sim.random.drand48state;
     int n = 0;
     double mean[3] = {0, 0, 0}, square[3] = {0, 0, 0};
     for (int k = 0; k < 4000 && n < 3000; k++) {
       g.particle = from;
       g.lifespan = 1;
       JUMP jump;
-      if (!Jump(1 << 20, &jump)) continue;  // a swirled jump too long for its room
+      if (!Jump(sim, 1 << 20, &jump)) continue;  // a swirled jump too long for its room
       ASSERT_FALSE(jump.died) << rotation;
       ASSERT_GE(jump.radius, WALK_MINJUMP * g.branchlength) << rotation;
       XYZ to = ArbitraryRotate(jump.to, -jump.steps * rotation * DTOR, zaxis);
@@ -134,7 +134,7 @@ TEST_F(Walks, ADriftlessJumpLandsUniformlyOnItsSphere) {
       EXPECT_NEAR(mean[i] / n, 0, 0.05) << rotation << ", coordinate " << i;
       EXPECT_NEAR(square[i] / n, 1.0 / 3, 0.03) << rotation << ", coordinate " << i;
     }
-    EXPECT_EQ(drand48state, drand48before);
+    EXPECT_EQ(sim.random.drand48state, drand48before);
   }
 }
 
@@ -145,37 +145,37 @@ TEST_F(Walks, FastRunsWithoutDriftGrow) {
     int cells;
   } runs[] = {{"--bias 0", 20000}, {"--roots 0", 2000}};
   for (auto &r : runs) {
-    StartGrowth(std::string(r.options) + " --walk fast --seed 7");
+    StartGrowth(sim, std::string(r.options) + " --walk fast --seed 7");
     // The exact walk takes about 1e7 steps for 20000 cells at bias 0.
-    for (long steps = 0; steps < 100000000 && ncells < r.cells;) steps += IterateSystemSteps(1 << 20);
-    EXPECT_EQ(ncells, r.cells) << r.options;
+    for (long steps = 0; steps < 100000000 && sim.ncells < r.cells;) steps += IterateSystemSteps(sim, 1 << 20);
+    EXPECT_EQ(sim.ncells, r.cells) << r.options;
   }
 }
 
 // The fast walk owes its shares until they are settled; a reset must drop
 // them, or the next aggregate's root starts with the old one's weight.
 TEST_F(Walks, AResetDropsTheFastWalksUnsettledShares) {
-  StartGrowth("--walk fast --seed 7");
-  for (long steps = 0; steps < 10000000 && ncells < 300;) steps += IterateSystemSteps(1 << 20);
-  ASSERT_EQ(ncells, 300);
-  ResetProgram();
-  SyncSearchIndex();
-  EXPECT_EQ(cells[0].weight, 0);
+  StartGrowth(sim, "--walk fast --seed 7");
+  for (long steps = 0; steps < 10000000 && sim.ncells < 300;) steps += IterateSystemSteps(sim, 1 << 20);
+  ASSERT_EQ(sim.ncells, 300);
+  ResetProgram(sim);
+  SyncSearchIndex(sim);
+  EXPECT_EQ(sim.cells[0].weight, 0);
 }
 
 // The fast walk needs the index; the jumps draw from their own numbers, seeded from --seed.
 TEST_F(Walks, BatchWalksRepeatForASeedAndTheFastOneNeedsTheIndex) {
   std::string err;
-  EXPECT_EQ(Batch("--walk quick", &err), BATCH_USAGE);
+  EXPECT_EQ(Batch(sim, "--walk quick", &err), BATCH_USAGE);
   EXPECT_EQ(err, "dla3d-batch: --walk: \"quick\" is not allowed (allowed: exact or fast)\n");
-  EXPECT_EQ(Batch("--walk fast --search scan", &err), BATCH_USAGE);
+  EXPECT_EQ(Batch(sim, "--walk fast --search scan", &err), BATCH_USAGE);
   EXPECT_EQ(err, "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index\n");
-  EXPECT_EQ(Batch("--walk", &err), BATCH_USAGE);
+  EXPECT_EQ(Batch(sim, "--walk", &err), BATCH_USAGE);
   auto grow = [&](const std::string &walk, const std::string &seed) {
-    ResetProgram();  // the batch expects a fresh program
-    EXPECT_EQ(Batch("--walk " + walk + " --seed " + seed + " --cells 700 --rotation 1", &err), BATCH_OK) << err;
-    EXPECT_EQ(ncells, 700);
-    return AggregateHash();
+    ResetProgram(sim);  // the batch expects a fresh program
+    EXPECT_EQ(Batch(sim, "--walk " + walk + " --seed " + seed + " --cells 700 --rotation 1", &err), BATCH_OK) << err;
+    EXPECT_EQ(sim.ncells, 700);
+    return AggregateHash(sim);
   };
   uint64_t exact = grow("exact", "3"), fast = grow("fast", "3");
   EXPECT_EQ(grow("fast", "3"), fast);    // same seed
@@ -195,18 +195,18 @@ TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
   } starts[] = {{2147479997, 3}, {2147480000, 0}, {INT_MAX, 6353}, {INT_MAX - 1, 6354}};
   for (int walk : {WALK_EXACT, WALK_FAST})
     for (auto &s : starts) {
-      ResetProgram();
-      growthwalk = walk;
-      growthstate.stickiness = 0;
-      IterateSystemSteps(1);
-      growthstate.lifespan = s.lifespan;
+      ResetProgram(sim);
+      sim.growthwalk = walk;
+      sim.growthstate.stickiness = 0;
+      IterateSystemSteps(sim, 1);
+      sim.growthstate.lifespan = s.lifespan;
       std::vector<long> releases;
       for (long steps = 0; releases.size() < 3;) {
-        int before = nseeds;
-        long k = IterateSystemSteps(1000);
-        if (nseeds != before) releases.push_back(steps);
+        int before = sim.nseeds;
+        long k = IterateSystemSteps(sim, 1000);
+        if (sim.nseeds != before) releases.push_back(steps);
         steps += k;
-        ASSERT_GE(growthstate.lifespan, 0) << "walk " << walk << ", from " << s.lifespan;
+        ASSERT_GE(sim.growthstate.lifespan, 0) << "walk " << walk << ", from " << s.lifespan;
       }
       EXPECT_EQ(releases, (std::vector<long>{s.first, s.first + 10000, s.first + 20000}))
           << "walk " << walk << ", from " << s.lifespan;
@@ -217,37 +217,37 @@ TEST_F(Walks, LivesLastTenThousandStepsPastIntMax) {
 // table; once enough cells are in, the directory widens over it and must
 // take its bricks along, or jumps would cross the cell.
 TEST_F(Walks, ClearanceKeepsCellsTheDirectoryWidensOver) {
-  AppendCell(V(100, 0, 0), 0, 0);
+  AppendCell(sim, V(100, 0, 0), 0, 0);
   for (int x = -56; x <= 56; x += 8)
     for (int y = -56; y <= 56; y += 8)
-      for (int z = -56; z <= 56; z += 8) AppendCell(V(x, y, z), 0, 0);
-  AppendCell(V(-100, 0, 0), 0, 0);
-  SyncSearchIndex();
-  for (int i = 0; i < ncells; i++) ASSERT_EQ(IndexClearance(cells[i].p), 0) << "cell " << i;
+      for (int z = -56; z <= 56; z += 8) AppendCell(sim, V(x, y, z), 0, 0);
+  AppendCell(sim, V(-100, 0, 0), 0, 0);
+  SyncSearchIndex(sim);
+  for (int i = 0; i < sim.ncells; i++) ASSERT_EQ(IndexClearance(sim, sim.cells[i].p), 0) << "cell " << i;
   srand48(9);
   for (int k = 0; k < 2000; k++) {
     XYZ p = V(100 + 20 * drand48() - 10, 20 * drand48() - 10, 20 * drand48() - 10);
-    double room = IndexClearance(p);
+    double room = IndexClearance(sim, p);
     if (room > 0) {
-      ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "point " << k;
+      ASSERT_LE(room + sim.growthstate.branchlength, Nearest(sim, p)) << "point " << k;
     }
   }
   // Far from every cell the coarse levels bound the room; a cell far out
   // widens their tables, which must keep the blocks they held.
-  ResetProgram();
-  AppendCell(V(300, 0, 0), 0, 0);
-  AppendCell(V(-3000, 0, 0), 0, 0);
-  AppendCell(V(-9000, 0, 0), 0, 0);  // beyond the largest table: kept apart
-  SyncSearchIndex();
+  ResetProgram(sim);
+  AppendCell(sim, V(300, 0, 0), 0, 0);
+  AppendCell(sim, V(-3000, 0, 0), 0, 0);
+  AppendCell(sim, V(-9000, 0, 0), 0, 0);  // beyond the largest table: kept apart
+  SyncSearchIndex(sim);
   for (int k = 0; k < 4000; k++) {
     // Just beyond the coarse field's cap, where the levels decide.
     XYZ p = V(drand48() - 0.5, drand48() - 0.5, drand48() - 0.5);
     Normalise(&p);
     double r = 49 + 30 * drand48();
     p = V((k % 2 ? 300 : -9000) + r * p.x, r * p.y, r * p.z);
-    double room = IndexClearance(p);
+    double room = IndexClearance(sim, p);
     if (room > 0) {
-      ASSERT_LE(room + growthstate.branchlength, Nearest(p)) << "far point " << k;
+      ASSERT_LE(room + sim.growthstate.branchlength, Nearest(sim, p)) << "far point " << k;
     }
   }
 }

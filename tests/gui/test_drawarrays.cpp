@@ -11,7 +11,7 @@
 #include <set>
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "app/startup.h"
 #include "gl/view/scene.h"
 #include "growth/growth.h"
@@ -22,8 +22,8 @@ static const int kWidth = 320;
 static const int kHeight = 240;
 
 // Grows to n cells; one step at a time, so the count is reached exactly.
-static void GrowTo(int n) {
-  while (ncells < n) IterateSystem();
+static void GrowTo(SIMULATION &sim, int n) {
+  while (sim.ncells < n) IterateSystem(sim);
 }
 
 struct FRAME {
@@ -36,9 +36,9 @@ struct FRAME {
 static double eyedistance = 1.5;
 
 // One frame of the aggregate alone.
-static FRAME Draw(int drawmode, int immediate) {
+static FRAME Draw(SIMULATION &sim, int drawmode, int immediate) {
   double radius = 1;
-  for (int i = 0; i < ncells; i++) radius = std::max(radius, Modulus(cells[i].p));
+  for (int i = 0; i < sim.ncells; i++) radius = std::max(radius, Modulus(sim.cells[i].p));
 
   glViewport(0, 0, kWidth, kHeight);
   glMatrixMode(GL_PROJECTION);
@@ -53,7 +53,7 @@ static FRAME Draw(int drawmode, int immediate) {
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   glColor3f(0.25f, 0.5f, 0.75f);  // a colour the aggregate never has
   drawimmediate = immediate;
-  DrawDLA(drawmode);
+  DrawDLA(sim, drawmode);
   drawimmediate = 0;
   glFinish();
   FRAME f;
@@ -71,13 +71,13 @@ static FRAME Draw(int drawmode, int immediate) {
 // Draws in each mode both ways and compares byte for byte, the colour left
 // current too; at least minlit pixels lit in mincolours colours, so that an
 // empty or one-colour picture cannot pass. The pixels lit.
-static int ExpectSamePicture(int minlit, int mincolours, const char *what,
+static int ExpectSamePicture(SIMULATION &sim, int minlit, int mincolours, const char *what,
                              std::initializer_list<int> modes = {DLADRAW_POINTS, DLADRAW_LINES}) {
   SCOPED_TRACE(what);
   int lit = 0;
   for (int mode : modes) {
-    FRAME ref = Draw(mode, 1);
-    FRAME arr = Draw(mode, 0);
+    FRAME ref = Draw(sim, mode, 1);
+    FRAME arr = Draw(sim, mode, 0);
     std::set<unsigned> colours;
     int n = 0;
     for (size_t k = 0; k < ref.rgba.size(); k += 4) {
@@ -97,35 +97,37 @@ static int ExpectSamePicture(int minlit, int mincolours, const char *what,
 }
 
 TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
-  ResetProgram();  // one root at the origin
-  GrowTo(1000);
-  ExpectSamePicture(200, 3, "first frame");
+  SIMULATION sim;
+  ResetProgram(sim);
+  ResetProgram(sim);  // one root at the origin
+  GrowTo(sim, 1000);
+  ExpectSamePicture(sim, 200, 3, "first frame");
   // F4's restart: back to the roots, the storage kept; another aggregate
   // grows over the old cells, first smaller, then past the old count
   // between two frames.
-  int before = ncells;
-  growthstate.nroots = 3;
-  growthstate.rootdistribution = ROOT_SPHERICAL;
-  growthstate.associate = 1;
-  InitialiseGrowth();
-  ResetSeeds();
+  int before = sim.ncells;
+  sim.growthstate.nroots = 3;
+  sim.growthstate.rootdistribution = ROOT_SPHERICAL;
+  sim.growthstate.associate = 1;
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
   // Roots alone draw nothing, and leave the colour set before current.
-  EXPECT_EQ(ExpectSamePicture(0, 0, "roots only"), 0);
-  EXPECT_EQ(Draw(DLADRAW_LINES, 0).colour[0], 0.25f);
-  GrowTo(400);
-  ExpectSamePicture(100, 3, "smaller aggregate after the restart");
-  growthstate.seed = 2;  // other cells over the ones drawn
-  InitialiseGrowth();
-  GrowTo(before + 200);
-  ExpectSamePicture(500, 3, "restarted and grown past the old count");
+  EXPECT_EQ(ExpectSamePicture(sim, 0, 0, "roots only"), 0);
+  EXPECT_EQ(Draw(sim, DLADRAW_LINES, 0).colour[0], 0.25f);
+  GrowTo(sim, 400);
+  ExpectSamePicture(sim, 100, 3, "smaller aggregate after the restart");
+  sim.growthstate.seed = 2;  // other cells over the ones drawn
+  InitialiseGrowth(sim);
+  GrowTo(sim, before + 200);
+  ExpectSamePicture(sim, 500, 3, "restarted and grown past the old count");
   // New roots read in the middle of growth: same count, other cells.
-  int n = ncells;
-  growthstate.nroots = 1;
-  growthstate.associate = 0;
-  InitialiseGrowth();
-  ResetSeeds();
-  GrowTo(n);
-  ExpectSamePicture(500, 3, "same count, different cells");
+  int n = sim.ncells;
+  sim.growthstate.nroots = 1;
+  sim.growthstate.associate = 0;
+  InitialiseGrowth(sim);
+  ResetSeeds(sim);
+  GrowTo(sim, n);
+  ExpectSamePicture(sim, 500, 3, "same count, different cells");
 }
 
 // Growth itself between frames: the weights of the ancestors rise with each
@@ -133,36 +135,38 @@ TEST(DrawArrays, AppendedCellsAndRestartsMatchImmediateMode) {
 // Then the eye inside the aggregate, where most lines lie beyond a clipping
 // plane and are left out: those kept follow growth, and the view's changes.
 TEST(DrawArrays, RealGrowthAndLinesOutOfViewMatchImmediateMode) {
-  ResetProgram();
+  SIMULATION sim;
+  ResetProgram(sim);
+  ResetProgram(sim);
   for (int n : {50, 1000, 1001, 4500, 9000}) {
-    while (ncells < n) IterateSystemSteps(1000);
-    ExpectSamePicture(n < 100 ? 20 : 300, 3, "grown");
+    while (sim.ncells < n) IterateSystemSteps(sim, 1000);
+    ExpectSamePicture(sim, n < 100 ? 20 : 300, 3, "grown");
   }
   // Weights moved with no new cell, then maxweight alone: the colours follow.
-  for (int i = 1; i < ncells; i += 7) cells[i].weight += 2.5;
-  ExpectSamePicture(500, 3, "weights raised in place");
-  growthstate.maxweight *= 4;
-  ExpectSamePicture(500, 3, "maxweight raised");
+  for (int i = 1; i < sim.ncells; i += 7) sim.cells[i].weight += 2.5;
+  ExpectSamePicture(sim, 500, 3, "weights raised in place");
+  sim.growthstate.maxweight *= 4;
+  ExpectSamePicture(sim, 500, 3, "maxweight raised");
   // Tubes in between, then lines again; association on with several roots.
-  ExpectSamePicture(500, 3, "tubes", {DLADRAW_TUBES});
-  ExpectSamePicture(500, 3, "after tubes");
-  growthstate.nroots = 4;
-  growthstate.associate = 1;
-  ExpectSamePicture(500, 4, "coloured by root");
-  growthstate.nroots = 3;
-  ExpectSamePicture(500, 3, "by root, fewer roots");
+  ExpectSamePicture(sim, 500, 3, "tubes", {DLADRAW_TUBES});
+  ExpectSamePicture(sim, 500, 3, "after tubes");
+  sim.growthstate.nroots = 4;
+  sim.growthstate.associate = 1;
+  ExpectSamePicture(sim, 500, 4, "coloured by root");
+  sim.growthstate.nroots = 3;
+  ExpectSamePicture(sim, 500, 3, "by root, fewer roots");
   // Back by weight with association off, or with no roots asked for.
-  growthstate.associate = 0;
-  ExpectSamePicture(500, 3, "association off");
-  growthstate.nroots = 0;
-  growthstate.associate = 1;
-  ExpectSamePicture(500, 3, "no roots asked for");
+  sim.growthstate.associate = 0;
+  ExpectSamePicture(sim, 500, 3, "association off");
+  sim.growthstate.nroots = 0;
+  sim.growthstate.associate = 1;
+  ExpectSamePicture(sim, 500, 3, "no roots asked for");
   for (double d : {0.3, 0.3, 0.1, 1.5, 0.2}) {
     eyedistance = d;
-    ExpectSamePicture(100, 3, "eye inside");
-    int n = ncells + 300;
-    while (ncells < n) IterateSystemSteps(1000);
-    ExpectSamePicture(100, 3, "grown, same view");
+    ExpectSamePicture(sim, 100, 3, "eye inside");
+    int n = sim.ncells + 300;
+    while (sim.ncells < n) IterateSystemSteps(sim, 1000);
+    ExpectSamePicture(sim, 100, 3, "grown, same view");
   }
   eyedistance = 1.5;
 }
@@ -170,21 +174,23 @@ TEST(DrawArrays, RealGrowthAndLinesOutOfViewMatchImmediateMode) {
 // LookThrough computes gluLookAt's matrix itself: the same floats, for
 // every eye of many turned, zoomed and dollied cameras.
 TEST(DrawArrays, LookThroughIsGluLookAt) {
-  ResetProgram();
+  SIMULATION sim;
+  ResetProgram(sim);
+  ResetProgram(sim);
   srand48(11);
   for (int k = 0; k < 300; k++) {
-    RotateCamera(drand48() * 2 - 1, drand48() * 2 - 1, drand48() * 2 - 1);
-    DollyCamera(k % 3 == 0);
-    camera.vp.x += drand48() - 0.5;  // the eye off the orbit, as panning leaves it
-    FrameCamera();
+    RotateCamera(sim, drand48() * 2 - 1, drand48() * 2 - 1, drand48() * 2 - 1);
+    DollyCamera(sim, k % 3 == 0);
+    sim.camera.vp.x += drand48() - 0.5;  // the eye off the orbit, as panning leaves it
+    FrameCamera(sim);
     for (int eye : {EYE_MONO, EYE_RIGHT, EYE_LEFT}) {
-      EYEVIEW v = EyeView(eye);
-      LookThrough(&v);
+      EYEVIEW v = EyeView(sim, eye);
+      LookThrough(sim, &v);
       GLfloat ours[16], glu[16];
       glGetFloatv(GL_MODELVIEW_MATRIX, ours);
       glLoadIdentity();
-      gluLookAt(v.eye.x, v.eye.y, v.eye.z, v.eye.x + camera.vd.x, v.eye.y + camera.vd.y, v.eye.z + camera.vd.z,
-                camera.vu.x, camera.vu.y, camera.vu.z);
+      gluLookAt(v.eye.x, v.eye.y, v.eye.z, v.eye.x + sim.camera.vd.x, v.eye.y + sim.camera.vd.y, v.eye.z + sim.camera.vd.z,
+                sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
       glGetFloatv(GL_MODELVIEW_MATRIX, glu);
       for (int i = 0; i < 16; i++) ASSERT_EQ(ours[i], glu[i]) << "camera " << k << " eye " << eye << " entry " << i;
     }

@@ -8,24 +8,28 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "desktop/app/desktop.h"
+#include "app/simulation.h"
 #include "batch/batch.h"
 #include "desktop/view/display.h"
 #include "lib/bitmap.h"
 
-static int DumpWindow(const char *path, int width, int height, FILE *err) {
+SIMULATION sim;  // the window's simulation, as the desktop program holds it
+
+static int DumpWindow(SIMULATION &grown, const char *path, int width, int height, FILE *err) {
+  sim = grown;  // the window draws its own simulation
   glutInitWindowSize(width, height);
   glutCreateWindow("test_png_window");
   glutDisplayFunc(HandleDisplay);
-  options.showinfo = 0;
+  sim.options.showinfo = 0;
   // The first frame only compiles the surface list; the third is dumped.
   for (int frame = 0; frame < 3; frame++) {
-    options.windowdump = frame == 2;
+    sim.options.windowdump = frame == 2;
     glutPostRedisplay();
-    for (int i = 0; i < 20 && (frame < 2 || options.windowdump); i++) glutMainLoopEvent();
+    for (int i = 0; i < 20 && (frame < 2 || sim.options.windowdump); i++) glutMainLoopEvent();
   }
-  if (options.windowdump) fprintf(err, "test_png_window: the window was never drawn\n");
-  return !options.windowdump;
+  if (sim.options.windowdump) fprintf(err, "test_png_window: the window was never drawn\n");
+  return !sim.options.windowdump;
 }
 
 int main(int argc, char **argv) {
@@ -40,6 +44,5 @@ int main(int argc, char **argv) {
   }
   glutInit(&argc, argv);
   glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
-  batchpicture = DumpWindow;
-  return BatchMain(argc, argv);
+  return BatchMain(argc, argv, DumpWindow);
 }

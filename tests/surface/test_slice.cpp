@@ -13,16 +13,16 @@ namespace {
 using Slicing = Fresh;
 
 // Cells (x y z parent each), radius R.
-void Aggregate(double radius, std::initializer_list<double> c) {
-  growthstate.radius = radius;
-  ncells = 0;
-  for (auto p = c.begin(); p != c.end(); p += 4) AppendCell(V(p[0], p[1], p[2]), 0, (int)p[3]);
+void Aggregate(SIMULATION &sim, double radius, std::initializer_list<double> c) {
+  sim.growthstate.radius = radius;
+  sim.ncells = 0;
+  for (auto p = c.begin(); p != c.end(); p += 4) AppendCell(sim, V(p[0], p[1], p[2]), 0, (int)p[3]);
 }
 
 // The slab files in dir, concatenated with a "|" after each; standard error in *err.
-std::string Slice(const std::string &dir, int n, XYZ normal, std::string *err = NULL) {
+std::string Slice(SIMULATION &sim, const std::string &dir, int n, XYZ normal, std::string *err = NULL) {
   testing::internal::CaptureStderr();
-  int result = DoSliceIn(dir.c_str(), n, normal);
+  int result = DoSliceIn(sim, dir.c_str(), n, normal);
   std::string e = testing::internal::GetCapturedStderr(), files;
   if (err) *err = e;
   for (int i = 0; i < n; i++) {
@@ -34,13 +34,13 @@ std::string Slice(const std::string &dir, int n, XYZ normal, std::string *err = 
 }
 
 TEST_F(Slicing, TwoSlabsShareTheirBoundaryInTheCurrentDirectory) {
-  Aggregate(10, {1, -1, 0, -1, 2, 3, 4, 0, -3, 2, -5, 0});  // the root on the boundary n.p = 0
+  Aggregate(sim, 10, {1, -1, 0, -1, 2, 3, 4, 0, -3, 2, -5, 0});  // the root on the boundary n.p = 0
   Scratch s;
   char old[4096];
   ASSERT_NE(getcwd(old, sizeof(old)), nullptr);
   ASSERT_EQ(chdir(s.dir.c_str()), 0);
   testing::internal::CaptureStderr();
-  EXPECT_EQ(DoSlice(2, V(0, 0, 1)), 1);
+  EXPECT_EQ(DoSlice(sim, 2, V(0, 0, 1)), 1);
   std::string err = testing::internal::GetCapturedStderr();
   ASSERT_EQ(chdir(old), 0);
   EXPECT_EQ(err, "Slice 0, distance: 10 to 0\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
@@ -49,113 +49,113 @@ TEST_F(Slicing, TwoSlabsShareTheirBoundaryInTheCurrentDirectory) {
   EXPECT_EQ(ReadFile(s / "slice_000.txt") + "|" + ReadFile(s / "slice_001.txt"),
             "1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n");
   // Slab 0 is the one nearest +radius along the normal.
-  EXPECT_EQ(Slice(s.dir, 2, V(0, 0, -1)), "1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n|1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|");
+  EXPECT_EQ(Slice(sim, s.dir, 2, V(0, 0, -1)), "1 -1 0 1 -1 0\n1 -1 0 -3 2 -5\n|1 -1 0 2 3 4\n1 -1 0 1 -1 0\n|");
 }
 
 TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   // R = 30: bounds 30, 10, -10, -30. Tree 0: (-2,0,-20) -> (2,4,20) -> (0,0,25);
   // tree 2: (12,4,20) -> (8,0,-20) -> (8,0,-25). The long segments cross
   // z = 10 at (1,3,10) and (11,3,10), z = -10 at (-1,1,-10) and (9,1,-10).
-  Aggregate(30, {-2, 0, -20, -1, 2, 4, 20, 0, 12, 4, 20, -1, 8, 0, -20, 2, 0, 0, 25, 1, 8, 0, -25, 3});
+  Aggregate(sim, 30, {-2, 0, -20, -1, 2, 4, 20, 0, 12, 4, 20, -1, 8, 0, -20, 2, 0, 0, 25, 1, 8, 0, -25, 3});
   Scratch s;
   std::string err;
   // Each slab's segments: inside end first, then the crossing.
-  EXPECT_EQ(Slice(s.dir, 3, V(0, 0, 1), &err),
+  EXPECT_EQ(Slice(sim, s.dir, 3, V(0, 0, 1), &err),
             "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
             "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
   EXPECT_EQ(err, "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
                  "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
                  "Slice 2, distance: -10 to -30\n");
-  options.debug = 1;  // the descendants announced too, in slab 0 only
-  Slice(s.dir, 3, V(0, 0, 1), &err);
+  sim.options.debug = 1;  // the descendants announced too, in slab 0 only
+  Slice(sim, s.dir, 3, V(0, 0, 1), &err);
   EXPECT_NE(err.find("0 -> 1\n      Tracing branch node from 1 -> 4\n   Processing seed node 2\n"), std::string::npos)
       << err;
   EXPECT_NE(err.find("2 -> 3\n      Tracing branch node from 3 -> 5\nSlice 1"), std::string::npos) << err;
 }
 
 TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
-  Aggregate(100, {0, 0, 0, -1, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 1, 4, 0, 0, 1, 5, 0, 0, 2});
+  Aggregate(sim, 100, {0, 0, 0, -1, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 1, 4, 0, 0, 1, 5, 0, 0, 2});
   int child = -7;
-  EXPECT_EQ(TerminalCell(1) * 10 + TerminalCell(3), 10);
-  EXPECT_EQ(FindBranch(1, &child), 1);
+  EXPECT_EQ(TerminalCell(sim, 1) * 10 + TerminalCell(sim, 3), 10);
+  EXPECT_EQ(FindBranch(sim, 1, &child), 1);
   EXPECT_EQ(child, 3);
-  cells[3].traced = cells[4].traced = 1;
-  EXPECT_EQ(FindBranch(1, &child), 0);
-  for (int j = 0; j < ncells; j++) cells[j].traced = j == 0;
+  sim.cells[3].traced = sim.cells[4].traced = 1;
+  EXPECT_EQ(FindBranch(sim, 1, &child), 0);
+  for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = j == 0;
   PLANE upper = {0, 0, -1, 100}, lower = {0, 0, 1, 100};
   std::string err;
-  std::string out = Capture([&](FILE *fp) { err = DebugOutput([&] { TraceBranch(0, 1, fp, 0, upper, lower); }); });
+  std::string out = Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 0, upper, lower); }); });
   EXPECT_EQ(out, "0 0 0 1 0 0\n0 0 0 2 0 0\n2 0 0 5 0 0\n1 0 0 3 0 0\n1 0 0 4 0 0\n");
   EXPECT_EQ(err, "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
                  "      Tracing branch node from 1 -> 3\n      Tracing branch node from 1 -> 4\n");
-  for (int j = 0; j < ncells; j++) EXPECT_EQ(cells[j].traced, 1);
-  for (int j = 0; j < ncells; j++) cells[j].traced = 0;
-  Capture([&](FILE *fp) { err = DebugOutput([&] { TraceBranch(0, 1, fp, 3, upper, lower); }); });
+  for (int j = 0; j < sim.ncells; j++) EXPECT_EQ(sim.cells[j].traced, 1);
+  for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = 0;
+  Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 3, upper, lower); }); });
   EXPECT_EQ(err, "");  // outside slab 0 nothing is announced
 }
 
 TEST_F(Slicing, SeedsOnlyNoCellsExactlyNFilesAndAFileThatCannotBeMade) {
-  Aggregate(10, {1, 0, 0, -1, 0, 5, 9, -1, 0, 0, -9, -1});
+  Aggregate(sim, 10, {1, 0, 0, -1, 0, 5, 9, -1, 0, 0, -9, -1});
   Scratch s;
   std::string err;
-  EXPECT_EQ(Slice(s.dir, 4, V(0, 0, 1), &err), "||||");
+  EXPECT_EQ(Slice(sim, s.dir, 4, V(0, 0, 1), &err), "||||");
   EXPECT_EQ(
       err,
       "Slice 0, distance: 10 to 5\n   Processing seed node 0\n   Processing seed node 1\n   Processing seed node 2\n"
       "Slice 1, distance: 5 to 0\nSlice 2, distance: 0 to -5\nSlice 3, distance: -5 to -10\n");
-  ncells = 0;
-  EXPECT_EQ(Slice(s.dir, 2, V(0, 0, 1), &err), "||");
-  ncells = 1;
+  sim.ncells = 0;
+  EXPECT_EQ(Slice(sim, s.dir, 2, V(0, 0, 1), &err), "||");
+  sim.ncells = 1;
   for (double r : {0.1, 7.3, 1000.0 / 3, 1e-3})
     for (int n : {2, 3, 7, 50}) {
       Scratch t;
-      growthstate.radius = r;
-      Slice(t.dir, n, V(0.6, 0, 0.8));
+      sim.growthstate.radius = r;
+      Slice(sim, t.dir, n, V(0.6, 0, 0.8));
       int entries = 0;
       DIR *d = opendir(t.dir.c_str());
       while (struct dirent *e = readdir(d)) entries += e->d_name[0] != '.';
       closedir(d);
       EXPECT_EQ(entries, n) << "R " << r;
     }
-  Aggregate(30, {0, 0, 20, -1, 0, 0, 25, 0});
+  Aggregate(sim, 30, {0, 0, 20, -1, 0, 0, 25, 0});
   Scratch t;
   ASSERT_EQ(mkdir((t / "slice_001.txt").c_str(), 0700), 0);  // a directory cannot be written
-  EXPECT_EQ(Slice(t.dir, 3, V(0, 0, 1), &err), "failed: 0 0 20 0 0 25\n||(missing)|");
+  EXPECT_EQ(Slice(sim, t.dir, 3, V(0, 0, 1), &err), "failed: 0 0 20 0 0 25\n||(missing)|");
   EXPECT_EQ(err.substr(err.find("Slice 1")),
             "Slice 1, distance: 10 to -10\nFailed to open output slice file \"" + t.dir + "/slice_001.txt\"\n");
 }
 
 TEST_F(Slicing, ChildListsMatchTheFullScanAndDeepTreesKeepTheStack) {
-  growthstate.radius = 20;
-  ncells = 0;
+  sim.growthstate.radius = 20;
+  sim.ncells = 0;
   srand48(5);
   for (int c = 0; c < 400; c++) {  // a forest as growth makes it
     int parent = (c < 3 || drand48() < 0.01) ? -1 : (int)(drand48() * c * drand48());
-    AppendCell(V(40 * drand48() - 20, 40 * drand48() - 20, 40 * drand48() - 20), 0, parent);
+    AppendCell(sim, V(40 * drand48() - 20, 40 * drand48() - 20, 40 * drand48() - 20), 0, parent);
   }
   XYZ n = V(1, 2, -2);
   Normalise(&n);
   std::string files[2], errs[2];
-  options.debug = 1;
+  sim.options.debug = 1;
   for (int indexed = 0; indexed < 2; indexed++) {
     Scratch s;
-    sliceindexed = indexed;
-    files[indexed] = Slice(s.dir, 6, n, &errs[indexed]);
+    sim.sliceindexed = indexed;
+    files[indexed] = Slice(sim, s.dir, 6, n, &errs[indexed]);
   }
-  sliceindexed = 1;
-  options.debug = 0;
+  sim.sliceindexed = 1;
+  sim.options.debug = 0;
   EXPECT_EQ(errs[0], errs[1]);
   EXPECT_EQ(files[0], files[1]);
   EXPECT_GE(std::count(files[1].begin(), files[1].end(), '\n'), 397);  // every segment somewhere
   // A chain whose every node also has an earlier leaf: each step of the
   // chain is reached as a sibling, one level deeper each time.
-  Aggregate(10, {0, 0, 0.5, -1});
-  for (int d = 0, node = 0; d < 60000; d++, node = ncells - 1) {
-    AppendCell(V(0, 1e-4 * (d + 1), 1), 0, node);
-    AppendCell(V(1e-4 * (d + 1), 0, 2), 0, node);
+  Aggregate(sim, 10, {0, 0, 0.5, -1});
+  for (int d = 0, node = 0; d < 60000; d++, node = sim.ncells - 1) {
+    AppendCell(sim, V(0, 1e-4 * (d + 1), 1), 0, node);
+    AppendCell(sim, V(1e-4 * (d + 1), 0, 2), 0, node);
   }
   Scratch s;
-  std::string out = Slice(s.dir, 2, V(0, 0, 1));
+  std::string out = Slice(sim, s.dir, 2, V(0, 0, 1));
   EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 120000);
   EXPECT_EQ(out.substr(0, 38), "0 0 0.5 0 0.0001 1\n0 0 0.5 0.0001 0 2\n");
 }

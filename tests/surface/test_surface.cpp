@@ -21,12 +21,12 @@ std::string Facet(std::vector<float> v) {
   return std::string((const char *)v.data(), 48) + std::string(2, '\0');
 }
 
-int ReadBytes(const std::string &bytes, FILEMESSAGE *msg, std::string *err = NULL) {
+int ReadBytes(SIMULATION &sim, const std::string &bytes, FILEMESSAGE *msg, std::string *err = NULL) {
   Scratch s;
   *msg = FILEMESSAGE();
   std::string path = WriteFile(s / "s.stl", bytes);
   int ok = 0;
-  std::string out = DebugOutput([&] { ok = ReadSTLFile(path.c_str(), msg); });
+  std::string out = DebugOutput(sim, [&] { ok = ReadSTLFile(sim, path.c_str(), msg); });
   if (err) *err = out.substr(0, out.find(s.dir));
   return ok;
 }
@@ -34,125 +34,125 @@ int ReadBytes(const std::string &bytes, FILEMESSAGE *msg, std::string *err = NUL
 std::string Lines(const FILEMESSAGE &m) { return std::string(m.line1) + "|" + m.line2 + "|" + m.line3; }
 
 TEST_F(StlRead, AsciiBinaryAndTheSixCharacterRule) {
-  CopyName(growthstate.stlname, "Sample", sizeof(growthstate.stlname));
+  CopyName(sim.growthstate.stlname, "Sample", sizeof(sim.growthstate.stlname));
   FILEMESSAGE msg;
   std::string err;
   std::string text = "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
                      " endloop\nouterloop\r\nvertex -1 0 1.5\r\nvertex -1 3 1.5\r\nvertex -1 0 -6\r\nendloop\r\n";
-  EXPECT_EQ(ReadBytes(text, &msg, &err), 1);
-  EXPECT_STREQ(growthstate.stlname, "None");  // a surface read from a file is called "None"
-  ASSERT_EQ(nstltri, 2);
-  EXPECT_XYZ(stltri[0].n, 0, 0, 1, 0);  // counter-clockwise seen from +z; the file's normal unused
-  EXPECT_XYZ(stltri[1].n, -1, 0, 0, 0);
+  EXPECT_EQ(ReadBytes(sim, text, &msg, &err), 1);
+  EXPECT_STREQ(sim.growthstate.stlname, "None");  // a surface read from a file is called "None"
+  ASSERT_EQ(sim.nstltri, 2);
+  EXPECT_XYZ(sim.stltri[0].n, 0, 0, 1, 0);  // counter-clockwise seen from +z; the file's normal unused
+  EXPECT_XYZ(sim.stltri[1].n, -1, 0, 0, 0);
   EXPECT_EQ(err, "ASCII stl file\nParsing ascii stl file\nRead 2 triangle faces\nBounds: -1 <= x <= 2\n"
                  "        0 <= y <= 4\n        -6 <= z <= 1.5\nMidpoint: 0.5 2 -2.25\n");
   std::string bytes = Header("b") + Le32(2) + Facet({0.1f, 0.2f, 0.3f, 1.7f, 0, 0, 0, 2.9f, 0});
-  EXPECT_EQ(ReadBytes(bytes + Facet({-5, 0, 0, 5, 0, 0, 0, 0, 7.25f}), &msg, &err), 1);
-  EXPECT_EQ(stltri[0].p[0].x, (double)0.1f);  // floats widened exactly
-  EXPECT_EQ(stlmax.z, 7.25);
+  EXPECT_EQ(ReadBytes(sim, bytes + Facet({-5, 0, 0, 5, 0, 0, 0, 0, 7.25f}), &msg, &err), 1);
+  EXPECT_EQ(sim.stltri[0].p[0].x, (double)0.1f);  // floats widened exactly
+  EXPECT_EQ(sim.stlmax.z, 7.25);
   EXPECT_EQ(err.substr(0, 87), "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
                                "Bounds");
-  EXPECT_EQ(ReadBytes(" solid x\nendsolid x\n", &msg), 1);  // "solid" within six characters: ASCII, no loops
-  EXPECT_EQ(nstltri, 0);
-  EXPECT_EQ(ReadBytes("  solid x\n" + std::string(100, 'f'), &msg), 0);  // binary, an implausible count
+  EXPECT_EQ(ReadBytes(sim, " solid x\nendsolid x\n", &msg), 1);  // "solid" within six characters: ASCII, no loops
+  EXPECT_EQ(sim.nstltri, 0);
+  EXPECT_EQ(ReadBytes(sim, "  solid x\n" + std::string(100, 'f'), &msg), 0);  // binary, an implausible count
   EXPECT_EQ(Lines(msg), "File Error|Read an unexpected number of faces in STL header|");
-  EXPECT_EQ(ReadBytes(Header("solid binary") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}), &msg), 1);
-  EXPECT_EQ(nstltri, 0);  // a binary header beginning with "solid" is read as ASCII
+  EXPECT_EQ(ReadBytes(sim, Header("solid binary") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}), &msg), 1);
+  EXPECT_EQ(sim.nstltri, 0);  // a binary header beginning with "solid" is read as ASCII
 }
 
 TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
   FILEMESSAGE msg;
   std::string text;
   const std::string one = Header("b") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0});
-  ASSERT_EQ(ReadBytes(one, &msg), 1);
+  ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
   Scratch s;
-  EXPECT_EQ(ReadSTLFile((s / "none.stl").c_str(), &msg), 0);
+  EXPECT_EQ(ReadSTLFile(sim, (s / "none.stl").c_str(), &msg), 0);
   EXPECT_EQ(Lines(msg), "File Error|Failed to read STL file|" + s / "none.stl");
-  EXPECT_EQ(nstltri + msg.fatal, 1);  // the old surface stays
-  EXPECT_EQ(ReadBytes(std::string(79, 'x'), &msg), 0);
+  EXPECT_EQ(sim.nstltri + msg.fatal, 1);  // the old surface stays
+  EXPECT_EQ(ReadBytes(sim, std::string(79, 'x'), &msg), 0);
   EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Failed to read an expected STL header| fatal");
-  EXPECT_EQ(ReadBytes("solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", &msg), 0);
+  EXPECT_EQ(ReadBytes(sim, "solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", &msg), 0);
   EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Error reading vertices in ascii STL file| fatal");
   for (uint32_t count : {10000001u, 0xffffffffu}) {  // one above the limit; negative seen unsigned
-    ASSERT_EQ(ReadBytes(one, &msg), 1);
-    EXPECT_EQ(ReadBytes(Header("b") + Le32(count), &msg), 0);
+    ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
+    EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(count), &msg), 0);
     EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Read an unexpected number of faces in STL header|");
-    EXPECT_EQ(nstltri, 0);
+    EXPECT_EQ(sim.nstltri, 0);
   }
   for (std::string bytes : {Header("b") + Le32(0), Header("b") + Le32(10000000), Header("b") + "\xff\xff\xff"}) {
-    EXPECT_EQ(ReadBytes(bytes, &msg) + msg.set + nstltri, 1);  // no facet, no message
+    EXPECT_EQ(ReadBytes(sim, bytes, &msg) + msg.set + sim.nstltri, 1);  // no facet, no message
   }
   // Ten million promised, two complete facets and most of a third: the two,
   // and storage follows the file.
-  size_t storage = stltri.size();
+  size_t storage = sim.stltri.size();
   std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
-  EXPECT_EQ(ReadBytes(Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg), 1);
-  ASSERT_EQ(nstltri, 2);
-  EXPECT_XYZ(stlmax, 2, 1, 0, 0);
-  EXPECT_LE(stltri.size(), storage > 1000 ? storage : 1000);
+  EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg), 1);
+  ASSERT_EQ(sim.nstltri, 2);
+  EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
+  EXPECT_LE(sim.stltri.size(), storage > 1000 ? storage : 1000);
   text = "solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
          " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n";
-  EXPECT_EQ(ReadBytes(text, &msg), 1);
-  ASSERT_EQ(nstltri, 1);  // NaN vertices make a facet degenerate; an infinite one stays
-  EXPECT_EQ(stlmax.x, HUGE_VAL);
+  EXPECT_EQ(ReadBytes(sim, text, &msg), 1);
+  ASSERT_EQ(sim.nstltri, 1);  // NaN vertices make a facet degenerate; an infinite one stays
+  EXPECT_EQ(sim.stlmax.x, HUGE_VAL);
   // A last line without its line end is not read: a file cut off in its "outer loop" keeps what came before.
-  EXPECT_EQ(ReadBytes("solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", &msg), 1);
-  EXPECT_EQ(nstltri, 1);
+  EXPECT_EQ(ReadBytes(sim, "solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", &msg), 1);
+  EXPECT_EQ(sim.nstltri, 1);
 }
 
 TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
-  AppendFacet(V(0, 0, 1), V(2, 0, 1), V(0, 2, 1));     // 0 good
-  AppendFacet(V(5, 5, 5), V(5, 5, 5), V(6, 5, 5));     // 1 p0 == p1
-  AppendFacet(V(0, 0, 0), V(1, 1, 1), V(2, 2, 2));     // 2 collinear: kept, zero normal
-  AppendFacet(V(0, 0, 7), V(1, 0, 7), V(5e-7, 0, 7));  // 3 p2 == p0 within 1e-6
-  AppendFacet(V(0, 0, 0), V(0, 3, 0), V(0, 0, 4));     // 4 good, moves into 1
-  std::string err = DebugOutput(UpdateSTL);
-  ASSERT_EQ(nstltri, 3);  // at 3 the last facet is 3 itself, still bad
+  AppendFacet(sim, V(0, 0, 1), V(2, 0, 1), V(0, 2, 1));     // 0 good
+  AppendFacet(sim, V(5, 5, 5), V(5, 5, 5), V(6, 5, 5));     // 1 p0 == p1
+  AppendFacet(sim, V(0, 0, 0), V(1, 1, 1), V(2, 2, 2));     // 2 collinear: kept, zero normal
+  AppendFacet(sim, V(0, 0, 7), V(1, 0, 7), V(5e-7, 0, 7));  // 3 p2 == p0 within 1e-6
+  AppendFacet(sim, V(0, 0, 0), V(0, 3, 0), V(0, 0, 4));     // 4 good, moves into 1
+  std::string err = DebugOutput(sim, [&] { UpdateSTL(sim); });
+  ASSERT_EQ(sim.nstltri, 3);  // at 3 the last facet is 3 itself, still bad
   EXPECT_EQ(err,
             "Removed 2 bad faces\nBounds: 0 <= x <= 2\n        0 <= y <= 3\n        0 <= z <= 4\nMidpoint: 1 1.5 2\n");
-  EXPECT_XYZ(stltri[0].n, 0, 0, 1, 0);
-  EXPECT_EQ(stltri[0].plane.d, -1);
-  EXPECT_XYZ(stltri[0].mid, 2.0 / 3, 2.0 / 3, 1, 1e-15);
-  EXPECT_XYZ(stltri[1].n, 1, 0, 0, 0);
-  EXPECT_XYZ(stltri[2].n, 0, 0, 0, 0);
-  nstltri = 1;
-  stltri[0].p[1] = stltri[0].p[0];
-  err = DebugOutput(UpdateSTL);  // none left: bounds at +-1e32, the midpoint at the origin
+  EXPECT_XYZ(sim.stltri[0].n, 0, 0, 1, 0);
+  EXPECT_EQ(sim.stltri[0].plane.d, -1);
+  EXPECT_XYZ(sim.stltri[0].mid, 2.0 / 3, 2.0 / 3, 1, 1e-15);
+  EXPECT_XYZ(sim.stltri[1].n, 1, 0, 0, 0);
+  EXPECT_XYZ(sim.stltri[2].n, 0, 0, 0, 0);
+  sim.nstltri = 1;
+  sim.stltri[0].p[1] = sim.stltri[0].p[0];
+  err = DebugOutput(sim, [&] { UpdateSTL(sim); });  // none left: bounds at +-1e32, the midpoint at the origin
   EXPECT_EQ(err, "Removed 1 bad faces\nBounds: 1e+32 <= x <= -1e+32\n        1e+32 <= y <= -1e+32\n"
                  "        1e+32 <= z <= -1e+32\nMidpoint: 0 0 0\n");
 }
 
-void OneFacet(XYZ p0, XYZ p1, XYZ p2) {
-  nstltri = 0;
-  AppendFacet(p0, p1, p2);
-  UpdateSTL();
+void OneFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
+  sim.nstltri = 0;
+  AppendFacet(sim, p0, p1, p2);
+  UpdateSTL(sim);
 }
 
 TEST_F(Surface, SegmentAgainstFacetAndBox) {
-  OneFacet(V(0, 0, 0), V(4, 0, 0), V(0, 4, 0));
+  OneFacet(sim, V(0, 0, 0), V(4, 0, 0), V(0, 4, 0));
   XYZ p = V(9, 9, 9);
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 1, 1), V(1, 2, -1)), 1);
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1)), 1);
   EXPECT_XYZ(p, 1, 1.5, 0, 0);
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(0, &p, V(1, 1, 0), V(1, 1, 5)),
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
             2);                                                        // ends count
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 3, 2), V(1, 3, 1)), 0);     // short of the plane...
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);     // short of the plane...
   EXPECT_XYZ(p, 1, 3, 0, 0);                                           // ...the crossing still written
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 1, 0), V(3, 1, 9e-6)), 0);  // |denom| < 1e-5, even in the plane
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 1, 0), V(3, 1, 2e-5)), 1);
-  EXPECT_EQ(PointPlaneDist(0, V(5, -7, 3)), 3);
-  OneFacet(V(0, 0, 0), V(1, 1, 0), V(2, 2, 0));  // zero normal: never cut
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(1, 1, 1), V(1, 1, -1)), 0);
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 9e-6)), 0);  // |denom| < 1e-5, even in the plane
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 2e-5)), 1);
+  EXPECT_EQ(PointPlaneDist(sim, 0, V(5, -7, 3)), 3);
+  OneFacet(sim, V(0, 0, 0), V(1, 1, 0), V(2, 2, 0));  // zero normal: never cut
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 1, -1)), 0);
   // (2,10,0) on the extension of the edge (0,0,0)-(1,5,0): the equal unit
   // directions' dot product rounds above 1, acos gives not-a-number: inside.
   XYZ u = V(-1, -5, 0);
   Normalise(&u);
   ASSERT_GT(DotProduct(u, u), 1.0);
-  OneFacet(V(0, 0, 0), V(1, 5, 0), V(-5, 1, 0));
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(2, 10, 1), V(2, 10, -1)), 1);
-  OneFacet(V(0, 0, 0), V(1, 0, 0), V(0, 1, 0));  // a dot product of exactly 1: outside
-  EXPECT_EQ(LinePlaneIntersect(0, &p, V(2, 0, 1), V(2, 0, -1)), 0);
+  OneFacet(sim, V(0, 0, 0), V(1, 5, 0), V(-5, 1, 0));
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 10, 1), V(2, 10, -1)), 1);
+  OneFacet(sim, V(0, 0, 0), V(1, 0, 0), V(0, 1, 0));  // a dot product of exactly 1: outside
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 0);
   XYZ c1 = V(0, 0, 0), c2 = V(10, 10, 10);
   EXPECT_EQ(LineInBox(c2, c1, V(5, 5, 5), V(1000, -1000, 50)), 1);        // p1 inside, corners either way
   EXPECT_EQ(LineInBox(c1, c2, V(-50, 3, 3), V(10, 10, 10)), 1);           // p2 on the corner
@@ -180,28 +180,28 @@ TEST_F(Surface, SampleCountsNamesAndOrientation) {
   for (auto &w : want) {
     SCOPED_TRACE(w.code);
     int removed = 0;
-    sscanf(DebugOutput([&] { EXPECT_EQ(MakeSampleSurface(w.code), w.code != 42); }).c_str(), "Removed %d", &removed);
-    EXPECT_EQ(nstltri + removed, w.generated);
-    EXPECT_EQ(nstltri, w.kept);
-    EXPECT_STREQ(growthstate.stlname, w.name);
-    for (int i = 0; i < nstltri; i++) {
-      const FACET &f = stltri[i];
+    sscanf(DebugOutput(sim, [&] { EXPECT_EQ(MakeSampleSurface(sim, w.code), w.code != 42); }).c_str(), "Removed %d", &removed);
+    EXPECT_EQ(sim.nstltri + removed, w.generated);
+    EXPECT_EQ(sim.nstltri, w.kept);
+    EXPECT_STREQ(sim.growthstate.stlname, w.name);
+    for (int i = 0; i < sim.nstltri; i++) {
+      const FACET &f = sim.stltri[i];
       bool flat = fabs(fabs(f.mid.z) - 20) < 1e-9 || (f.p[0].z == 0 && f.p[1].z == 0 && f.p[2].z == 0);
       // The plane faces -z; caps and the disc +z (the bottom cap inward); the rest outward.
       double out = f.n.x * f.mid.x + f.n.y * f.mid.y + (w.code > 20 ? f.n.z * f.mid.z : 0);
       EXPECT_TRUE(w.code == 31 ? f.n.z == -1 : flat ? fabs(f.n.z - 1) < 1e-12 : out > 0) << i;
     }
   }
-  MakeSampleSurface(SAMPLE_CYLINDER);  // the tube starts at angle 0: Q(0,+20), Q(0,-20), Q(5,-20)
-  EXPECT_XYZ(stltri[0].p[0], 20, 0, 20, 0);
-  EXPECT_XYZ(stltri[0].p[2], 20 * cos(5 * M_PI / 180), 20 * sin(5 * M_PI / 180), -20, 1e-7);
-  MakeSampleSurface(SAMPLE_BOX);  // corners on the axes at 20 sqrt 2; cos 90 with the truncated factor
-  EXPECT_XYZ(stltri[0].p[2], 28.284271247461902 * 1.79489661923e-9, 28.284271247461902, -20, 1e-12);
-  MakeSampleSurface(SAMPLE_PLANE);  // x outer, y inner
-  EXPECT_XYZ(stltri[0].p[1], -200, -180, -20, 0);
-  EXPECT_XYZ(stltri[1].p[1], -180, -200, -20, 0);
-  EXPECT_XYZ(stltri[2].p[0], -200, -180, -20, 0);
-  EXPECT_XYZ(stltri[799].p[0], 200, 200, -20, 0);
+  MakeSampleSurface(sim, SAMPLE_CYLINDER);  // the tube starts at angle 0: Q(0,+20), Q(0,-20), Q(5,-20)
+  EXPECT_XYZ(sim.stltri[0].p[0], 20, 0, 20, 0);
+  EXPECT_XYZ(sim.stltri[0].p[2], 20 * cos(5 * M_PI / 180), 20 * sin(5 * M_PI / 180), -20, 1e-7);
+  MakeSampleSurface(sim, SAMPLE_BOX);  // corners on the axes at 20 sqrt 2; cos 90 with the truncated factor
+  EXPECT_XYZ(sim.stltri[0].p[2], 28.284271247461902 * 1.79489661923e-9, 28.284271247461902, -20, 1e-12);
+  MakeSampleSurface(sim, SAMPLE_PLANE);  // x outer, y inner
+  EXPECT_XYZ(sim.stltri[0].p[1], -200, -180, -20, 0);
+  EXPECT_XYZ(sim.stltri[1].p[1], -180, -200, -20, 0);
+  EXPECT_XYZ(sim.stltri[2].p[0], -200, -180, -20, 0);
+  EXPECT_XYZ(sim.stltri[799].p[0], 200, 200, -20, 0);
 }
 
 TEST_F(Surface, TransformRotatesClockwiseInTheOrderXYZThenScalesThenShifts) {
@@ -210,25 +210,25 @@ TEST_F(Surface, TransformRotatesClockwiseInTheOrderXYZThenScalesThenShifts) {
     XYZ rotate, want;
   } cases[] = {{{90, 90, 0}, {20, 30, 10}}, {{0, 90, 90}, {20, 30, 10}}, {{90, 0, 90}, {30, -10, -20}}};
   for (auto &c : cases) {
-    OneFacet(V(10, 20, 30), V(0, 0, 0), V(30, 0, 0));
-    TransformSTL(V(1, 1, 1), V(0, 0, 0), c.rotate);
-    EXPECT_XYZ(stltri[0].p[0], c.want.x, c.want.y, c.want.z, 1e-6);
+    OneFacet(sim, V(10, 20, 30), V(0, 0, 0), V(30, 0, 0));
+    TransformSTL(sim, V(1, 1, 1), V(0, 0, 0), c.rotate);
+    EXPECT_XYZ(sim.stltri[0].p[0], c.want.x, c.want.y, c.want.z, 1e-6);
   }
-  OneFacet(V(10, 20, 30), V(0, 0, 0), V(30, 0, 0));  // to (20,-10,30), scaled in world axes, shifted
-  std::string err = DebugOutput([] { TransformSTL(V(2, 1, 0.5), V(5, 0, 1.5), V(0, 0, 90)); });
-  EXPECT_XYZ(stltri[0].p[0], 45, -10, 16.5, 1e-6);
-  EXPECT_XYZ(stltri[0].p[1], 5, 0, 1.5, 1e-6);  // about the origin
+  OneFacet(sim, V(10, 20, 30), V(0, 0, 0), V(30, 0, 0));  // to (20,-10,30), scaled in world axes, shifted
+  std::string err = DebugOutput(sim, [&] { TransformSTL(sim, V(2, 1, 0.5), V(5, 0, 1.5), V(0, 0, 90)); });
+  EXPECT_XYZ(sim.stltri[0].p[0], 45, -10, 16.5, 1e-6);
+  EXPECT_XYZ(sim.stltri[0].p[1], 5, 0, 1.5, 1e-6);  // about the origin
   EXPECT_EQ(err.substr(0, err.find("Bounds")), "Scale  : 2,1,0.5\nShift  : 5,0,1.5\nRotate : 0,0,90\n");
-  MakeSampleSurface(SAMPLE_PLANE);
-  std::vector<FACET> before(stltri.begin(), stltri.begin() + nstltri);
-  TransformSTL(V(1, 1, 1), V(0, 0, 0), V(90, 0, 0));  // the sheet y = -20: (x, y, -20) to (x, -20, -y)
-  for (int i = 0; i < nstltri; i++)
-    for (int k = 0; k < 3; k++) EXPECT_XYZ(stltri[i].p[k], before[i].p[k].x, -20, -before[i].p[k].y, 1e-6);
-  EXPECT_NEAR(stltri[0].p[0].y, -200 * 1.79489661923e-9 - 20, 1e-12);  // cos 90 of the truncated factor
-  MakeSampleSurface(SAMPLE_PLANE);
-  for (int n = 0; n < 2; n++) TransformSTL(V(2, 2, 2), V(1, -2, 3), V(0, 0, 0));  // twice: 4p + (3,-6,9)
-  for (int i = 0; i < nstltri; i++)
-    EXPECT_XYZ(stltri[i].p[2], 4 * before[i].p[2].x + 3, 4 * before[i].p[2].y - 6, -71, 0);
+  MakeSampleSurface(sim, SAMPLE_PLANE);
+  std::vector<FACET> before(sim.stltri.begin(), sim.stltri.begin() + sim.nstltri);
+  TransformSTL(sim, V(1, 1, 1), V(0, 0, 0), V(90, 0, 0));  // the sheet y = -20: (x, y, -20) to (x, -20, -y)
+  for (int i = 0; i < sim.nstltri; i++)
+    for (int k = 0; k < 3; k++) EXPECT_XYZ(sim.stltri[i].p[k], before[i].p[k].x, -20, -before[i].p[k].y, 1e-6);
+  EXPECT_NEAR(sim.stltri[0].p[0].y, -200 * 1.79489661923e-9 - 20, 1e-12);  // cos 90 of the truncated factor
+  MakeSampleSurface(sim, SAMPLE_PLANE);
+  for (int n = 0; n < 2; n++) TransformSTL(sim, V(2, 2, 2), V(1, -2, 3), V(0, 0, 0));  // twice: 4p + (3,-6,9)
+  for (int i = 0; i < sim.nstltri; i++)
+    EXPECT_XYZ(sim.stltri[i].p[2], 4 * before[i].p[2].x + 3, 4 * before[i].p[2].y - 6, -71, 0);
 }
 
 }  // namespace

@@ -14,37 +14,37 @@ using Overlay = Fresh;
 XYZ Rgb(COLOUR c) { return V(c.r, c.g, c.b); }
 
 TEST_F(Camera, HomeKeepsWindowAndStereoAndBothOrbitsShareTheFirstRightVector) {
-  camera.screenwidth = 1600;
-  camera.screenheight = 700;
-  camera.stereo = STEREO_DUAL;
-  camera.aperture = 12;
-  camera.vp = V(5, 7, 0);
-  camera.vd = V(0, 1, 0);
-  camera.vu = V(1, 0, 0);
-  camera.pr.z = 3;
-  CameraHome();
-  EXPECT_EQ(camera.screenwidth * 10000 + camera.screenheight * 10 + camera.stereo, 16007002);
-  EXPECT_EQ(camera.aperture, 60);
-  EXPECT_XYZ(camera.vp, 60, 0, 0, 0);
-  EXPECT_XYZ(camera.vd, -1, 0, 0, 0);
-  EXPECT_XYZ(camera.vu, 0, 0, 1, 0);
-  EXPECT_XYZ(camera.pr, 0, 0, 0, 0);
-  EXPECT_XYZ(V(camera.eyesep, camera.near, camera.far), 2, 6, 600, 0);
-  ForgetCameraHome();  // a first home sets mono and 800 x 600
-  CameraHome();
-  EXPECT_EQ(camera.screenwidth * 10 + camera.stereo, 8000);
+  sim.camera.screenwidth = 1600;
+  sim.camera.screenheight = 700;
+  sim.camera.stereo = STEREO_DUAL;
+  sim.camera.aperture = 12;
+  sim.camera.vp = V(5, 7, 0);
+  sim.camera.vd = V(0, 1, 0);
+  sim.camera.vu = V(1, 0, 0);
+  sim.camera.pr.z = 3;
+  CameraHome(sim);
+  EXPECT_EQ(sim.camera.screenwidth * 10000 + sim.camera.screenheight * 10 + sim.camera.stereo, 16007002);
+  EXPECT_EQ(sim.camera.aperture, 60);
+  EXPECT_XYZ(sim.camera.vp, 60, 0, 0, 0);
+  EXPECT_XYZ(sim.camera.vd, -1, 0, 0, 0);
+  EXPECT_XYZ(sim.camera.vu, 0, 0, 1, 0);
+  EXPECT_XYZ(sim.camera.pr, 0, 0, 0, 0);
+  EXPECT_XYZ(V(sim.camera.eyesep, sim.camera.near, sim.camera.far), 2, 6, 600, 0);
+  ForgetCameraHome(sim);  // a first home sets mono and 800 x 600
+  CameraHome(sim);
+  EXPECT_EQ(sim.camera.screenwidth * 10 + sim.camera.stereo, 8000);
   // Both orbits at once: the second turn is about the right vector taken
   // before the first, (0, 1, 0); the eye stays on its axis.
-  RotateCamera(0.3, 0.2, 0);
-  EXPECT_XYZ(camera.vd, -cos(0.3) * cos(0.2), -sin(0.3), cos(0.3) * sin(0.2), 1e-12);
-  EXPECT_XYZ(camera.vu, sin(0.2), 0, cos(0.2), 1e-12);
-  EXPECT_XYZ(camera.vp, -60 * camera.vd.x, -60 * camera.vd.y, -60 * camera.vd.z, 1e-9);
-  for (int i = 0; i < 500; i++) RotateCamera(0.01, -0.013, 0.007);
-  EXPECT_NEAR(Modulus(camera.vp), 60, 1e-8);
-  EXPECT_NEAR(Modulus(camera.vu), 1, 1e-12);
-  DollyCamera(DOLLY_CLOSER);  // along its own direction, vd left alone
-  XYZ vd = camera.vd;
-  EXPECT_XYZ(camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
+  RotateCamera(sim, 0.3, 0.2, 0);
+  EXPECT_XYZ(sim.camera.vd, -cos(0.3) * cos(0.2), -sin(0.3), cos(0.3) * sin(0.2), 1e-12);
+  EXPECT_XYZ(sim.camera.vu, sin(0.2), 0, cos(0.2), 1e-12);
+  EXPECT_XYZ(sim.camera.vp, -60 * sim.camera.vd.x, -60 * sim.camera.vd.y, -60 * sim.camera.vd.z, 1e-9);
+  for (int i = 0; i < 500; i++) RotateCamera(sim, 0.01, -0.013, 0.007);
+  EXPECT_NEAR(Modulus(sim.camera.vp), 60, 1e-8);
+  EXPECT_NEAR(Modulus(sim.camera.vu), 1, 1e-12);
+  DollyCamera(sim, DOLLY_CLOSER);  // along its own direction, vd left alone
+  XYZ vd = sim.camera.vd;
+  EXPECT_XYZ(sim.camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
 }
 
 // Side by side stereo gives each eye half the window (1601: 800), the right eye the right half; each eye sits
@@ -62,11 +62,11 @@ TEST_F(Camera, EachEyeItsHalfItsOffsetAndItsShiftedFrustum) {
                {STEREO_ACTIVE, 800, 30, EYE_LEFT, 0, -0.5}};
   for (auto &c : cases) {
     SCOPED_TRACE(c.eye);
-    camera.stereo = c.stereo;
-    camera.screenwidth = c.screenwidth;
-    camera.vp = V(c.distance, 0, 0);
-    FrameCamera();
-    EYEVIEW v = EyeView(c.eye);
+    sim.camera.stereo = c.stereo;
+    sim.camera.screenwidth = c.screenwidth;
+    sim.camera.vp = V(c.distance, 0, 0);
+    FrameCamera(sim);
+    EYEVIEW v = EyeView(sim, c.eye);
     double near = c.distance / 10, top = near * tan(M_PI / 6), shift = c.side * c.distance / 300;
     double right = (c.stereo == STEREO_DUAL ? c.screenwidth / 1200.0 : c.screenwidth / 600.0) * top;
     EXPECT_EQ(v.x * 10000 + v.width * 10 + (v.height == 600), c.x * 10000 + 8001);
@@ -95,11 +95,11 @@ TEST_F(Camera, FitDistanceTouchesTheTighterSideOffAxisToo) {
                {170, 800, 600, STEREO_MONO, V(0, 0, 0), 1.05 * 10 / 9}};           // the near plane
   for (auto &c : cases) {
     SCOPED_TRACE(c.distance);
-    camera.aperture = c.aperture;
-    camera.screenwidth = c.width;
-    camera.screenheight = c.height;
-    camera.stereo = c.stereo;
-    EXPECT_NEAR(FitCameraDistance(&camera, c.centre, 1), c.distance, 1e-6);
+    sim.camera.aperture = c.aperture;
+    sim.camera.screenwidth = c.width;
+    sim.camera.screenheight = c.height;
+    sim.camera.stereo = c.stereo;
+    EXPECT_NEAR(FitCameraDistance(&sim.camera, c.centre, 1), c.distance, 1e-6);
   }
 }
 
@@ -107,31 +107,31 @@ TEST_F(Camera, FitDistanceTouchesTheTighterSideOffAxisToo) {
 TEST_F(Camera, DrawnBoundsCellsSurfaceWhenDrawnTubes) {
   XYZ c;
   double r;
-  ncells = 0;
-  EXPECT_EQ(DrawnBounds(&c, &r), 0);  // no cell, no surface
-  AppendCell(V(0, 0, 0), 0, -1);
-  AppendCell(V(4, 0, 0), 0, 0);
-  AppendFacet(V(0, 0, -6), V(4, 0, -6), V(2, 1, -6));
-  options.stldrawmode = STLDRAW_OFF;
-  ASSERT_EQ(DrawnBounds(&c, &r), 1);
+  sim.ncells = 0;
+  EXPECT_EQ(DrawnBounds(sim, &c, &r), 0);  // no cell, no surface
+  AppendCell(sim, V(0, 0, 0), 0, -1);
+  AppendCell(sim, V(4, 0, 0), 0, 0);
+  AppendFacet(sim, V(0, 0, -6), V(4, 0, -6), V(2, 1, -6));
+  sim.options.stldrawmode = STLDRAW_OFF;
+  ASSERT_EQ(DrawnBounds(sim, &c, &r), 1);
   EXPECT_XYZ(V(c.x, c.z, r), 2, 0, 2, 1e-12);
-  options.stldrawmode = STLDRAW_SOLID;
-  DrawnBounds(&c, &r);
+  sim.options.stldrawmode = STLDRAW_SOLID;
+  DrawnBounds(sim, &c, &r);
   EXPECT_XYZ(c, 2, 0.5, -3, 1e-12);
   EXPECT_NEAR(r, sqrt(13.25), 1e-12);
-  options.dladrawmode = DLADRAW_TUBES;
-  growthstate.thickstart = 0.25;
-  growthstate.thickend = 0.5;
-  DrawnBounds(&c, &r);
+  sim.options.dladrawmode = DLADRAW_TUBES;
+  sim.growthstate.thickstart = 0.25;
+  sim.growthstate.thickend = 0.5;
+  DrawnBounds(sim, &c, &r);
   EXPECT_NEAR(r, sqrt(13.25) + 0.5, 1e-12);
 }
 
 TEST_F(Colours, ByRootForPointsAndLinesWithAssociationElseByWeight) {
-  ncells = 0;
-  growthstate.nroots = 25;
-  growthstate.associate = 1;
-  growthstate.maxweight = 6;
-  for (int i = 0; i < 50; i++) AppendCell(V(0, 0, 0), 6, i - 1);  // by weight all would be red
+  sim.ncells = 0;
+  sim.growthstate.nroots = 25;
+  sim.growthstate.associate = 1;
+  sim.growthstate.maxweight = 6;
+  for (int i = 0; i < 50; i++) AppendCell(sim, V(0, 0, 0), 6, i - 1);  // by weight all would be red
   const double table[21][3] = {{1, 0, 0},       {0, 1, 0},    {0, 0, 1},      {1, 1, 0},   {0, 1, 1},   {1, 0, 1},
                                {1, .5, .5},     {.5, 1, .5},  {.5, .5, 1},    {1, 1, .5},  {.5, 1, 1},  {1, .5, 1},
                                {.5, 0, 0},      {0, .5, 0},   {0, 0, .5},     {.5, .5, 0}, {0, .5, .5}, {.5, 0, .5},
@@ -139,25 +139,25 @@ TEST_F(Colours, ByRootForPointsAndLinesWithAssociationElseByWeight) {
   for (int i = 0; i < 50; i++) {  // entry (i mod nroots) mod 21
     const double *t = table[(i % 25) % 21];
     for (int mode : {DLADRAW_OFF, DLADRAW_POINTS, DLADRAW_LINES})
-      EXPECT_XYZ(Rgb(ChooseColour(i, mode)), t[0], t[1], t[2], 0);
-    EXPECT_XYZ(Rgb(ChooseColour(i, DLADRAW_TUBES)), 1, 0, 0, 1e-12);  // tubes by weight
+      EXPECT_XYZ(Rgb(ChooseColour(sim, i, mode)), t[0], t[1], t[2], 0);
+    EXPECT_XYZ(Rgb(ChooseColour(sim, i, DLADRAW_TUBES)), 1, 0, 0, 1e-12);  // tubes by weight
   }
   // By weight: ln(w + 1) from 0 to ln(maxweight / 3 + 1) = ln 3 on the blue to red map.
-  cells[0].weight = 0;
-  cells[1].weight = 2;
-  cells[2].weight = sqrt(3.0) - 1;
-  cells[3].weight = pow(3.0, 0.25) - 1;
+  sim.cells[0].weight = 0;
+  sim.cells[1].weight = 2;
+  sim.cells[2].weight = sqrt(3.0) - 1;
+  sim.cells[3].weight = pow(3.0, 0.25) - 1;
   const double w[4][3] = {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}, {0, 1, 1}};
   for (int roots : {1, 3, 0})  // one root, association off, no roots
     for (int i = 0; i < 4; i++) {
-      growthstate.nroots = roots;
-      growthstate.associate = roots != 3;
-      EXPECT_XYZ(Rgb(ChooseColour(i, DLADRAW_LINES)), w[i][0], w[i][1], w[i][2], 1e-6);
+      sim.growthstate.nroots = roots;
+      sim.growthstate.associate = roots != 3;
+      EXPECT_XYZ(Rgb(ChooseColour(sim, i, DLADRAW_LINES)), w[i][0], w[i][1], w[i][2], 1e-6);
     }
 }
 
 TEST_F(Overlay, InformationAndStatisticsBlocks) {
-  GROWTHSTATE &g = growthstate;
+  GROWTHSTATE &g = sim.growthstate;
   g.seed = 7;
   g.bias = 2.5;
   g.branchlength = 1.5;
@@ -169,7 +169,7 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   g.sourcetype = 0;  // no such source
   OVERLAYLINE lines[MAXINFOLINES];
   std::string got;
-  for (int i = 0, n = InfoLines(lines, MAXINFOLINES, 600); i < n; i++)
+  for (int i = 0, n = InfoLines(sim, lines, MAXINFOLINES, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "\n";
   // One root: no distribution lines; no surface: the particles 26 below its name.
   EXPECT_EQ(got,
@@ -185,10 +185,10 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   g.sourcetype = SOURCE_MINUSZ;
   CopyName(g.rootname, std::string(127, 'b').c_str(), sizeof(g.rootname));
   CopyName(g.stlname, std::string(255, 'a').c_str(), sizeof(g.stlname));
-  AppendFacet(V(-1, 0, 2), V(3, 0.5, 2), V(0, -2.25, 7));
-  AppendFacet(V(0, 0, 0), V(1, 1, 1), V(2, -4, 3));
-  UpdateSTL();
-  ASSERT_EQ(InfoLines(lines, MAXINFOLINES, 300), 22);
+  AppendFacet(sim, V(-1, 0, 2), V(3, 0.5, 2), V(0, -2.25, 7));
+  AppendFacet(sim, V(0, 0, 0), V(1, 1, 1), V(2, -4, 3));
+  UpdateSTL(sim);
+  ASSERT_EQ(InfoLines(sim, lines, MAXINFOLINES, 300), 22);
   got = "";
   for (int i = 8; i < 22; i++)
     got += std::to_string(lines[i].y) + " " + std::string(lines[i].text).substr(0, 30) + "\n";
@@ -202,11 +202,11 @@ TEST_F(Overlay, InformationAndStatisticsBlocks) {
   EXPECT_STREQ(SourceTypeText(9, 1), "Source type: Single axis (-x)");      // the report's name for 9
   const int branches[10] = {5, 3, 2, 1, 0, 7, 9, 9, 9, 9}, counts[10] = {1, 0, 8, 27, -1, 0, 3, -1, -1, -1};
   const double sizes[10] = {12.5, 8.3, 5.555556, 3.7037037, 2.5, 1.6, 1234.5678, 0, 0, 0};
-  memcpy(stats.branchcount, branches, sizeof(branches));
-  memcpy(stats.boxcount, counts, sizeof(counts));
-  memcpy(stats.boxsize, sizes, sizeof(sizes));
+  memcpy(sim.stats.branchcount, branches, sizeof(branches));
+  memcpy(sim.stats.boxcount, counts, sizeof(counts));
+  memcpy(sim.stats.boxsize, sizes, sizeof(sizes));
   got = "";
-  for (int i = 0, n = StatisticsLines(lines, MAXINFOLINES, 801, 600); i < n; i++)
+  for (int i = 0, n = StatisticsLines(sim, lines, MAXINFOLINES, 801, 600); i < n; i++)
     got += std::to_string(lines[i].x) + "," + std::to_string(lines[i].y) + " " + lines[i].text + "|";
   EXPECT_EQ(
       got,

@@ -6,7 +6,8 @@
 #include <stdlib.h>  // exit()
 
 #include "app/cmdline.h"
-#include "app/records.h"
+#include "app/simulation.h"
+#include "desktop/app/desktop.h"
 #include "app/startup.h"
 #include "desktop/forms/forms.h"
 #include "desktop/growth/idle.h"
@@ -18,6 +19,8 @@
 #include "growth/growth.h"
 #include "view/camera.h"
 
+SIMULATION sim;
+
 // Writes the usage text to standard error and ends the process with -1.
 static void GiveUsage(const char *programname) {
   WriteUsage(stderr, programname);
@@ -27,10 +30,10 @@ static void GiveUsage(const char *programname) {
 int main(int argc, char **argv) {
   // Growth first, so the aggregate holds its roots before the first frame;
   // then the camera, option and interface defaults.
-  ResetProgram();
+  ResetProgram(sim);
   // However a box count ends, the statistics overlay is armed.
-  boxcountdone = BoxCountDone;
-  if (ParseCommandLine(argc, argv)) GiveUsage(argv[0]);
+  sim.boxcountdone = BoxCountDone;
+  if (ParseCommandLine(sim, argc, argv)) GiveUsage(argv[0]);
 
   // The toolkit sees only the program name: the command line is ours.
   int flargc = 1;
@@ -45,13 +48,13 @@ int main(int argc, char **argv) {
   UpdateForms();
 
   glutInit(&argc, argv);
-  if (camera.stereo == 1)
+  if (sim.camera.stereo == 1)
     glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB | GLUT_STEREO);
   else
     glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
   glutCreateWindow("Diffusion Limited Aggregation");
-  glutReshapeWindow(camera.screenwidth, camera.screenheight);
-  if (options.fullscreen) glutFullScreen();
+  glutReshapeWindow(sim.camera.screenwidth, sim.camera.screenheight);
+  if (sim.options.fullscreen) glutFullScreen();
 
   glutDisplayFunc(HandleDisplay);
   glutReshapeFunc(HandleReshape);
@@ -62,7 +65,7 @@ int main(int argc, char **argv) {
   glutMotionFunc(HandleMouseMotion);
   glutPassiveMotionFunc(HandlePassiveMotion);
   glutVisibilityFunc(HandleVisibility);
-  if (camera.stereo == 2) glutSetCursor(GLUT_CURSOR_NONE);
+  if (sim.camera.stereo == 2) glutSetCursor(GLUT_CURSOR_NONE);
   glutIdleFunc(HandleIdle);
 
   // Numbers are read and written with a decimal point.

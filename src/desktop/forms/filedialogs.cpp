@@ -3,7 +3,7 @@
 #include <forms.h>
 #include <stdlib.h>  // exit()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "desktop/forms/forms.h"
 #include "export/model.h"
 #include "export/report.h"
@@ -23,11 +23,11 @@ static void ShowFileMessage(const FILEMESSAGE *msg) {
   if (msg->set) fl_show_message(msg->line1, msg->line2, msg->line3);
 }
 
-int ReadRoots(void) {
+int ReadRoots(SIMULATION &sim) {
   char name[256];
   if (!ChooseFile("Seed file", name)) return 1;
   FILEMESSAGE msg = {};
-  if (!ReadRootsFile(name, &msg)) {
+  if (!ReadRootsFile(sim, name, &msg)) {
     ShowFileMessage(&msg);
     return 0;
   }
@@ -35,27 +35,27 @@ int ReadRoots(void) {
   return 1;
 }
 
-int ReadSTL(void) {
+int ReadSTL(SIMULATION &sim) {
   char name[256];
   if (!ChooseFile("STL file", name)) return 1;
   FILEMESSAGE msg = {};
-  if (ReadSTLFile(name, &msg)) return 1;
+  if (ReadSTLFile(sim, name, &msg)) return 1;
   ShowFileMessage(&msg);
   if (msg.fatal) exit(-1);
   return 0;
 }
 
-void SaveModel(int format, int variant) {
+void SaveModel(SIMULATION &sim, int format, int variant) {
   static const char *titles[6] = {"VRML file", "GEOM file", "STL file", "PovRay file", "POINT DXF file",
                                   "POINT GEOM file"};
   if (format < 0 || format > 5) return;
   char name[256];
   if (!ChooseFile(titles[format], name)) return;
-  SaveModelFile(name, format, variant);
+  SaveModelFile(sim, name, format, variant);
 }
 
-int SaveInformation(void) {
+int SaveInformation(SIMULATION &sim) {
   char name[256];
   if (!ChooseFile("Text file", name)) return 0;
-  return SaveInformationFile(name);
+  return SaveInformationFile(sim, name);
 }

@@ -1,11 +1,12 @@
 // The dialog forms: layout (in the form designer's style), refresh from the
 // records, and what their buttons do.
+#include "desktop/app/desktop.h"
 #include "desktop/forms/forms.h"
 
 #include <stdio.h>   // snprintf()
 #include <stdlib.h>  // exit()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "forms/readback.h"
 #include "gl/view/scene.h"
 #include "surface/slice.h"
@@ -176,22 +177,22 @@ static void SetInputDouble(FL_OBJECT *obj, double value) {
 }
 
 void UpdateForms(void) {
-  SetInputInt(sliceform->nslices, options.nslices);
-  SetInputDouble(sliceform->normalx, options.slicenormal.x);
-  SetInputDouble(sliceform->normaly, options.slicenormal.y);
-  SetInputDouble(sliceform->normalz, options.slicenormal.z);
+  SetInputInt(sliceform->nslices, sim.options.nslices);
+  SetInputDouble(sliceform->normalx, sim.options.slicenormal.x);
+  SetInputDouble(sliceform->normaly, sim.options.slicenormal.y);
+  SetInputDouble(sliceform->normalz, sim.options.slicenormal.z);
 
   // The associate check button is not refreshed: it keeps what the user set.
-  SetInputInt(settingform->seed, growthstate.seed);
-  SetInputDouble(settingform->rotation, growthstate.rotation);
-  SetInputDouble(settingform->bias, growthstate.bias);
-  SetInputDouble(settingform->branchlength, growthstate.branchlength);
-  SetInputDouble(settingform->stickiness, growthstate.stickiness);
-  SetInputDouble(settingform->thickend, growthstate.thickend);
-  SetInputDouble(settingform->thickstart, growthstate.thickstart);
-  SetInputInt(settingform->nroots, growthstate.nroots);
-  SetInputDouble(settingform->rootrange, growthstate.rootrange);
-  SetInputDouble(settingform->intersectrange, growthstate.intersectrange);
+  SetInputInt(settingform->seed, sim.growthstate.seed);
+  SetInputDouble(settingform->rotation, sim.growthstate.rotation);
+  SetInputDouble(settingform->bias, sim.growthstate.bias);
+  SetInputDouble(settingform->branchlength, sim.growthstate.branchlength);
+  SetInputDouble(settingform->stickiness, sim.growthstate.stickiness);
+  SetInputDouble(settingform->thickend, sim.growthstate.thickend);
+  SetInputDouble(settingform->thickstart, sim.growthstate.thickstart);
+  SetInputInt(settingform->nroots, sim.growthstate.nroots);
+  SetInputDouble(settingform->rootrange, sim.growthstate.rootrange);
+  SetInputDouble(settingform->intersectrange, sim.growthstate.intersectrange);
 
   // Transforms apply step by step to the current surface, so the form
   // always offers the identity.
@@ -234,15 +235,15 @@ void CheckSliceForm(FL_OBJECT *obj) {
   } else if (obj == sliceform->slice) {
     // A slice file that cannot be created ends the program (after the
     // message DoSlice writes to standard error).
-    if (!DoSlice(options.nslices, SliceNormalForCut())) exit(-1);
+    if (!DoSlice(sim, sim.options.nslices, SliceNormalForCut(sim))) exit(-1);
   } else if (obj == sliceform->normalx) {
-    ReadSliceNormalText(0, fl_get_input(obj));
+    ReadSliceNormalText(sim, 0, fl_get_input(obj));
   } else if (obj == sliceform->normaly) {
-    ReadSliceNormalText(1, fl_get_input(obj));
+    ReadSliceNormalText(sim, 1, fl_get_input(obj));
   } else if (obj == sliceform->normalz) {
-    ReadSliceNormalText(2, fl_get_input(obj));
+    ReadSliceNormalText(sim, 2, fl_get_input(obj));
   } else if (obj == sliceform->nslices) {
-    ReadSliceCountText(fl_get_input(obj));
+    ReadSliceCountText(sim, fl_get_input(obj));
   }
 }
 
@@ -257,27 +258,27 @@ void CheckSettingForm(FL_OBJECT *obj) {
   if (obj == f->hide) {
     HideForm(f->settingform, &settingformvisible);
   } else if (obj == f->bias) {
-    ReadBiasText(fl_get_input(obj));
+    ReadBiasText(sim, fl_get_input(obj));
   } else if (obj == f->rotation) {
-    ReadRotationText(fl_get_input(obj));
+    ReadRotationText(sim, fl_get_input(obj));
   } else if (obj == f->seed) {
-    ReadSeedText(fl_get_input(obj));
+    ReadSeedText(sim, fl_get_input(obj));
   } else if (obj == f->branchlength) {
-    ReadBranchLengthText(fl_get_input(obj));
+    ReadBranchLengthText(sim, fl_get_input(obj));
   } else if (obj == f->stickiness) {
-    ReadStickinessText(fl_get_input(obj));
+    ReadStickinessText(sim, fl_get_input(obj));
   } else if (obj == f->thickend) {
-    ReadThickEndText(fl_get_input(obj));
+    ReadThickEndText(sim, fl_get_input(obj));
   } else if (obj == f->thickstart) {
-    ReadThickStartText(fl_get_input(obj));
+    ReadThickStartText(sim, fl_get_input(obj));
   } else if (obj == f->intersectrange) {
-    ReadIntersectRangeText(fl_get_input(obj));
+    ReadIntersectRangeText(sim, fl_get_input(obj));
   } else if (obj == f->nroots) {
-    ReadNumberOfRootsText(fl_get_input(obj));
+    ReadNumberOfRootsText(sim, fl_get_input(obj));
   } else if (obj == f->rootrange) {
-    ReadRootRangeText(fl_get_input(obj));
+    ReadRootRangeText(sim, fl_get_input(obj));
   } else if (obj == f->associate) {
-    SetAssociate(fl_get_button(obj));
+    SetAssociate(sim, fl_get_button(obj));
   }
 }
 
@@ -292,8 +293,8 @@ void CheckSTLForm(FL_OBJECT *obj) {
                            fl_get_input(stlform->shifty), fl_get_input(stlform->shiftz),
                            fl_get_input(stlform->rotatex), fl_get_input(stlform->rotatey),
                            fl_get_input(stlform->rotatez)};
-    ApplyTransformText(text);
-    DrawSTL(options.stldrawmode, STL_REBUILD);
+    ApplyTransformText(sim, text);
+    DrawSTL(sim, sim.options.stldrawmode, STL_REBUILD);
     UpdateForms();
   }
 }

@@ -1,8 +1,9 @@
+#include "desktop/app/desktop.h"
 #include "desktop/growth/idle.h"
 
 #include <GL/glut.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "desktop/forms/forms.h"
 #include "desktop/view/boxcount_gl.h"
 #include "growth/growth.h"
@@ -12,10 +13,10 @@ void HandleIdle(void) {
   // The time of the last redisplay request; below 0 until the first call.
   static double tstart = -1;
 
-  if (growthstate.growing && !options.calcstats) {
-    for (long i = 0; i < 100;) i += IterateSystemSteps(100 - i);
+  if (sim.growthstate.growing && !sim.options.calcstats) {
+    for (long i = 0; i < 100;) i += IterateSystemSteps(sim, 100 - i);
   }
-  if (options.calcstats) {
+  if (sim.options.calcstats) {
     CalcBoxCount(BOXCOUNT_GOON, BOXCOUNT_STEP);  // one box per call; no growth meanwhile
   }
 
@@ -33,10 +34,10 @@ void HandleIdle(void) {
     CheckSTLForm(obj);
   }
 
-  if (now - tstart > 1 / options.framerate) {
+  if (now - tstart > 1 / sim.options.framerate) {
     glutPostRedisplay();
     tstart = now;
-    RotateCamera(options.autospin / 200.0, 0, 0);
+    RotateCamera(sim, sim.options.autospin / 200.0, 0, 0);
   }
 }
 

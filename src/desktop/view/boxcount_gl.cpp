@@ -1,21 +1,22 @@
+#include "desktop/app/desktop.h"
 #include "desktop/view/boxcount_gl.h"
 
 #include <GL/gl.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "desktop/view/overlay_gl.h"
 #include "export/statistics.h"
 #include "gl/lib/primitives_gl.h"
 
 void CalcBoxCount(int start, int draw) {
-  if (!options.calcstats) return;
-  if (start) BoxCountStart();
+  if (!sim.options.calcstats) return;
+  if (start) BoxCountStart(sim);
   if (draw) {
     glColor3f(0.5, 1.0, 0.5);
-    for (int i = 0; i < boxcountstate.nboxes; i++)
-      CreateBox(0, boxcountstate.boxes[i].low, boxcountstate.boxes[i].high);
+    for (int i = 0; i < sim.boxcountstate.nboxes; i++)
+      CreateBox(0, sim.boxcountstate.boxes[i].low, sim.boxcountstate.boxes[i].high);
   } else {
-    BoxCountStep();
+    BoxCountStep(sim);
   }
 }
 

@@ -1,9 +1,10 @@
+#include "desktop/app/desktop.h"
 #include "desktop/view/display.h"
 
 #include <GL/gl.h>
 #include <GL/glut.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "desktop/view/boxcount_gl.h"
 #include "desktop/view/overlay_gl.h"
 #include "gl/view/scene.h"
@@ -18,7 +19,7 @@ static void ClearBuffer(GLenum buffer) {
 
 // Extras, information, the boxes of a running count and the statistics.
 static void DrawOverlays(void) {
-  DrawExtras();
+  DrawExtras(sim);
   DrawInfo();
   CalcBoxCount(BOXCOUNT_GOON, BOXCOUNT_DRAW);
   DrawStatistics(0);
@@ -26,42 +27,42 @@ static void DrawOverlays(void) {
 
 static void DrawMono(void) {
   ClearBuffer(GL_BACK);
-  EYEVIEW view = EyeView(EYE_MONO);
-  LookThrough(&view);
-  DrawSTL(options.stldrawmode, STL_DRAW);
-  DrawDLA(options.dladrawmode);
+  EYEVIEW view = EyeView(sim, EYE_MONO);
+  LookThrough(sim, &view);
+  DrawSTL(sim, sim.options.stldrawmode, STL_DRAW);
+  DrawDLA(sim, sim.options.dladrawmode);
 }
 
 // Both eyes: side by side in one back buffer, or each in its own. The
 // aggregate goes before the surface here, unlike mono, and the right eye
 // gets its overlays at once; the left eye's come after, with the mono ones.
 static void DrawStereo(void) {
-  int dual = camera.stereo == STEREO_DUAL;
+  int dual = sim.camera.stereo == STEREO_DUAL;
   ClearBuffer(dual ? GL_BACK : GL_BACK_RIGHT);
-  EYEVIEW view = EyeView(EYE_RIGHT);
-  LookThrough(&view);
-  DrawDLA(options.dladrawmode);
-  DrawSTL(options.stldrawmode, STL_DRAW);
+  EYEVIEW view = EyeView(sim, EYE_RIGHT);
+  LookThrough(sim, &view);
+  DrawDLA(sim, sim.options.dladrawmode);
+  DrawSTL(sim, sim.options.stldrawmode, STL_DRAW);
   DrawOverlays();
 
   if (!dual) ClearBuffer(GL_BACK_LEFT);
-  view = EyeView(EYE_LEFT);
-  LookThrough(&view);
-  DrawDLA(options.dladrawmode);
-  DrawSTL(options.stldrawmode, STL_DRAW);
+  view = EyeView(sim, EYE_LEFT);
+  LookThrough(sim, &view);
+  DrawDLA(sim, sim.options.dladrawmode);
+  DrawSTL(sim, sim.options.stldrawmode, STL_DRAW);
 }
 
 void HandleDisplay(void) {
-  FrameCamera();
-  if (camera.stereo == STEREO_MONO)
+  FrameCamera(sim);
+  if (sim.camera.stereo == STEREO_MONO)
     DrawMono();
   else
     DrawStereo();
   DrawOverlays();
 
-  if (options.record || options.windowdump) {
-    WindowDump("", camera.screenwidth, camera.screenheight, camera.stereo == STEREO_ACTIVE, BITMAP_TGARLE24);
-    options.windowdump = 0;  // record stays on until r is pressed again
+  if (sim.options.record || sim.options.windowdump) {
+    WindowDump("", sim.camera.screenwidth, sim.camera.screenheight, sim.camera.stereo == STEREO_ACTIVE, BITMAP_TGARLE24);
+    sim.options.windowdump = 0;  // record stays on until r is pressed again
   }
   glutSwapBuffers();
 }

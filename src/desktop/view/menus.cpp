@@ -1,9 +1,10 @@
+#include "desktop/app/desktop.h"
 #include "desktop/view/menus.h"
 
 #include <GL/glut.h>
 #include <stdlib.h>  // exit()
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "desktop/forms/filedialogs.h"
 #include "desktop/forms/forms.h"
 #include "export/model.h"
@@ -50,10 +51,10 @@ static void ShowRefreshedForm(FL_FORM *form, int *visible) {
 void HandleMainMenu(int value) {
   switch (value) {
     case MAINMENU_READSTL:
-      ReadSTL();
+      ReadSTL(sim);
       // Make a newly read surface visible.
-      if (options.stldrawmode < STLDRAW_WIREFRAME) options.stldrawmode = STLDRAW_WIREFRAME;
-      DrawSTL(options.stldrawmode, STL_REBUILD);
+      if (sim.options.stldrawmode < STLDRAW_WIREFRAME) sim.options.stldrawmode = STLDRAW_WIREFRAME;
+      DrawSTL(sim, sim.options.stldrawmode, STL_REBUILD);
       break;
     case MAINMENU_SETTINGS:
       ShowRefreshedForm(settingform->settingform, &settingformvisible);
@@ -62,31 +63,31 @@ void HandleMainMenu(int value) {
       ShowRefreshedForm(stlform->stlform, &stlformvisible);
       break;
     case MAINMENU_SAVESTL:
-      SaveModel(MODEL_STL, MODEL_SWEEP);
+      SaveModel(sim, MODEL_STL, MODEL_SWEEP);
       break;
     case MAINMENU_READSEEDS:
-      ReadRoots();
+      ReadRoots(sim);
       break;
     case MAINMENU_SAVEINFO:
-      SaveInformation();
+      SaveInformation(sim);
       break;
     case MAINMENU_SLICES:
       ShowRefreshedForm(sliceform->sliceform, &sliceformvisible);
       break;
     case MAINMENU_EXTRAS:
-      options.showextras = !options.showextras;
+      sim.options.showextras = !sim.options.showextras;
       break;
     case MAINMENU_INFO:
-      options.showinfo = !options.showinfo;
+      sim.options.showinfo = !sim.options.showinfo;
       break;
     case MAINMENU_PAUSE:
-      growthstate.growing = !growthstate.growing;
+      sim.growthstate.growing = !sim.growthstate.growing;
       break;
     case MAINMENU_RESTART:
-      InitialiseGrowth();
+      InitialiseGrowth(sim);
       break;
     case MAINMENU_STATISTICS:
-      Statistics();
+      Statistics(sim);
       break;
     case MAINMENU_QUIT:
       exit(0);
@@ -95,21 +96,21 @@ void HandleMainMenu(int value) {
 
 void HandleSaveMenu(int value) {
   int format, variant;
-  if (SaveMenuFormat(value, &format, &variant)) SaveModel(format, variant);
+  if (SaveMenuFormat(value, &format, &variant)) SaveModel(sim, format, variant);
 }
 
-void HandleDLAMenu(int value) { options.dladrawmode = value; }
+void HandleDLAMenu(int value) { sim.options.dladrawmode = value; }
 
 void HandleSTLMenu(int value) {
-  options.stldrawmode = value;
-  DrawSTL(options.stldrawmode, STL_REBUILD);
+  sim.options.stldrawmode = value;
+  DrawSTL(sim, sim.options.stldrawmode, STL_REBUILD);
 }
 
-void HandleSourceMenu(int value) { growthstate.sourcetype = value; }
+void HandleSourceMenu(int value) { sim.growthstate.sourcetype = value; }
 
-void HandleRootMenu(int value) { SetRootDistribution(value); }
+void HandleRootMenu(int value) { SetRootDistribution(sim, value); }
 
 void HandleSampleMenu(int value) {
-  MakeSampleSurface(value);
-  DrawSTL(options.stldrawmode, STL_REBUILD);
+  MakeSampleSurface(sim, value);
+  DrawSTL(sim, sim.options.stldrawmode, STL_REBUILD);
 }

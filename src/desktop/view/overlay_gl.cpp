@@ -1,8 +1,9 @@
+#include "desktop/app/desktop.h"
 #include "desktop/view/overlay_gl.h"
 
 #include <GL/glut.h>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "view/overlay.h"
 
 // DrawGLText for a window of width x height pixels.
@@ -46,12 +47,12 @@ static void DrawLines(const OVERLAYLINE *lines, int n) {
 }
 
 void DrawInfo(void) {
-  if (!options.showinfo) return;
+  if (!sim.options.showinfo) return;
   glDisable(GL_LIGHTING);
   glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
   glColor3f(1, 1, 1);
   OVERLAYLINE lines[MAXINFOLINES];
-  int n = InfoLines(lines, MAXINFOLINES, camera.screenheight);
+  int n = InfoLines(sim, lines, MAXINFOLINES, sim.camera.screenheight);
   DrawLines(lines, n);
 }
 
@@ -73,7 +74,7 @@ void DrawStatistics(int duration) {
   double grey = decay / (double)maxduration;
   glColor3f((float)grey, (float)grey, (float)grey);
   OVERLAYLINE lines[MAXSTATSLINES];
-  int n = StatisticsLines(lines, MAXSTATSLINES, camera.screenwidth, camera.screenheight);
+  int n = StatisticsLines(sim, lines, MAXSTATSLINES, sim.camera.screenwidth, sim.camera.screenheight);
   DrawLines(lines, n);
   decay--;
 }

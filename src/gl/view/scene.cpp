@@ -17,7 +17,7 @@
 
 #include <vector>
 
-#include "app/records.h"
+#include "app/simulation.h"
 #include "gl/lib/primitives_gl.h"
 #include "lib/vector.h"
 #include "surface/stl.h"
@@ -58,15 +58,15 @@ static void LookAt(double ex, double ey, double ez, double cx, double cy, double
   glTranslated(-ex, -ey, -ez);
 }
 
-void LookThrough(const EYEVIEW *v) {
+void LookThrough(SIMULATION &sim, const EYEVIEW *v) {
   glViewport(v->x, v->y, v->width, v->height);
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
   glFrustum(v->left, v->right, v->bottom, v->top, v->near, v->far);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + camera.vd.x, v->eye.y + camera.vd.y, v->eye.z + camera.vd.z,
-         camera.vu.x, camera.vu.y, camera.vu.z);
+  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + sim.camera.vd.x, v->eye.y + sim.camera.vd.y, v->eye.z + sim.camera.vd.z,
+         sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
 }
 
 // ---------------------------------------------------------------------------
@@ -77,7 +77,7 @@ void LookThrough(const EYEVIEW *v) {
 static_assert((int)DLADRAW_TUBES == (int)STLDRAW_SOLID, "one filled mode for both drawings");
 enum { FILLED = STLDRAW_SOLID };
 
-void CreateEnvironment(int drawmode) {
+void CreateEnvironment(SIMULATION &sim, int drawmode) {
   static const GLfloat white[4] = {1, 1, 1, 1};
   static const GLfloat black[4] = {0, 0, 0, 1};
   static const GLfloat dim[4] = {0.1f, 0.1f, 0.1f, 1};
@@ -121,12 +121,12 @@ void CreateEnvironment(int drawmode) {
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
     // Given in the current eye's model-view, so the lights stay fixed in
     // model space.
-    glLightfv(GL_LIGHT0, GL_POSITION, options.light0position);
+    glLightfv(GL_LIGHT0, GL_POSITION, sim.options.light0position);
     glLightfv(GL_LIGHT0, GL_AMBIENT, dim);
     glLightfv(GL_LIGHT0, GL_DIFFUSE, white);
     glLightfv(GL_LIGHT0, GL_SPECULAR, black);
     glEnable(GL_LIGHT0);
-    glLightfv(GL_LIGHT1, GL_POSITION, options.light1position);
+    glLightfv(GL_LIGHT1, GL_POSITION, sim.options.light1position);
     glLightfv(GL_LIGHT1, GL_AMBIENT, dim);
     glLightfv(GL_LIGHT1, GL_DIFFUSE, white);
     glLightfv(GL_LIGHT1, GL_SPECULAR, black);
@@ -141,8 +141,8 @@ void CreateEnvironment(int drawmode) {
 // ---------------------------------------------------------------------------
 // [SECTION] Aggregate
 
-static void CellColour(int i, int drawmode) {
-  COLOUR c = ChooseColour(i, drawmode);
+static void CellColour(SIMULATION &sim, int i, int drawmode) {
+  COLOUR c = ChooseColour(sim, i, drawmode);
   glColor3f(c.r, c.g, c.b);
 }
 
@@ -200,12 +200,12 @@ static int SameCell(const CELL &a, const CELL &b) {
 // by that cell. Anything else (a restart, new roots, the storage grown ahead)
 // adds up differently. The last converted cell is compared too, a cheap guard
 // against a restart whose changes happen to add up to the same count.
-static int OnlyAppended(const DLAARRAYS &a) {
-  int size = (int)cells.size();
-  if (ncells < a.n || size < a.size) return 0;
-  unsigned appends = (unsigned)(ncells - a.n) + (unsigned)(size - a.size);
-  if (cellsrevision - a.revision != appends) return 0;
-  return a.n == 0 || SameCell(cells[a.n - 1], a.last);
+static int OnlyAppended(SIMULATION &sim, const DLAARRAYS &a) {
+  int size = (int)sim.cells.size();
+  if (sim.ncells < a.n || size < a.size) return 0;
+  unsigned appends = (unsigned)(sim.ncells - a.n) + (unsigned)(size - a.size);
+  if (sim.cellsrevision - a.revision != appends) return 0;
+  return a.n == 0 || SameCell(sim.cells[a.n - 1], a.last);
 }
 
 static void ForgetShown(DLAARRAYS &a) {
@@ -218,16 +218,16 @@ static void ForgetShown(DLAARRAYS &a) {
   a.uploaded = 0;
 }
 
-static void SyncDLAArrays(void) {
+static void SyncDLAArrays(SIMULATION &sim) {
   DLAARRAYS &a = dlaarrays;
-  if (!OnlyAppended(a)) {
+  if (!OnlyAppended(sim, a)) {
     a.ndrawn = 0;
     a.n = 0;
     ForgetShown(a);
   }
   int count = a.ndrawn;
-  for (int i = a.n; i < ncells; i++)
-    if (cells[i].parent >= 0) count++;
+  for (int i = a.n; i < sim.ncells; i++)
+    if (sim.cells[i].parent >= 0) count++;
   a.xyz.resize(6 * (size_t)count);
   a.index.resize(count);
   a.weight.resize(count, NAN);
@@ -235,10 +235,10 @@ static void SyncDLAArrays(void) {
 
   GLfloat *v = a.xyz.data() + 6 * (size_t)a.ndrawn;
   int k = a.ndrawn;
-  for (int i = a.n; i < ncells; i++) {
-    if (cells[i].parent < 0) continue;  // roots are not drawn
-    const XYZ &p = cells[i].p;
-    const XYZ &q = cells[cells[i].parent].p;
+  for (int i = a.n; i < sim.ncells; i++) {
+    if (sim.cells[i].parent < 0) continue;  // roots are not drawn
+    const XYZ &p = sim.cells[i].p;
+    const XYZ &q = sim.cells[sim.cells[i].parent].p;
     v[0] = p.x;
     v[1] = p.y;
     v[2] = p.z;
@@ -251,10 +251,10 @@ static void SyncDLAArrays(void) {
     k++;
   }
   a.ndrawn = count;
-  a.n = ncells;
-  a.size = (int)cells.size();
-  a.revision = cellsrevision;
-  if (ncells > 0) a.last = cells[ncells - 1];
+  a.n = sim.ncells;
+  a.size = (int)sim.cells.size();
+  a.revision = sim.cellsrevision;
+  if (sim.ncells > 0) a.last = sim.cells[sim.ncells - 1];
 }
 
 // Bit k set: the clip-space point lies beyond plane k (x > w, x < -w, y,
@@ -310,30 +310,30 @@ static void PutColour(GLfloat *c, COLOUR k) {
 // depends on the weight and maxweight alone: while maxweight holds, only
 // cells whose weight moved are coloured again. Sets rgbstale when a colour
 // was written.
-static void UpdateDLAColours(int drawmode) {
+static void UpdateDLAColours(SIMULATION &sim, int drawmode) {
   DLAARRAYS &a = dlaarrays;
   int nshown = (int)a.shown.size();
-  int byroot = ColourByRoot(drawmode);
-  if (byroot != a.byroot || (byroot && growthstate.nroots != a.nroots)) a.coloured = 0;
+  int byroot = ColourByRoot(sim, drawmode);
+  if (byroot != a.byroot || (byroot && sim.growthstate.nroots != a.nroots)) a.coloured = 0;
   a.byroot = byroot;
-  a.nroots = growthstate.nroots;
+  a.nroots = sim.growthstate.nroots;
 
   if (byroot) {
     for (int s = a.coloured; s < nshown; s++)
-      PutColour(&a.srgb[6 * (size_t)s], ChooseColour(a.index[a.shown[s]], drawmode));
+      PutColour(&a.srgb[6 * (size_t)s], ChooseColour(sim, a.index[a.shown[s]], drawmode));
     if (a.coloured < nshown) a.rgbstale = 1;
     a.coloured = nshown;
     return;
   }
 
-  if (growthstate.maxweight != a.maxweight) a.coloured = 0;
-  a.maxweight = growthstate.maxweight;
-  double top = log(growthstate.maxweight / 3 + 1);
+  if (sim.growthstate.maxweight != a.maxweight) a.coloured = 0;
+  a.maxweight = sim.growthstate.maxweight;
+  double top = log(sim.growthstate.maxweight / 3 + 1);
   COLOUR tip = GetColour(0, 0, top, 1);  // weight 0, the tips: one colour
   int changed = 0;
   for (int s = 0; s < nshown; s++) {
     int k = a.shown[s];
-    double w = cells[a.index[k]].weight;
+    double w = sim.cells[a.index[k]].weight;
     if (s < a.coloured && w == a.sweight[s]) continue;
     if (w != a.weight[k]) {
       a.weight[k] = w;
@@ -348,10 +348,10 @@ static void UpdateDLAColours(int drawmode) {
   a.coloured = nshown;
 }
 
-void UpdateDLAArrays(int drawmode) {
-  SyncDLAArrays();
+void UpdateDLAArrays(SIMULATION &sim, int drawmode) {
+  SyncDLAArrays(sim);
   SyncShown();
-  UpdateDLAColours(drawmode);
+  UpdateDLAColours(sim, drawmode);
 }
 
 // Brings the buffer objects up to date: new positions appended, the colours
@@ -391,8 +391,8 @@ static void UploadDLABuffers(void) {
   }
 }
 
-static void DrawDLAArrays(int drawmode) {
-  UpdateDLAArrays(drawmode);
+static void DrawDLAArrays(SIMULATION &sim, int drawmode) {
+  UpdateDLAArrays(sim, drawmode);
   DLAARRAYS &a = dlaarrays;
   if (a.ndrawn == 0) return;
   int nshown = (int)a.shown.size();
@@ -417,7 +417,7 @@ static void DrawDLAArrays(int drawmode) {
 
   // Drawing from a colour array leaves the current colour undefined; the
   // immediate mode leaves the last cell's, which later drawing may rely on.
-  COLOUR last = ChooseColour(a.index[a.ndrawn - 1], drawmode);
+  COLOUR last = ChooseColour(sim, a.index[a.ndrawn - 1], drawmode);
   glColor3f(last.r, last.g, last.b);
 }
 
@@ -435,33 +435,33 @@ static void KeepFrameMemory(void) {
   kept = 1;
 }
 
-void DrawDLA(int drawmode) {
+void DrawDLA(SIMULATION &sim, int drawmode) {
   if (drawmode < DLADRAW_POINTS || drawmode > DLADRAW_TUBES) return;
   KeepFrameMemory();
-  CreateEnvironment(drawmode);
+  CreateEnvironment(sim, drawmode);
 
   if ((drawmode == DLADRAW_POINTS || drawmode == DLADRAW_LINES) && !drawimmediate) {
-    DrawDLAArrays(drawmode);
+    DrawDLAArrays(sim, drawmode);
     return;
   }
 
   switch (drawmode) {
     case DLADRAW_POINTS:
       glBegin(GL_POINTS);
-      for (int i = 0; i < ncells; i++) {
-        if (cells[i].parent < 0) continue;  // roots are not drawn
-        CellColour(i, DLADRAW_POINTS);
-        Vertex(cells[i].p);
+      for (int i = 0; i < sim.ncells; i++) {
+        if (sim.cells[i].parent < 0) continue;  // roots are not drawn
+        CellColour(sim, i, DLADRAW_POINTS);
+        Vertex(sim.cells[i].p);
       }
       glEnd();
       break;
     case DLADRAW_LINES:
       glBegin(GL_LINES);
-      for (int i = 0; i < ncells; i++) {
-        if (cells[i].parent < 0) continue;
-        CellColour(i, DLADRAW_LINES);
-        Vertex(cells[i].p);
-        Vertex(cells[cells[i].parent].p);
+      for (int i = 0; i < sim.ncells; i++) {
+        if (sim.cells[i].parent < 0) continue;
+        CellColour(sim, i, DLADRAW_LINES);
+        Vertex(sim.cells[i].p);
+        Vertex(sim.cells[sim.cells[i].parent].p);
       }
       glEnd();
       break;
@@ -469,14 +469,14 @@ void DrawDLA(int drawmode) {
       // Radius grows with the logarithm of the weight, from thickend at
       // weight 0 to thickstart at maxweight. maxweight 0 is not guarded:
       // there is then no non-root cell to draw.
-      const GROWTHSTATE &g = growthstate;
+      const GROWTHSTATE &g = sim.growthstate;
       double scale = (g.thickstart - g.thickend) / log(g.maxweight + 1);
-      for (int i = 0; i < ncells; i++) {
-        int j = cells[i].parent;
+      for (int i = 0; i < sim.ncells; i++) {
+        int j = sim.cells[i].parent;
         if (j < 0) continue;
-        CellColour(i, DLADRAW_TUBES);
-        CreateCone(cells[j].p, cells[i].p, log(cells[j].weight + 1) * scale + g.thickend,
-                   log(cells[i].weight + 1) * scale + g.thickend, 10, 0, TWOPI);
+        CellColour(sim, i, DLADRAW_TUBES);
+        CreateCone(sim.cells[j].p, sim.cells[i].p, log(sim.cells[j].weight + 1) * scale + g.thickend,
+                   log(sim.cells[i].weight + 1) * scale + g.thickend, 10, 0, TWOPI);
       }
       break;
     }
@@ -488,11 +488,11 @@ void DrawDLA(int drawmode) {
 // ---------------------------------------------------------------------------
 // [SECTION] Constraint surface
 
-void DrawSTL(int drawmode, int rebuild) {
+void DrawSTL(SIMULATION &sim, int drawmode, int rebuild) {
   static int listindex = -1;
 
   if (drawmode < STLDRAW_WIREFRAME || drawmode > STLDRAW_SOLID) return;  // the list is kept
-  CreateEnvironment(drawmode);
+  CreateEnvironment(sim, drawmode);
   if (!rebuild && listindex >= 0) {
     glCallList(listindex);
     return;
@@ -506,27 +506,27 @@ void DrawSTL(int drawmode, int rebuild) {
     case STLDRAW_WIREFRAME:
       glColor3f(0.5, 0.5, 0.5);
       glBegin(GL_TRIANGLES);
-      for (int i = 0; i < nstltri; i++)
-        for (int k = 0; k < 3; k++) Vertex(stltri[i].p[k]);
+      for (int i = 0; i < sim.nstltri; i++)
+        for (int k = 0; k < 3; k++) Vertex(sim.stltri[i].p[k]);
       break;
     case STLDRAW_MIDPOINTS:
       glColor3f(1, 1, 1);
       glBegin(GL_POINTS);
-      for (int i = 0; i < nstltri; i++) Vertex(stltri[i].mid);
+      for (int i = 0; i < sim.nstltri; i++) Vertex(sim.stltri[i].mid);
       break;
     case STLDRAW_VERTICES:
       glColor3f(1, 1, 1);
       glBegin(GL_POINTS);
-      for (int i = 0; i < nstltri; i++)
-        for (int k = 0; k < 3; k++) Vertex(stltri[i].p[k]);
+      for (int i = 0; i < sim.nstltri; i++)
+        for (int k = 0; k < 3; k++) Vertex(sim.stltri[i].p[k]);
       break;
     case STLDRAW_SOLID:
       glColor3f(0.5, 0.5, 0.5);
       glBegin(GL_TRIANGLES);
-      for (int i = 0; i < nstltri; i++) {
+      for (int i = 0; i < sim.nstltri; i++) {
         for (int k = 0; k < 3; k++) {
-          glNormal3f(stltri[i].n.x, stltri[i].n.y, stltri[i].n.z);
-          Vertex(stltri[i].p[k]);
+          glNormal3f(sim.stltri[i].n.x, sim.stltri[i].n.y, sim.stltri[i].n.z);
+          Vertex(sim.stltri[i].p[k]);
         }
       }
       break;
@@ -553,9 +553,9 @@ static void Circle(int plane, double r) {
   glEnd();
 }
 
-void DrawExtras(void) {
-  if (!options.showextras) return;
-  double r = growthstate.radius;
+void DrawExtras(SIMULATION &sim) {
+  if (!sim.options.showextras) return;
+  double r = sim.growthstate.radius;
 
   glDisable(GL_LIGHTING);
   glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
@@ -579,20 +579,20 @@ void DrawExtras(void) {
 
   glColor3f(1, 0.5, 0.5);
   glBegin(GL_POINTS);
-  for (int i = 0; i < nseeds && i < NSEEDS; i++) Vertex(seeds[i]);
+  for (int i = 0; i < sim.nseeds && i < NSEEDS; i++) Vertex(sim.seeds[i]);
   glEnd();
 
   // The spheres are drawn in line mode: wire spheres.
-  double sr = growthstate.branchlength / 5;
-  for (int i = 0; i < growthstate.nroots && i < ncells; i++) {
+  double sr = sim.growthstate.branchlength / 5;
+  for (int i = 0; i < sim.growthstate.nroots && i < sim.ncells; i++) {
     // Mode 1 gives the root colour when roots are coloured apart (i < nroots,
     // so i mod nroots is i), else the weight colour, as the extras need.
-    CellColour(i, 1);
-    CreateSimpleSphere(cells[i].p, sr, 16, 0);
+    CellColour(sim, i, 1);
+    CreateSimpleSphere(sim.cells[i].p, sr, 16, 0);
   }
   glColor3f(1, 1, 1);
-  XYZ light0 = {options.light0position[0], options.light0position[1], options.light0position[2]};
-  XYZ light1 = {options.light1position[0], options.light1position[1], options.light1position[2]};
+  XYZ light0 = {sim.options.light0position[0], sim.options.light0position[1], sim.options.light0position[2]};
+  XYZ light1 = {sim.options.light1position[0], sim.options.light1position[1], sim.options.light1position[2]};
   CreateSimpleSphere(light0, sr, 16, 0);
   CreateSimpleSphere(light1, sr, 16, 0);
 }

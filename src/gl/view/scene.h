@@ -4,17 +4,18 @@
 #define DLA_GL_VIEW_SCENE_H
 
 #include "view/camera.h"
+#include "app/simulation.h"
 
 // Viewport, frustum and the look-at matrix of one eye (the same matrix as
 // gluLookAt); leaves the model-view current.
-void LookThrough(const EYEVIEW *view);
+void LookThrough(SIMULATION &sim, const EYEVIEW *view);
 
 // Fixed OpenGL state (depth, blending, material, lights) for a drawing mode.
-void CreateEnvironment(int drawmode);
+void CreateEnvironment(SIMULATION &sim, int drawmode);
 
 // The aggregate in a DLADRAW_* mode. Points and lines come from buffer
 // objects kept in step with the cells.
-void DrawDLA(int drawmode);
+void DrawDLA(SIMULATION &sim, int drawmode);
 
 // Non-zero draws points and lines vertex by vertex instead (glBegin/glEnd):
 // the reference the arrays must match pixel for pixel. Default 0.
@@ -26,14 +27,14 @@ extern int drawimmediate;
 // current) and works out their colours for DLADRAW_POINTS or DLADRAW_LINES
 // (only what changed). DrawDLA does this every frame, then uploads what
 // changed to its buffer objects; declared for the benchmark.
-void UpdateDLAArrays(int drawmode);
+void UpdateDLAArrays(SIMULATION &sim, int drawmode);
 
 // The constraint surface in an STLDRAW_* mode from its display list;
 // STL_REBUILD recompiles the list for the mode without drawing.
 enum { STL_DRAW = 0, STL_REBUILD = 1 };
-void DrawSTL(int drawmode, int rebuild);
+void DrawSTL(SIMULATION &sim, int drawmode, int rebuild);
 
 // Circles, axes, release points, root and light spheres when showextras is set.
-void DrawExtras(void);
+void DrawExtras(SIMULATION &sim);
 
 #endif
