@@ -68,29 +68,34 @@ struct JOINTSHAPE {
   uint32_t index[GLTF_JOINTINDICES];
 };
 
+// Vertex j of ring k, rings numbered from south to north; ring -1 is the
+// south pole and ring GLTF_JOINTBANDS - 1 the north pole.
+uint32_t RingVertex(int k, int j) {
+  if (k < 0) return 0;
+  if (k >= GLTF_JOINTBANDS - 1) return GLTF_JOINTVERTICES - 1;
+  return 1 + k * GLTF_JOINTSIDES + j % GLTF_JOINTSIDES;
+}
+
 JOINTSHAPE MakeJointShape(void) {
   JOINTSHAPE s = {};
-  const int n = GLTF_JOINTSIDES, north = GLTF_JOINTVERTICES - 1;
   s.unit[0][2] = -1;
-  s.unit[north][2] = 1;
-  for (int b = 1; b < GLTF_JOINTBANDS; b++) {
-    double lat = TWOPI / 2 * b / GLTF_JOINTBANDS - TWOPI / 4;
-    for (int j = 0; j < n; j++) {
-      double lon = TWOPI * j / n;
-      float *u = s.unit[1 + (b - 1) * n + j];
+  s.unit[GLTF_JOINTVERTICES - 1][2] = 1;
+  for (int k = 0; k < GLTF_JOINTBANDS - 1; k++) {
+    double lat = TWOPI / 2 * (k + 1) / GLTF_JOINTBANDS - TWOPI / 4;
+    for (int j = 0; j < GLTF_JOINTSIDES; j++) {
+      double lon = TWOPI * j / GLTF_JOINTSIDES;
+      float *u = s.unit[RingVertex(k, j)];
       u[0] = (float)(cos(lat) * cos(lon)), u[1] = (float)(cos(lat) * sin(lon)), u[2] = (float)sin(lat);
     }
   }
-  // Quad (a, b, c, d) runs east along its lower ring, then back along the
-  // upper one; at the poles two of its corners are the pole.
+  // Band k's quads run east along ring k - 1, then back along ring k; at a
+  // pole the quad is one triangle.
   uint32_t *out = s.index;
-  for (int b = 0; b < GLTF_JOINTBANDS; b++)
-    for (int j = 0; j < n; j++) {
-      uint32_t lo = 1 + (b - 1) * n, hi = 1 + b * n, next = (j + 1) % n;
-      uint32_t a = b == 0 ? 0 : lo + j, bb = b == 0 ? 0 : lo + next;
-      uint32_t c = b == GLTF_JOINTBANDS - 1 ? north : hi + next, d = b == GLTF_JOINTBANDS - 1 ? north : hi + j;
-      if (b > 0) *out++ = a, *out++ = bb, *out++ = c;
-      if (b < GLTF_JOINTBANDS - 1) *out++ = a, *out++ = c, *out++ = d;
+  for (int k = 0; k < GLTF_JOINTBANDS; k++)
+    for (int j = 0; j < GLTF_JOINTSIDES; j++) {
+      uint32_t a = RingVertex(k - 1, j), b = RingVertex(k - 1, j + 1), c = RingVertex(k, j + 1), d = RingVertex(k, j);
+      if (k > 0) *out++ = a, *out++ = b, *out++ = c;
+      if (k < GLTF_JOINTBANDS - 1) *out++ = a, *out++ = c, *out++ = d;
     }
   return s;
 }
@@ -255,8 +260,8 @@ tinygltf::Material MakeMaterial(const char *name, const double *rgba, int blend)
   mat.pbrMetallicRoughness.baseColorFactor.assign(rgba, rgba + 4);
   mat.pbrMetallicRoughness.metallicFactor = 0;
   mat.pbrMetallicRoughness.roughnessFactor = 0.5;
-  mat.doubleSided = true;  // surfaces are seen from both sides, as in the window
-  if (blend) mat.alphaMode = "BLEND";
+  // The surface is seen from both sides, as in the window; the aggregate is closed.
+  if (blend) mat.alphaMode = "BLEND", mat.doubleSided = true;
   return mat;
 }
 

@@ -14,31 +14,25 @@ args = sys.argv[sys.argv.index("--") + 1:]
 path, nfacets, colouring = args[0], int(args[2]), args[3]
 csv = np.loadtxt(args[1], delimiter=",", skiprows=1, ndmin=2)
 parent, pos, weight = csv[:, 1].astype(int), csv[:, 2:5], csv[:, 5]
-root, heir = np.arange(len(csv)), np.full(len(csv), -1)
+root, heir = np.arange(len(csv)), np.full(len(csv), -1)  # heir: the heaviest child, the first of equals
 for i, q in enumerate(parent):
     root[i] = root[q] if q >= 0 else i
     if q >= 0 and (heir[q] < 0 or weight[i] > weight[heir[q]]):
         heir[q] = i
+radius = 0.01 + 0.39 * np.log(weight + 1) / (np.log(weight.max() + 1) or 1)
+children = np.bincount(parent[parent >= 0], minlength=len(csv))
 bpy.ops.wm.read_factory_settings(use_empty=True)
-errors = []
-norm = lambda v: np.linalg.norm(v, axis=-1)  # noqa: E731
-
 bpy.ops.import_scene.gltf(filepath=path)
+gltf = glTFImporter(path, {"import_user_extensions": []})  # Blender 3.4 imports no custom attribute: decode them
+gltf.read()
+attributes = {m.name: m.primitives[0].attributes for m in gltf.data.meshes}
+errors, norm = [], lambda v: np.linalg.norm(v, axis=-1)
 objects = {o.name: o for o in bpy.context.scene.objects if o.type == "MESH"}
 trees = sorted(set(root))
 names = ["root %d" % t for t in trees] if len(trees) > 1 else ["aggregate"]
 if sorted(objects) != sorted(names + (["surface"] if nfacets else [])):
     errors.append("meshes %s, expected %s and a surface: %d" % (sorted(objects), names, nfacets))
-# Blender turns glTF's y up back into the CSV's z up: the boxes agree within a tube's radius.
-co = np.array([o.matrix_world @ v.co for n, o in objects.items() if n != "surface" for v in o.data.vertices])
-if len(co) == 0 or abs(np.r_[co.min(0) - pos.min(0), co.max(0) - pos.max(0)]).max() > 0.4:
-    errors.append("aggregate's box %s, the CSV's %s" % (np.c_[co.min(0), co.max(0)].tolist() if len(co) else None,
-                                                        np.c_[pos.min(0), pos.max(0)].tolist()))
-radius = 0.01 + 0.39 * np.log(weight + 1) / (np.log(weight.max() + 1) or 1)
-children = np.bincount(parent[parent >= 0], minlength=len(csv))
-gltf = glTFImporter(path, {"import_user_extensions": []})
-gltf.read()
-attributes = {m.name: m.primitives[0].attributes for m in gltf.data.meshes}
+everything = []
 for t, name in zip(trees, names):
     # Each tube's 20 vertices (even on the start ring, odd on the end ring), then each cell's 26-vertex joint.
     o, grown, tree = objects.get(name), np.flatnonzero((root == t) & (parent >= 0)), np.flatnonzero(root == t)
@@ -48,33 +42,35 @@ for t, name in zip(trees, names):
         continue
     if len(trees) > 1 and (o.parent is None or o.parent.name != "aggregate"):
         errors.append("%s is not a child of the aggregate" % name)
-    # Every vertex lies at its radius from its ring's or joint's centre.
+    # Every vertex lies at its radius from its ring's or joint's cell; side branches start at their own radius.
     co = np.array([o.matrix_world @ v.co for v in o.data.vertices])
-    even, tubes = np.arange(20) % 2 == 0, len(grown) * 20
-    cell = np.r_[np.repeat(grown, 20), np.repeat(tree, 26)]
-    centre = np.r_[np.where(even, parent[grown][:, None], grown[:, None]).ravel(), cell[tubes:]]
-    start = np.where(heir[parent[grown]] == grown, radius[parent[grown]], radius[grown])  # side branches: their own
-    r = np.r_[np.where(even, start[:, None], radius[grown][:, None]).ravel(), radius[cell[tubes:]]]
+    even, cell = np.arange(20) % 2 == 0, np.r_[np.repeat(grown, 20), np.repeat(tree, 26)]
+    centre = np.r_[np.where(even, parent[grown][:, None], grown[:, None]).ravel(), np.repeat(tree, 26)]
+    start = np.where(heir[parent[grown]] == grown, radius[parent[grown]], radius[grown])
+    r = np.r_[np.where(even, start[:, None], radius[grown][:, None]).ravel(), radius[np.repeat(tree, 26)]]
     d = co - pos[centre]
     for v in np.flatnonzero(abs(norm(d) - r) > 1e-4)[:3]:
         errors.append("cell %d vertex %d is %g from cell %d, not %g" % (cell[v], v, norm(d[v]), centre[v], r[v]))
+    everything.append(co)
     # Each triangle winds counter-clockwise seen from outside its tube or joint.
     faces = np.array([list(f.vertices) for f in o.data.polygons])
     normal = np.array([o.matrix_world.to_3x3() @ f.normal for f in o.data.polygons])
     for f in np.flatnonzero((d[faces].mean(1) * normal).sum(-1) <= 0)[:3]:
         errors.append("cell %d: triangle %d faces inward" % (cell[faces[f, 0]], f))
     # Colours at the ends of the scales, the same in any colour space.
-    loops = np.array([loop.vertex_index for loop in o.data.loops])
+    i = cell[[loop.vertex_index for loop in o.data.loops]]
     colours = np.array([c.color[:3] for c in o.data.color_attributes[0].data])
-    i = cell[loops]
-    want = np.eye(3)[i % 3] if colouring == "root" else np.where(
-        (children[i] == 0)[:, None], (0, 0, 1), np.where((weight[i] >= weight.max() / 3)[:, None], (1, 0, 0), colours))
+    want = np.eye(3)[i % 3] if colouring == "root" else np.where((children[i] == 0)[:, None], (0, 0, 1), np.where(
+        (weight[i] >= weight.max() / 3)[:, None], (1, 0, 0), colours))
     for k in np.flatnonzero(abs(colours - want).max(1) > 0.01)[:3]:
         errors.append("cell %d coloured %s, expected %s" % (i[k], colours[k], want[k]))
-    # Blender 3.4 leaves custom attributes out of the mesh: its glTF reader decodes them.
     got = [BinaryData.decode_accessor(gltf, attributes[name][a]).ravel() for a in ("_WEIGHT", "_ROOT")]
     if not np.array_equal(got[0], weight[cell].astype(np.float32)) or not np.array_equal(got[1], root[cell]):
         errors.append("%s: _WEIGHT or _ROOT are not the cells' weights and roots" % name)
+# Blender turns glTF's y up back into the CSV's z up: the boxes agree within a tube's radius.
+co = np.vstack(everything or [np.zeros((1, 3))])
+if abs(np.r_[co.min(0) - pos.min(0), co.max(0) - pos.max(0)]).max() > 0.4:
+    errors.append("aggregate's box %s, the CSV's %s" % (np.c_[co.min(0), co.max(0)], np.c_[pos.min(0), pos.max(0)]))
 
 for e in errors[:10]:
     print("FAIL:", e)
