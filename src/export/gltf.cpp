@@ -305,12 +305,14 @@ static CELLLOOK Look(int i, const TREES &trees) {
           (float)trees.root[i]};
 }
 
+// The radius of the window's tubes and of the cone export at a cell.
+static double Radius(const CELL &c, double slope) { return log(c.weight + 1) * slope + growthstate.thickend; }
+
 // Tree t's tubes, then its joints, into the buffer; its mesh into the model.
 // view: the views of position, normal, colour, weight, root and indices.
 static int AddTree(tinygltf::Model &model, const TREES &trees, const LAYOUT &at, size_t t, const int *view) {
   unsigned char *data = model.buffers[0].data.data();
-  // The radii of the window's tubes and of the cone export.
-  double scale = RadiusSlope();
+  double slope = RadiusSlope();
   size_t v0 = trees.tube[t] * GLTF_TUBEVERTICES + trees.first[t] * GLTF_JOINTVERTICES;
   size_t i0 = trees.tube[t] * GLTF_TUBEINDICES + trees.first[t] * GLTF_JOINTINDICES;
   size_t v = v0, k = i0;
@@ -321,12 +323,13 @@ static int AddTree(tinygltf::Model &model, const TREES &trees, const LAYOUT &at,
     // The branch that carries on tapers from its parent's thickness; a side
     // branch leaves the parent's joint with its own.
     const CELL &q = cells[c.parent];
-    double r = log(c.weight + 1) * scale + growthstate.thickend;
-    double r0 = trees.heir[c.parent] == trees.cell[m] ? log(q.weight + 1) * scale + growthstate.thickend : r;
+    double r = Radius(c, slope);
+    double r0 = trees.heir[c.parent] == trees.cell[m] ? Radius(q, slope) : r;
     EmitCone(&tubesink, q.p, c.p, r0, r, GLTF_SIDES, 0, TWOPI);
     CELLLOOK look = Look(trees.cell[m], trees);
     uint32_t base = (uint32_t)(v - v0), idx[GLTF_TUBEINDICES];
-    for (int e = 0; e < GLTF_TUBEVERTICES; e++) PutVertex(data, at, v++, tube.position[e], tube.normal[e], look, &range);
+    for (int e = 0; e < GLTF_TUBEVERTICES; e++)
+      PutVertex(data, at, v++, tube.position[e], tube.normal[e], look, &range);
     // Quad s joins ring pairs s and s + 1 (2s on the parent's ring, 2s + 1
     // on the cell's); both triangles face outward.
     for (int s = 0; s < GLTF_SIDES; s++) {
@@ -340,7 +343,7 @@ static int AddTree(tinygltf::Model &model, const TREES &trees, const LAYOUT &at,
   const JOINTSHAPE &joint = JointShape();
   for (size_t m = trees.first[t]; m < trees.first[t + 1]; m++) {
     const CELL &c = cells[trees.cell[m]];
-    double r = log(c.weight + 1) * scale + growthstate.thickend;
+    double r = Radius(c, slope);
     CELLLOOK look = Look(trees.cell[m], trees);
     uint32_t base = (uint32_t)(v - v0), idx[GLTF_JOINTINDICES];
     for (int e = 0; e < GLTF_JOINTVERTICES; e++) {
@@ -368,7 +371,8 @@ static int AddTree(tinygltf::Model &model, const TREES &trees, const LAYOUT &at,
                           k - i0, 0, NULL);
   p.material = 0;
   char name[32];
-  snprintf(name, sizeof(name), trees.first.size() > 2 ? "root %d" : "aggregate", trees.root[trees.cell[trees.first[t]]]);
+  int root = trees.root[trees.cell[trees.first[t]]];
+  snprintf(name, sizeof(name), trees.first.size() > 2 ? "root %d" : "aggregate", root);
   return AddMesh(&model, name, p);
 }
 
@@ -393,8 +397,10 @@ static int AddSurface(tinygltf::Model &model, const LAYOUT &at) {
   int vpos = AddView(&model, at.facetposition, 36 * at.nfacet, TINYGLTF_TARGET_ARRAY_BUFFER, 12);
   int vnrm = AddView(&model, at.facetnormal, 36 * at.nfacet, TINYGLTF_TARGET_ARRAY_BUFFER, 12);
   tinygltf::Primitive p;
-  p.attributes["POSITION"] = AddAccessor(&model, vpos, 0, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, 3 * at.nfacet, 0, &range);
-  p.attributes["NORMAL"] = AddAccessor(&model, vnrm, 0, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, 3 * at.nfacet, 0, NULL);
+  p.attributes["POSITION"] =
+      AddAccessor(&model, vpos, 0, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, 3 * at.nfacet, 0, &range);
+  p.attributes["NORMAL"] =
+      AddAccessor(&model, vnrm, 0, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, 3 * at.nfacet, 0, NULL);
   p.material = (int)model.materials.size() - 1;
   return AddNode(&model, "surface", AddMesh(&model, "surface", p));
 }
