@@ -121,8 +121,9 @@ static const BATCHOPTION batchoptions[] = {
   {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
    "write the simulation information report"},
   {"--gltf", NULL, "PATH", BOPT_PATH, R(gltffile), 0, 0, 0, 0, "a path",
-   "write glTF 2.0: the tubes as drawn, the surface, a node per root tree; one .glb\n"
-   "                               if PATH ends in .glb, else JSON and its data beside it in NAME.bin; 800 bytes a cell"},
+   "write glTF 2.0 (y up): the tubes as drawn with a sphere at each joint, the surface, a node per\n"
+   "                               root tree, _WEIGHT and _ROOT per vertex; one .glb if PATH ends in .glb, else JSON\n"
+   "                               and its data beside it in NAME.bin; 2472 bytes a cell"},
   {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
    "write the cells as binary PLY: x, y, z, weight, root, the colour drawn, the weight as quality;\n"
    "                               the parent links as edges"},

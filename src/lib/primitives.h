@@ -3,7 +3,7 @@
 //
 // The geometry is emitted through a PRIMSINK so that it can be recorded
 // without a GL context; the desktop passes glBegin, glEnd, glNormal3f,
-// glTexCoord2f and glVertex3f straight in (see primitives_gl.h). Every value
+// glTexCoord2f and glVertex3f on (see primitives_gl.h). Every value
 // reaches the sink in single precision. Nothing here allocates.
 #ifndef DLA_LIB_PRIMITIVES_H
 #define DLA_LIB_PRIMITIVES_H
@@ -19,12 +19,14 @@
 #define PRIM_QUADS 7
 #define PRIM_QUAD_STRIP 8
 
+// Every call receives the sink's context (a recorder's storage, or NULL).
 struct PRIMSINK {
-  void (*begin)(unsigned int mode);
-  void (*end)(void);
-  void (*normal)(float x, float y, float z);
-  void (*texcoord)(float s, float t);
-  void (*vertex)(float x, float y, float z);
+  void (*begin)(void *context, unsigned int mode);
+  void (*end)(void *context);
+  void (*normal)(void *context, float x, float y, float z);
+  void (*texcoord)(void *context, float s, float t);
+  void (*vertex)(void *context, float x, float y, float z);
+  void *context;
 };
 
 // Open tube from p1 (radius r1) to p2 (radius r2), m facets covering the

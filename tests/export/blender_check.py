@@ -7,60 +7,70 @@ import bpy
 import numpy as np
 
 np.bool = bool  # Debian's Blender 3.4 importer still uses this alias, gone from numpy 1.24
+from io_scene_gltf2.io.imp.gltf2_io_binary import BinaryData  # noqa: E402
+from io_scene_gltf2.io.imp.gltf2_io_gltf import glTFImporter  # noqa: E402
 
 args = sys.argv[sys.argv.index("--") + 1:]
 path, nfacets, colouring = args[0], int(args[2]), args[3]
 csv = np.loadtxt(args[1], delimiter=",", skiprows=1, ndmin=2)
 parent, pos, weight = csv[:, 1].astype(int), csv[:, 2:5], csv[:, 5]
-root = np.arange(len(csv))
+root, heir = np.arange(len(csv)), np.full(len(csv), -1)  # heir: the heaviest child, the first of equals
 for i, q in enumerate(parent):
     root[i] = root[q] if q >= 0 else i
-grown = np.flatnonzero(parent >= 0)
+    if q >= 0 and (heir[q] < 0 or weight[i] > weight[heir[q]]):
+        heir[q] = i
+radius = 0.01 + 0.39 * np.log(weight + 1) / (np.log(weight.max() + 1) or 1)
+children = np.bincount(parent[parent >= 0], minlength=len(csv))
 bpy.ops.wm.read_factory_settings(use_empty=True)
-errors = []
-norm = lambda v: np.linalg.norm(v, axis=-1)  # noqa: E731
-
 bpy.ops.import_scene.gltf(filepath=path)
+gltf = glTFImporter(path, {"import_user_extensions": []})  # Blender 3.4 imports no custom attribute: decode them
+gltf.read()
+attributes = {m.name: m.primitives[0].attributes for m in gltf.data.meshes}
+errors, norm = [], lambda v: np.linalg.norm(v, axis=-1)
 objects = {o.name: o for o in bpy.context.scene.objects if o.type == "MESH"}
-trees = sorted(set(root[grown]))
+trees = sorted(set(root))
 names = ["root %d" % t for t in trees] if len(trees) > 1 else ["aggregate"]
 if sorted(objects) != sorted(names + (["surface"] if nfacets else [])):
     errors.append("meshes %s, expected %s and a surface: %d" % (sorted(objects), names, nfacets))
-radius = 0.01 + 0.39 * np.log(weight + 1) / np.log(weight.max() + 1)
-children = np.bincount(parent[grown], minlength=len(csv))
-even = (np.arange(20) % 2 == 0)[None, :]
+everything = []
 for t, name in zip(trees, names):
-    o, tubes = objects.get(name), grown[root[grown] == t]
-    if o is None or len(o.data.vertices) != 20 * len(tubes) or len(o.data.polygons) != 20 * len(tubes):
-        errors.append("%s: not %d vertices and triangles" % (name, 20 * len(tubes)))
+    # Each tube's 20 vertices (even on the start ring, odd on the end ring), then each cell's 26-vertex joint.
+    o, grown, tree = objects.get(name), np.flatnonzero((root == t) & (parent >= 0)), np.flatnonzero(root == t)
+    if o is None or len(o.data.vertices) != 20 * len(grown) + 26 * len(tree) or \
+            len(o.data.polygons) != 20 * len(grown) + 48 * len(tree):
+        errors.append("%s: not %d tubes and %d joints" % (name, len(grown), len(tree)))
         continue
     if len(trees) > 1 and (o.parent is None or o.parent.name != "aggregate"):
         errors.append("%s is not a child of the aggregate" % name)
-    # Blender is z up: back to the file's y up.
-    flip = lambda v: (v.x, v.z, -v.y)
-    co = np.array([flip(o.matrix_world @ v.co) for v in o.data.vertices]).reshape(-1, 20, 3)
-    a, b, q = pos[parent[tubes]][:, None], pos[tubes][:, None], parent[tubes][:, None]
-    d, r, axis = co - np.where(even[..., None], a, b), np.where(even, radius[q], radius[tubes][:, None]), b - a
-    chord = norm(co - np.roll(co, -2, axis=1))
-    bad = (abs(norm(d) - r) > 1e-4) | (abs((d * axis).sum(-1)) > 1e-4 * norm(axis)) | \
-        (abs(chord - 2 * r * np.sin(np.pi / 10)) > 1e-4)
-    for k, v in np.argwhere(bad)[:3]:
-        errors.append("cell %d vertex %d is off its ten-sided ring of radius %g" % (tubes[k], v, r[k, v]))
-    # Each triangle winds counter-clockwise seen from outside its tube.
-    normal = np.array([flip(o.matrix_world.to_3x3() @ f.normal) for f in o.data.polygons]).reshape(-1, 20, 3)
-    out = np.array([co.reshape(-1, 3)[list(f.vertices)].mean(0) for f in o.data.polygons]).reshape(-1, 20, 3) - a
-    out -= (out * axis).sum(-1)[..., None] / (axis * axis).sum(-1)[..., None] * axis
-    for k, f in np.argwhere((out * normal).sum(-1) <= 0)[:3]:
-        errors.append("cell %d: triangle %d faces inward" % (tubes[k], f))
+    # Every vertex lies at its radius from its ring's or joint's cell; side branches start at their own radius.
+    co = np.array([o.matrix_world @ v.co for v in o.data.vertices])
+    even, cell = np.arange(20) % 2 == 0, np.r_[np.repeat(grown, 20), np.repeat(tree, 26)]
+    centre = np.r_[np.where(even, parent[grown][:, None], grown[:, None]).ravel(), np.repeat(tree, 26)]
+    start = np.where(heir[parent[grown]] == grown, radius[parent[grown]], radius[grown])
+    r = np.r_[np.where(even, start[:, None], radius[grown][:, None]).ravel(), radius[np.repeat(tree, 26)]]
+    d = co - pos[centre]
+    for v in np.flatnonzero(abs(norm(d) - r) > 1e-4)[:3]:
+        errors.append("cell %d vertex %d is %g from cell %d, not %g" % (cell[v], v, norm(d[v]), centre[v], r[v]))
+    everything.append(co)
+    # Each triangle winds counter-clockwise seen from outside its tube or joint.
+    faces = np.array([list(f.vertices) for f in o.data.polygons])
+    normal = np.array([o.matrix_world.to_3x3() @ f.normal for f in o.data.polygons])
+    for f in np.flatnonzero((d[faces].mean(1) * normal).sum(-1) <= 0)[:3]:
+        errors.append("cell %d: triangle %d faces inward" % (cell[faces[f, 0]], f))
     # Colours at the ends of the scales, the same in any colour space.
-    colours = o.data.color_attributes[0].data
-    for loop in o.data.loops:
-        i, c = tubes[loop.vertex_index // 20], np.array(colours[loop.index].color[:3])
-        want = np.eye(3)[i % 3] if colouring == "root" else (0, 0, 1) if children[i] == 0 else \
-            (1, 0, 0) if weight[i] >= weight.max() / 3 else c
-        if abs(c - want).max() > 0.01:
-            errors.append("cell %d coloured %s, expected %s" % (i, c, want))
-            break
+    i = cell[[loop.vertex_index for loop in o.data.loops]]
+    colours = np.array([c.color[:3] for c in o.data.color_attributes[0].data])
+    want = np.eye(3)[i % 3] if colouring == "root" else np.where((children[i] == 0)[:, None], (0, 0, 1), np.where(
+        (weight[i] >= weight.max() / 3)[:, None], (1, 0, 0), colours))
+    for k in np.flatnonzero(abs(colours - want).max(1) > 0.01)[:3]:
+        errors.append("cell %d coloured %s, expected %s" % (i[k], colours[k], want[k]))
+    got = [BinaryData.decode_accessor(gltf, attributes[name][a]).ravel() for a in ("_WEIGHT", "_ROOT")]
+    if not np.array_equal(got[0], weight[cell].astype(np.float32)) or not np.array_equal(got[1], root[cell]):
+        errors.append("%s: _WEIGHT or _ROOT are not the cells' weights and roots" % name)
+# Blender turns glTF's y up back into the CSV's z up: the boxes agree within a tube's radius.
+co = np.vstack(everything or [np.zeros((1, 3))])
+if abs(np.r_[co.min(0) - pos.min(0), co.max(0) - pos.max(0)]).max() > 0.4:
+    errors.append("aggregate's box %s, the CSV's %s" % (np.c_[co.min(0), co.max(0)], np.c_[pos.min(0), pos.max(0)]))
 
 for e in errors[:10]:
     print("FAIL:", e)

@@ -1,5 +1,5 @@
 // node gltf_validate.js FILE: Khronos's validator. Prints "FILE errors E warnings W
-// infos I vertices V triangles T", then every error and warning; exits 1 on any.
+// infos I", then every error and warning; exits 1 on any.
 'use strict';
 const fs = require('fs');
 const path = require('path');
@@ -15,8 +15,7 @@ validator.validateBytes(new Uint8Array(fs.readFileSync(file)), {
     fs.promises.readFile(path.join(path.dirname(file), decodeURIComponent(uri))).then((b) => new Uint8Array(b)),
 }).then((report) => {
   const n = report.issues;
-  console.log(`${file} errors ${n.numErrors} warnings ${n.numWarnings} infos ${n.numInfos} ` +
-              `vertices ${report.info.totalVertexCount} triangles ${report.info.totalTriangleCount}`);
+  console.log(`${file} errors ${n.numErrors} warnings ${n.numWarnings} infos ${n.numInfos}`);
   for (const m of n.messages) {
     if (m.severity <= 1) console.log(`  ${m.severity ? 'warning' : 'error'} ${m.code} ${m.pointer || ''}: ${m.message}`);
   }

@@ -179,18 +179,19 @@ std::vector<BATCH> batches;
 VERT cur;       // its normal and texture coordinate
 int misplaced;  // calls outside a begin/end pair
 bool inside;
-const PRIMSINK recorder = {[](unsigned m) {
+const PRIMSINK recorder = {[](void *, unsigned m) {
                              misplaced += inside;
                              inside = true;
                              batches.push_back({m, {}});
                            },
-                           [] {
+                           [](void *) {
                              misplaced += !inside;
                              inside = false;
                            },
-                           [](float x, float y, float z) {
+                           [](void *, float x, float y, float z) {
                              misplaced += !inside;
-                             cur = {0, 0, 0, x, y, z, cur.s, cur.t};
+                             cur = {0, 0, 0, x, y, z, cur.s, cur.t,
+                           NULL};
                            },
                            [](float s, float t) {
                              misplaced += !inside;

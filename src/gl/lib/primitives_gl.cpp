@@ -11,7 +11,13 @@ static_assert(PRIM_POINTS == GL_POINTS && PRIM_LINES == GL_LINES &&
                   PRIM_QUAD_STRIP == GL_QUAD_STRIP,
               "PRIM_* must equal the GL batch modes");
 
-static const PRIMSINK glsink = {glBegin, glEnd, glNormal3f, glTexCoord2f, glVertex3f};
+static void GlBegin(void *, unsigned int mode) { glBegin(mode); }
+static void GlEnd(void *) { glEnd(); }
+static void GlNormal(void *, float x, float y, float z) { glNormal3f(x, y, z); }
+static void GlTexCoord(void *, float s, float t) { glTexCoord2f(s, t); }
+static void GlVertex(void *, float x, float y, float z) { glVertex3f(x, y, z); }
+
+static const PRIMSINK glsink = {GlBegin, GlEnd, GlNormal, GlTexCoord, GlVertex, NULL};
 
 void CreateCone(XYZ p1, XYZ p2, double r1, double r2, int m, double theta1, double theta2) {
   EmitCone(&glsink, p1, p2, r1, r2, m, theta1, theta2);
