@@ -190,17 +190,17 @@ const PRIMSINK recorder = {[](void *, unsigned m) {
                            },
                            [](void *, float x, float y, float z) {
                              misplaced += !inside;
-                             cur = {0, 0, 0, x, y, z, cur.s, cur.t,
-                           NULL};
+                             cur = {0, 0, 0, x, y, z, cur.s, cur.t};
                            },
-                           [](float s, float t) {
+                           [](void *, float s, float t) {
                              misplaced += !inside;
                              cur = {0, 0, 0, cur.nx, cur.ny, cur.nz, s, t};
                            },
-                           [](float x, float y, float z) {
+                           [](void *, float x, float y, float z) {
                              misplaced += !inside;
                              batches.back().v.push_back({x, y, z, cur.nx, cur.ny, cur.nz, cur.s, cur.t});
-                           }};
+                           },
+                           NULL};
 
 std::vector<BATCH> Record(const std::function<void()> &f) {
   batches.clear();
