@@ -110,16 +110,26 @@ static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
 #define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
 #define STANDIN_REACHES 4   // how far a cell left out of the coarse field may lie from the cell it holds
 
-// The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP.
-static uint8_t fieldroot[FIELD_CAP * FIELD_CAP + 1];
+// The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP:
+// made once, read only.
+struct ROOTTABLE {
+  uint8_t q[FIELD_CAP * FIELD_CAP + 1];
+};
+static const uint8_t *FieldRoots(void) {
+  static const ROOTTABLE table = [] {
+    ROOTTABLE t;
+    for (int m = 0; m <= FIELD_CAP * FIELD_CAP; m++) {
+      int q = (int)sqrt((double)m);
+      while (q * q > m) q--;
+      while ((q + 1) * (q + 1) <= m) q++;
+      t.q[m] = (uint8_t)(q < FIELD_CAP ? q : FIELD_CAP);
+    }
+    return t;
+  }();
+  return table.q;
+}
 
 static void FieldReset(FIELD *f, int tag, double v) {
-  for (int m = 0; m <= FIELD_CAP * FIELD_CAP; m++) {
-    int q = (int)sqrt((double)m);
-    while (q * q > m) q--;
-    while ((q + 1) * (q + 1) <= m) q++;
-    fieldroot[m] = (uint8_t)(q < FIELD_CAP ? q : FIELD_CAP);
-  }
   f->tag = tag;
   f->v = v;
   f->invv = 1 / v;
@@ -264,6 +274,7 @@ static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2
   double scale = (1 - 1e-9) / (f->unit * f->unit);
   int b = Brick(f, lo[0] + r.i0, lo[1] + r.j0, lo[2] + r.k0, 1);
   uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+  const uint8_t *fieldroot = FieldRoots();
   for (int i = r.i0; i < r.i1; i++) {
     if (g2[0][i] >= cap2) continue;
     for (int j = r.j0; j < r.j1; j++) {
