@@ -16,9 +16,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#include "desktop/app/desktop.h"
 #include "app/simulation.h"
 #include "app/startup.h"
+#include "desktop/app/desktop.h"
 #include "desktop/growth/idle.h"
 #include "desktop/view/display.h"
 #include "growth/growth.h"

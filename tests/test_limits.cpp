@@ -34,7 +34,7 @@ TEST_F(Limits, AMillionRootsAndAMillionFacets) {
   ASSERT_EQ(sim.ncells, 1000000);
   EXPECT_XYZ(sim.roots[123456], 456, -123, 0.5, 0);
   EXPECT_DOUBLE_EQ(sim.growthstate.radius, sqrt(999.0 * 999.0 * 2 + 0.25));
-  EXPECT_LE(sim.cells.capacity(), 2000016u);      // amortised: at most double
+  EXPECT_LE(sim.cells.capacity(), 2000016u);  // amortised: at most double
   fp = fopen((s / "big.stl").c_str(), "wb");  // facet i at x = i % 1000, z = i / 1000, facing +z
   uint32_t n = 1000000;
   fwrite(std::string(80, ' ').data(), 80, 1, fp);
@@ -62,7 +62,8 @@ TEST_F(Limits, LongPathsAndUnwritableDirectories) {
   EXPECT_EQ(ReadRootsFile(sim, path.c_str(), &msg) + ReadSTLFile(sim, path.c_str(), &msg), 0);
   EXPECT_EQ(std::string(msg.line3), path.substr(0, 255));
   WriteFile(path, "solid t\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n");
-  EXPECT_NE(DebugOutput(sim, [&] { EXPECT_EQ(ReadSTLFile(sim, path.c_str(), &msg), 1); }).find(path + "\n"), std::string::npos);
+  EXPECT_NE(DebugOutput(sim, [&] { EXPECT_EQ(ReadSTLFile(sim, path.c_str(), &msg), 1); }).find(path + "\n"),
+            std::string::npos);
   WriteFile(path, "1 2 3\n");
   sim.growthstate.rootdistribution = ROOT_SPHERICAL;
   EXPECT_EQ(ReadRootsFile(sim, path.c_str(), &msg), 1);

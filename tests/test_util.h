@@ -92,7 +92,6 @@ inline long Steps(SIMULATION &sim, long run) {
   return 1;
 }
 
-
 // dla3d-batch with the words of line (split at spaces) as its arguments:
 // parsed into *parsed (when given), then run unless parse_only or refused. Its
 // status; what it writes in *err.
@@ -129,7 +128,8 @@ inline void StartGrowth(SIMULATION &sim, const std::string &settings) {
 inline uint64_t AggregateHash(SIMULATION &sim) {
   uint64_t h = 1469598103934665603ULL;
   for (int i = 0; i < sim.ncells; i++) {
-    double d[5] = {sim.cells[i].p.x, sim.cells[i].p.y, sim.cells[i].p.z, sim.cells[i].weight, (double)sim.cells[i].parent};
+    double d[5] = {sim.cells[i].p.x, sim.cells[i].p.y, sim.cells[i].p.z, sim.cells[i].weight,
+                   (double)sim.cells[i].parent};
     const unsigned char *b = (const unsigned char *)d;
     for (size_t k = 0; k < sizeof(d); k++) h = (h ^ b[k]) * 1099511628211ULL;
   }

@@ -29,16 +29,16 @@ struct HASHTABLE {
 // of the voxel to the nearest cell, up to 96 steps (6 voxels). A
 // voxel with no brick has no cell within the cap.
 struct FIELD {
-  int tag;                   // key level of its bricks
+  int tag;  // key level of its bricks
   double v, invv, unit;
   // Brick numbers (-1: none) of the bricks -half .. half - 1 along each
   // axis, x slowest: one read, and small enough to stay in cache. Bricks
   // beyond go to the hash table.
   std::vector<int> directory;
   int half;
-  HASHTABLE bricks;          // brick coordinates to brick numbers, outside the directory
+  HASHTABLE bricks;  // brick coordinates to brick numbers, outside the directory
   std::vector<uint8_t> data;
-  uint64_t lastkey;          // the brick used last
+  uint64_t lastkey;  // the brick used last
   int lastbrick;
 };
 
@@ -69,7 +69,7 @@ struct SEARCHINDEX {
   // exact walk).
   std::vector<double> owed;
   int owing;
-  HASHTABLE buckets;  // level 0: newest cell of the bucket
+  HASHTABLE buckets;   // level 0: newest cell of the bucket
   HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
   // Levels 4 and up, which the fast walk climbs far from the cells: one bit
   // a block in a cube around the origin, which stays in cache; the blocks

@@ -1,5 +1,6 @@
-// The global records every module reads and writes in place. One GUI thread
-// (or one batch run) owns them, so there are no accessors and no locks.
+// The records of the program: their fields are read and written in place,
+// with no accessors. They are fields of one SIMULATION (app/simulation.h),
+// which every core function is handed.
 #ifndef DLA_APP_RECORDS_H
 #define DLA_APP_RECORDS_H
 
@@ -140,7 +141,6 @@ enum { STEREO_MONO = 0, STEREO_ACTIVE = 1, STEREO_DUAL = 2 };
 // The most roots the settings can ask for. Every restart keeps that many
 // cells, so a count in the billions would exhaust memory before any growth.
 #define MAXROOTS 1000000
-
 
 extern const int versionid;
 

@@ -40,7 +40,7 @@ struct BOXCOUNT {
   XYZ p0, p1;              // low and high corner of the box being tested
   std::vector<BOX> boxes;  // occupied boxes of this level; storage reused per level
   int nboxes;
-  int save1, save2;        // stldrawmode and dladrawmode before the count
+  int save1, save2;  // stldrawmode and dladrawmode before the count
 };
 
 // Which segments may meet a box. LineInBox accepts a segment only for a point
@@ -65,12 +65,12 @@ struct SEGMENTGRID {
 
 // The growth as the summary sees it, kept by the caller of the growth loop.
 struct GROWTHLOG {
-  double start;                // GetRunTime() at StartGrowthLog
-  double growthseconds;        // wall time from the start to the last LogGrowth
-  long long steps;             // growth steps taken, as last logged
-  int next;                    // cell count of the next checkpoint
-  std::vector<int> n;          // checkpoints: cell counts ...
-  std::vector<double> rg;      // ... and the radius of gyration there
+  double start;            // GetRunTime() at StartGrowthLog
+  double growthseconds;    // wall time from the start to the last LogGrowth
+  long long steps;         // growth steps taken, as last logged
+  int next;                // cell count of the next checkpoint
+  std::vector<int> n;      // checkpoints: cell counts ...
+  std::vector<double> rg;  // ... and the radius of gyration there
 };
 
 // Child lists of the aggregate for the slicing walk of one slab

@@ -510,7 +510,8 @@ void FormatProgress(char *line, int size, double fraction, int cells, double rat
 
 // The share of the run done: of the cells, or of the step limit when that
 // comes first. The time left assumes the rate so far.
-static void ShowProgress(SIMULATION &sim, FILE *err, const BATCHRUN *run, long long step, int startcells, double seconds, int done) {
+static void ShowProgress(SIMULATION &sim, FILE *err, const BATCHRUN *run, long long step, int startcells,
+                         double seconds, int done) {
   double f = run->cells > 0 ? (double)sim.ncells / run->cells : 1;
   if (run->steps > 0 && (double)step / run->steps > f) f = (double)step / run->steps;
   double rate = seconds > 0 ? (sim.ncells - startcells) / seconds : 0;
@@ -608,8 +609,10 @@ static int CheckReachable(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
   // With association the next cell must join root class ncells mod nroots,
   // and no cell of that class exists while ncells < nroots.
   if (g.associate && sim.ncells < g.nroots) {
-    fprintf(err, "%s: --associate with %d roots but %d placed: the next cell must join root class %d, "
-            "which has no cell (give --steps N to run anyway)\n", programname, g.nroots, sim.ncells, sim.ncells);
+    fprintf(err,
+            "%s: --associate with %d roots but %d placed: the next cell must join root class %d, "
+            "which has no cell (give --steps N to run anyway)\n",
+            programname, g.nroots, sim.ncells, sim.ncells);
     return BATCH_USAGE;
   }
   return BATCH_OK;

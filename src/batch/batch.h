@@ -86,7 +86,6 @@ void WriteBatchUsage(FILE *fp, const char *programname);
 // writes every file and returns BATCH_STALLED.
 int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err);
 
-
 // The whole program: options, usage or the run. Returns the exit status.
 int BatchMain(int argc, char **argv, BATCHPICTURE picture);
 

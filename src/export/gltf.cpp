@@ -301,16 +301,20 @@ struct FILEBUF : std::streambuf {
 
 static CELLLOOK Look(SIMULATION &sim, int i, const TREES &trees) {
   COLOUR colour = ChooseColour(sim, i, sim.options.dladrawmode);
-  return {{LinearByte(colour.r), LinearByte(colour.g), LinearByte(colour.b), 255}, (float)sim.cells[i].weight,
+  return {{LinearByte(colour.r), LinearByte(colour.g), LinearByte(colour.b), 255},
+          (float)sim.cells[i].weight,
           (float)trees.root[i]};
 }
 
 // The radius of the window's tubes and of the cone export at a cell.
-static double Radius(SIMULATION &sim, const CELL &c, double slope) { return log(c.weight + 1) * slope + sim.growthstate.thickend; }
+static double Radius(SIMULATION &sim, const CELL &c, double slope) {
+  return log(c.weight + 1) * slope + sim.growthstate.thickend;
+}
 
 // Tree t's tubes, then its joints, into the buffer; its mesh into the model.
 // view: the views of position, normal, colour, weight, root and indices.
-static int AddTree(SIMULATION &sim, tinygltf::Model &model, const TREES &trees, const LAYOUT &at, size_t t, const int *view) {
+static int AddTree(SIMULATION &sim, tinygltf::Model &model, const TREES &trees, const LAYOUT &at, size_t t,
+                   const int *view) {
   unsigned char *data = model.buffers[0].data.data();
   double slope = RadiusSlope(sim);
   size_t v0 = trees.tube[t] * GLTF_TUBEVERTICES + trees.first[t] * GLTF_JOINTVERTICES;

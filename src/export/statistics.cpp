@@ -7,9 +7,6 @@
 #include "app/simulation.h"
 #include "surface/constraint.h"
 
-
-
-
 static void FreeSegmentGrid(SIMULATION &sim) {
   SEGMENTGRID &s = sim.segmentgrid;
   s.built = 0;
@@ -82,7 +79,9 @@ static void BuildSegmentGrid(SIMULATION &sim) {
     if (where[k] >= 0) s.segs[next[where[k]]++] = list[k];
 }
 
-static int SegmentMeets(SIMULATION &sim, int i, XYZ p0, XYZ p1) { return LineInBox(p0, p1, sim.cells[i].p, sim.cells[sim.cells[i].parent].p); }
+static int SegmentMeets(SIMULATION &sim, int i, XYZ p0, XYZ p1) {
+  return LineInBox(p0, p1, sim.cells[i].p, sim.cells[sim.cells[i].parent].p);
+}
 
 // 1 when some segment meets the box p0-p1, as LineInBox judges it.
 static int BoxOccupied(SIMULATION &sim, XYZ p0, XYZ p1) {

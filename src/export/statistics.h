@@ -15,9 +15,6 @@
 #include "app/simulation.h"
 #include "lib/vector.h"
 
-
-
-
 // Adds the child counts of all cells to stats.branchcount (never cleared),
 // sets calcstats = 1 and timestep = ncells, then starts the box count and
 // performs its first step (which may already end it).

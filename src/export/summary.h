@@ -10,7 +10,6 @@
 
 #include "app/simulation.h"
 
-
 // Checkpoints are log-spaced, ten per decade from this cell count on.
 #define GROWTHLOG_FIRST 100
 

@@ -55,7 +55,9 @@ void ReadThickEndText(SIMULATION &sim, const char *text) { sim.growthstate.thick
 
 void ReadThickStartText(SIMULATION &sim, const char *text) { sim.growthstate.thickstart = Positive(Number(text)); }
 
-void ReadIntersectRangeText(SIMULATION &sim, const char *text) { sim.growthstate.intersectrange = Clamp(Number(text), 0, 90); }
+void ReadIntersectRangeText(SIMULATION &sim, const char *text) {
+  sim.growthstate.intersectrange = Clamp(Number(text), 0, 90);
+}
 
 static void RestartWithNewRoots(SIMULATION &sim) {
   InitialiseGrowth(sim);

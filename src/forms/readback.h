@@ -5,8 +5,8 @@
 #ifndef DLA_FORMS_READBACK_H
 #define DLA_FORMS_READBACK_H
 
-#include "lib/vector.h"
 #include "app/simulation.h"
+#include "lib/vector.h"
 
 // atof of text truncated toward zero (held within the int range).
 int TruncateText(const char *text);
@@ -24,7 +24,7 @@ void ReadIntersectRangeText(SIMULATION &sim, const char *text);  // intersectran
 // (InitialiseGrowth, then ResetSeeds).
 void ReadNumberOfRootsText(SIMULATION &sim, const char *text);  // nroots, truncated, absolute value
 void ReadRootRangeText(SIMULATION &sim, const char *text);      // rootrange, unclamped
-void SetAssociate(SIMULATION &sim, int on);                      // associate, the check button's 0 or 1
+void SetAssociate(SIMULATION &sim, int on);                     // associate, the check button's 0 or 1
 
 // Slice form.
 void ReadSliceNormalText(SIMULATION &sim, int axis, const char *text);  // slicenormal x (0), y (1), z (2), unclamped

@@ -41,7 +41,6 @@ XYZ GetNewParticle(SIMULATION &sim, int sourcetype, double r);
 
 #define GROWTH_LIFESPAN 10000  // steps a particle wanders before it is replaced
 
-
 // lifespan with its place in the life kept (the same remainder modulo
 // GROWTH_LIFESPAN) but at most INT_MAX - GROWTH_LIFESPAN and not negative,
 // so that the rest of a life can be counted on it without overflow: a

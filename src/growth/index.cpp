@@ -25,7 +25,6 @@
 // one byte read proves a ball empty, and the particle walks inside it with
 // no search at all until it leaves.
 
-
 #define EMPTYKEY (~(uint64_t)0)
 #define KEYBITS 19
 #define KEYRANGE (1 << (KEYBITS - 1))  // bucket numbers in -KEYRANGE .. KEYRANGE - 1
@@ -478,8 +477,7 @@ void SyncSearchIndex(SIMULATION &sim) {
 
 void IndexAppendedCell(SIMULATION &sim, unsigned revision) {
   SEARCHINDEX &s = sim.searchindex;
-  if (!s.valid || s.revision != revision || s.n != sim.ncells - 1 ||
-      s.branchlength != sim.growthstate.branchlength) {
+  if (!s.valid || s.revision != revision || s.n != sim.ncells - 1 || s.branchlength != sim.growthstate.branchlength) {
     s.valid = 0;
     return;
   }

@@ -11,7 +11,6 @@
 #include "app/simulation.h"
 #include "lib/vector.h"
 
-
 // Search strategies of the growth step (growthsearch).
 enum { SEARCH_INDEX = 0, SEARCH_SCAN = 1 };
 

@@ -6,9 +6,7 @@ GROWTHRANDOM FreshGrowthRandom(void) {
   return r;
 }
 
-void GrowthSrand48(GROWTHRANDOM &r, long seed) {
-  r.drand48state = ((uint64_t)(uint32_t)seed << 16) | 0x330E;
-}
+void GrowthSrand48(GROWTHRANDOM &r, long seed) { r.drand48state = ((uint64_t)(uint32_t)seed << 16) | 0x330E; }
 
 void GrowthSrand(GROWTHRANDOM &r, unsigned int seed) {
   r.randpending = 0;

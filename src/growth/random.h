@@ -9,8 +9,6 @@
 
 #include "app/simulation.h"
 
-
-
 // As srand48(seed): only the low 32 bits of the seed count.
 void GrowthSrand48(GROWTHRANDOM &r, long seed);
 

@@ -348,8 +348,8 @@ void IterateSystem(SIMULATION &sim) {
   XYZ q = g.particle;
   g.lifespan++;
 
-  if (!MoveParticle(sim, &g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots,
-                    g.associate, g.rotation, sim.growthsearch == SEARCH_INDEX, 0))
+  if (!MoveParticle(sim, &g.particle, q, g.branchlength, g.radius + 2 * g.branchlength, g.bias, g.nroots, g.associate,
+                    g.rotation, sim.growthsearch == SEARCH_INDEX, 0))
     return;
   FinishStep(sim, q);
 }
@@ -364,8 +364,7 @@ long IterateExactSteps(SIMULATION &sim, long n) {
   const SEARCHINDEX &s = sim.searchindex;
   if (n <= 0) return 0;
   // The run needs a proven empty ball, and every cell the move may read.
-  if (sim.growthsearch != SEARCH_INDEX || !SearchIndexCurrent(sim) || !s.ball ||
-      (int)sim.cells.size() < g.nroots) {
+  if (sim.growthsearch != SEARCH_INDEX || !SearchIndexCurrent(sim) || !s.ball || (int)sim.cells.size() < g.nroots) {
     IterateSystem(sim);
     return 1;
   }
@@ -382,8 +381,7 @@ long IterateExactSteps(SIMULATION &sim, long n) {
     XYZ q = p;
     lifespan++;
     k++;
-    if (!MoveParticle(sim, &p, q, branchlength, limit, bias, nroots, associate, rotation, 1, atorigin))
-      continue;
+    if (!MoveParticle(sim, &p, q, branchlength, limit, bias, nroots, associate, rotation, 1, atorigin)) continue;
     double dx = p.x - centre.x, dy = p.y - centre.y, dz = p.z - centre.z;
     if (dx * dx + dy * dy + dz * dz < safe2) {
       GrowthDrand48(sim.random);  // 8: the stickiness number, with nothing touched

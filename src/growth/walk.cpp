@@ -17,7 +17,6 @@
 // variance, and the time has the driftless density tilted by
 // exp(-kappa^2 tau / 2) in the time unit d^2 / variance.
 
-
 #define QUANTILES 4096
 // Branch lengths kept between a jump's sphere and the cells' reach: the
 // particle lands off the zone where it could touch, so that its arrival

@@ -7,8 +7,8 @@
 #ifndef DLA_GROWTH_WALK_H
 #define DLA_GROWTH_WALK_H
 
-#include "lib/vector.h"
 #include "app/simulation.h"
+#include "lib/vector.h"
 
 // Walks of the growth (growthwalk). The desktop program always takes the
 // exact walk.

@@ -8,9 +8,7 @@ namespace {
 
 void Normal(const PRIMSINK *s, XYZ n) { s->normal(s->context, (float)n.x, (float)n.y, (float)n.z); }
 
-void Vertex(const PRIMSINK *s, double x, double y, double z) {
-  s->vertex(s->context, (float)x, (float)y, (float)z);
-}
+void Vertex(const PRIMSINK *s, double x, double y, double z) { s->vertex(s->context, (float)x, (float)y, (float)z); }
 
 // The 12 edges of the box (x0,y0,z0)-(x1,y1,z1): bottom and top rings in one
 // strip joined by one upright, then the other three uprights.

@@ -2,6 +2,4 @@
 #include "batch/batch.h"
 #include "offscreen/picture.h"
 
-int main(int argc, char **argv) {
-  return BatchMain(argc, argv, WritePicturePNG);
-}
+int main(int argc, char **argv) { return BatchMain(argc, argv, WritePicturePNG); }

@@ -2,8 +2,8 @@
 #ifndef DLA_SURFACE_CONSTRAINT_H
 #define DLA_SURFACE_CONSTRAINT_H
 
-#include "lib/vector.h"
 #include "app/simulation.h"
+#include "lib/vector.h"
 
 // 1 when the segment p1-p2 passes through facet i (ends inclusive; a
 // not-a-number angle sum counts as inside). *p receives the crossing of the

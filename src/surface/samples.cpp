@@ -92,16 +92,32 @@ int MakeSampleSurface(SIMULATION &sim, int code) {
   sim.nstltri = 0;
   CopyName(sim.growthstate.stlname, SampleSurfaceName(code), sizeof(sim.growthstate.stlname));
   switch (code) {
-    case SAMPLE_CYLINDER: MakeTube(sim, 20, 5, 1, 1); break;
-    case SAMPLE_OPENCYLINDER: MakeTube(sim, 20, 5, 1, 0); break;
-    case SAMPLE_DOUBLEOPENCYLINDER: MakeTube(sim, 20, 5, 0, 0); break;
-    case SAMPLE_BOX: MakeTube(sim, boxradius, 90, 1, 1); break;
-    case SAMPLE_OPENBOX: MakeTube(sim, boxradius, 90, 1, 0); break;
-    case SAMPLE_DOUBLEOPENBOX: MakeTube(sim, boxradius, 90, 0, 0); break;
+    case SAMPLE_CYLINDER:
+      MakeTube(sim, 20, 5, 1, 1);
+      break;
+    case SAMPLE_OPENCYLINDER:
+      MakeTube(sim, 20, 5, 1, 0);
+      break;
+    case SAMPLE_DOUBLEOPENCYLINDER:
+      MakeTube(sim, 20, 5, 0, 0);
+      break;
+    case SAMPLE_BOX:
+      MakeTube(sim, boxradius, 90, 1, 1);
+      break;
+    case SAMPLE_OPENBOX:
+      MakeTube(sim, boxradius, 90, 1, 0);
+      break;
+    case SAMPLE_DOUBLEOPENBOX:
+      MakeTube(sim, boxradius, 90, 0, 0);
+      break;
     case SAMPLE_SPHERE:
     case SAMPLE_HEMISPHERE:
-    case SAMPLE_CLOSEDHEMISPHERE: MakeSphere(sim, code); break;
-    case SAMPLE_PLANE: MakePlane(sim); break;
+    case SAMPLE_CLOSEDHEMISPHERE:
+      MakeSphere(sim, code);
+      break;
+    case SAMPLE_PLANE:
+      MakePlane(sim);
+      break;
     default: break;
   }
   UpdateSTL(sim);

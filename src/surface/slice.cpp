@@ -168,7 +168,9 @@ int ProcessSliceIn(SIMULATION &sim, const char *dir, int i, PLANE upper, PLANE l
   return 1;
 }
 
-int ProcessSlice(SIMULATION &sim, int i, PLANE upper, PLANE lower) { return ProcessSliceIn(sim, NULL, i, upper, lower); }
+int ProcessSlice(SIMULATION &sim, int i, PLANE upper, PLANE lower) {
+  return ProcessSliceIn(sim, NULL, i, upper, lower);
+}
 
 int DoSliceIn(SIMULATION &sim, const char *dir, int nslices, XYZ n) {
   double nn = DotProduct(n, n);

@@ -4,8 +4,8 @@
 
 #include <stdio.h>  // FILE
 
-#include "lib/vector.h"
 #include "app/simulation.h"
+#include "lib/vector.h"
 
 // Writes nslices files "slice_%03d.txt" in the current directory, slab 0
 // nearest +radius along the unit normal n. Returns 1, or 0 after writing

@@ -2,7 +2,6 @@
 
 #include <stdio.h>
 
-
 void ReserveFacets(SIMULATION &sim, int n) {
   if ((int)sim.stltri.size() < n) sim.stltri.resize(n);
 }

@@ -9,8 +9,6 @@
 #include "app/simulation.h"
 #include "lib/vector.h"
 
-
-
 // Makes room for n facets (stltri.size() >= n).
 void ReserveFacets(SIMULATION &sim, int n);
 

@@ -2,8 +2,8 @@
 #ifndef DLA_SURFACE_TRANSFORM_H
 #define DLA_SURFACE_TRANSFORM_H
 
-#include "lib/vector.h"
 #include "app/simulation.h"
+#include "lib/vector.h"
 
 // Turns every vertex about the origin by rotate.x, then rotate.y, then
 // rotate.z degrees (RotateX/Y/Z sense), then scales it in world axes and

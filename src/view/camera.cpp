@@ -5,7 +5,6 @@
 #include "app/simulation.h"
 #include "surface/stl.h"  // the drawn surface's vertices for DrawnBounds
 
-
 void ForgetCameraHome(SIMULATION &sim) { sim.camerahomed = 0; }
 
 void CameraHome(SIMULATION &sim) {

@@ -3,8 +3,8 @@
 #ifndef DLA_VIEW_CHOOSECOLOUR_H
 #define DLA_VIEW_CHOOSECOLOUR_H
 
-#include "lib/colour.h"
 #include "app/simulation.h"
+#include "lib/colour.h"
 
 // One colour per root when several roots grow separately (indexed 0..20).
 extern const double rootcolours[21][3];

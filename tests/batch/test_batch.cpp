@@ -21,7 +21,8 @@ using BatchRun = Fresh;
 TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
   std::string err;
   BATCHRUN run;
-  ASSERT_EQ(Batch(sim, "--seed 7 --bias 0.5 --branch-length 0.01 --stickiness 1 --rotation -5 --thickness 0.8 0 --roots 0 "
+  ASSERT_EQ(Batch(sim,
+                  "--seed 7 --bias 0.5 --branch-length 0.01 --stickiness 1 --rotation -5 --thickness 0.8 0 --roots 0 "
                   "--root-range -3.5 --root-distribution -2 --associate --intersect-range 90 --source 17 --cells 5 "
                   "--steps 123456789012 --transform 1,2,3 -4,5e-1,0 90,0,-30 --slices 2 --slice-normal 0,-1,0.5",
                   &err, true, &run),
@@ -67,7 +68,8 @@ TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
 TEST_F(BatchRun, CsvCellsSurfaceAndSlicesAsTheWindowMakesThem) {
   Scratch s;
   std::string err;
-  ASSERT_EQ(Batch(sim, "--cells 150 --seed 4 --bias 0.7 --rotation 1.5 --roots 3 --root-distribution 8 --associate "
+  ASSERT_EQ(Batch(sim,
+                  "--cells 150 --seed 4 --bias 0.7 --rotation 1.5 --roots 3 --root-distribution 8 --associate "
                   "--sample 22 --transform 2,1,0.5 0,0,5 90,0,0 --transform 1,1,1 1,2,3 0,30,-45 --csv " +
                       s / "c.csv" + " --stl-out " + s / "b.stl" + " --slices 5 --slice-normal 5e-6,0,0 --slice-dir " +
                       s.dir + " --no-progress",

@@ -44,7 +44,9 @@ void HandScene(SIMULATION &sim) {
   sim.camera.aperture = 50;
 }
 
-std::string Written(SIMULATION &sim, int format, int variant) { return Capture([&](FILE *fp) { WriteModel(sim, fp, format, variant); }); }
+std::string Written(SIMULATION &sim, int format, int variant) {
+  return Capture([&](FILE *fp) { WriteModel(sim, fp, format, variant); });
+}
 
 TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
   HandScene(sim);
@@ -89,7 +91,9 @@ TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
       EXPECT_XYZ(sim.boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
       EXPECT_EQ(sim.boxcountstate.nboxes + sim.boxcountstate.scale, 3);
     }
-    if (sim.boxcountstate.depth == 2 && before == 1) { EXPECT_EQ(sim.boxcountstate.p0.y, -12); }
+    if (sim.boxcountstate.depth == 2 && before == 1) {
+      EXPECT_EQ(sim.boxcountstate.p0.y, -12);
+    }
   }
   EXPECT_EQ(steps[0], 216);
   EXPECT_EQ(steps[1], 512);
@@ -105,7 +109,7 @@ TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   EXPECT_EQ(sim.stats.boxcount[5], -1);
   EXPECT_EQ(sim.options.calcstats * 10 + donecalls, 1);
   EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode,
-            STLDRAW_SOLID * 10 + DLADRAW_POINTS);      // the user's modes back
+            STLDRAW_SOLID * 10 + DLADRAW_POINTS);             // the user's modes back
   EXPECT_EQ(BoxCountStep(sim) + sim.boxcountstate.depth, 4);  // idle from now on
   // 2 * branchlength above radius / 2: the count ends after its first box.
   sim.growthstate.branchlength = 3;
@@ -119,13 +123,14 @@ TEST_F(BoxCount, EveryBoxAsTheScanOverAllSegmentsJudgesIt) {
   std::string err;
   ASSERT_EQ(Batch(sim, "--cells 2000 --no-progress", &err), BATCH_OK) << err;
   int last = sim.ncells - 1;
-  AppendCell(sim, V(0, 0, 20), 0, 0);         // ten times longer than the rest
-  AppendCell(sim, V(NAN, 0, 0), 0, last);     // meets the boxes its parent is in
+  AppendCell(sim, V(0, 0, 20), 0, 0);      // ten times longer than the rest
+  AppendCell(sim, V(NAN, 0, 0), 0, last);  // meets the boxes its parent is in
   sim.growthstate.radius *= 1.1;
   Statistics(sim);
   int boxes = 0, mismatches = 0, appended = 0;
   while (sim.options.calcstats) {
-    XYZ p0 = sim.boxcountstate.p0, p1 = {p0.x + sim.boxcountstate.scale, p0.y + sim.boxcountstate.scale, p0.z + sim.boxcountstate.scale};
+    XYZ p0 = sim.boxcountstate.p0,
+        p1 = {p0.x + sim.boxcountstate.scale, p0.y + sim.boxcountstate.scale, p0.z + sim.boxcountstate.scale};
     int depth = sim.boxcountstate.depth, before = sim.stats.boxcount[depth];
     BoxCountStep(sim);
     int scan = 0;

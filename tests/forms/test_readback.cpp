@@ -19,15 +19,16 @@ TEST_F(FormReadBack, EachSettingWithItsRule) {
     double *field;
     int *count;                                           // for the whole-number settings
     std::vector<std::pair<const char *, double>> stored;  // each text and what it stores
-  } cases[] = {{ReadStickinessText, &g.stickiness, NULL, {{"250", 100}, {"0.5", 1}, {"37.5", 37.5}, {"", 1}, {"nan", 1}}},
-               {ReadBiasText, &g.bias, NULL, {{"1.5", 1}, {"-0.2", 0}, {"0.25", 0.25}, {"inf", 0}}},
-               {ReadRotationText, &g.rotation, NULL, {{"12", 5}, {"-12", -5}, {"-2.5", -2.5}, {"-nan", 0}}},
-               {ReadIntersectRangeText, &g.intersectrange, NULL, {{"95", 90}, {"-1", 0}, {"45", 45}, {"NAN", 0}}},
-               {ReadBranchLengthText, &g.branchlength, NULL, {{"", 0.01}, {"-3", 0.01}, {"2500", 2500}, {"1e999", 0.01}}},
-               {ReadThickEndText, &g.thickend, NULL, {{"-0.3", 0.3}, {"7", 7}, {"-inf", 0}}},
-               {ReadThickStartText, &g.thickstart, NULL, {{"-2", 2}, {"abc", 0}}},
-               {ReadSeedText, NULL, &g.seed, {{"-42.9", 42}, {"1e3", 1000}, {"", 0}}},
-               {ReadSliceCountText, NULL, &sim.options.nslices, {{"1", 2}, {"-9", 2}, {"7.8", 7}, {"1e3", 2}}}};
+  } cases[] = {
+      {ReadStickinessText, &g.stickiness, NULL, {{"250", 100}, {"0.5", 1}, {"37.5", 37.5}, {"", 1}, {"nan", 1}}},
+      {ReadBiasText, &g.bias, NULL, {{"1.5", 1}, {"-0.2", 0}, {"0.25", 0.25}, {"inf", 0}}},
+      {ReadRotationText, &g.rotation, NULL, {{"12", 5}, {"-12", -5}, {"-2.5", -2.5}, {"-nan", 0}}},
+      {ReadIntersectRangeText, &g.intersectrange, NULL, {{"95", 90}, {"-1", 0}, {"45", 45}, {"NAN", 0}}},
+      {ReadBranchLengthText, &g.branchlength, NULL, {{"", 0.01}, {"-3", 0.01}, {"2500", 2500}, {"1e999", 0.01}}},
+      {ReadThickEndText, &g.thickend, NULL, {{"-0.3", 0.3}, {"7", 7}, {"-inf", 0}}},
+      {ReadThickStartText, &g.thickstart, NULL, {{"-2", 2}, {"abc", 0}}},
+      {ReadSeedText, NULL, &g.seed, {{"-42.9", 42}, {"1e3", 1000}, {"", 0}}},
+      {ReadSliceCountText, NULL, &sim.options.nslices, {{"1", 2}, {"-9", 2}, {"7.8", 7}, {"1e3", 2}}}};
   for (auto &c : cases)
     for (auto &t : c.stored) {
       c.read(sim, t.first);

@@ -95,7 +95,8 @@ TEST_F(Roots, SeedFilesGoodHostileAndBad) {
   sim.growthstate.rootdistribution = ROOT_SPHERICAL;  // keeps the file's name
   FILEMESSAGE msg;
   std::string path;
-  std::string err = DebugOutput(sim, [&] { EXPECT_EQ(ReadRootsText(sim, "1 2 3\n  30\t40   0  \n7 8\n", &msg, &path), 1); });
+  std::string err =
+      DebugOutput(sim, [&] { EXPECT_EQ(ReadRootsText(sim, "1 2 3\n  30\t40   0  \n7 8\n", &msg, &path), 1); });
   EXPECT_EQ(err, "Read 2 root seed positions\n");  // a third line of two numbers ends the list
   ASSERT_EQ(sim.ncells, 2);
   EXPECT_XYZ(sim.roots[1], 30, 40, 0, 0);
@@ -210,7 +211,8 @@ void Quiet(SIMULATION &sim, const char *roots) {
 TEST_F(Step, OneStepFourUniformNumbersDriftAwayAndSwirl) {
   Quiet(sim, "0 0 0\n2 -1 0\n0 3 1\n");
   GrowthSrand(sim.random, 31);
-  int first = GrowthRand(sim.random), ky = GrowthRand(sim.random) % 3, kz = GrowthRand(sim.random) % 3, fourth = GrowthRand(sim.random), kx = first % 3;
+  int first = GrowthRand(sim.random), ky = GrowthRand(sim.random) % 3, kz = GrowthRand(sim.random) % 3,
+      fourth = GrowthRand(sim.random), kx = first % 3;
   GrowthSrand48(sim.random, 4);
   for (int k = 0; k < 4; k++) GrowthDrand48(sim.random);
   double fifth = GrowthDrand48(sim.random);
@@ -402,7 +404,8 @@ TEST(Random, SameNumbersAsTheLibraryForEverySeedAndAfterOwedDraws) {
     GrowthSrand48(sim.random, seed);
     GrowthSrand(sim.random, (unsigned)seed);
     int bad = 0;
-    for (int k = 0; k < 200000; k++) bad += (drand48() != GrowthDrand48(sim.random)) + (rand() != GrowthRand(sim.random));
+    for (int k = 0; k < 200000; k++)
+      bad += (drand48() != GrowthDrand48(sim.random)) + (rand() != GrowthRand(sim.random));
     EXPECT_EQ(bad, 0) << "seed " << seed;
   }
   GrowthSrand(sim.random, 0);  // as srand(1): glibc's well-known first numbers

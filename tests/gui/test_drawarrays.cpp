@@ -189,8 +189,8 @@ TEST(DrawArrays, LookThroughIsGluLookAt) {
       GLfloat ours[16], glu[16];
       glGetFloatv(GL_MODELVIEW_MATRIX, ours);
       glLoadIdentity();
-      gluLookAt(v.eye.x, v.eye.y, v.eye.z, v.eye.x + sim.camera.vd.x, v.eye.y + sim.camera.vd.y, v.eye.z + sim.camera.vd.z,
-                sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
+      gluLookAt(v.eye.x, v.eye.y, v.eye.z, v.eye.x + sim.camera.vd.x, v.eye.y + sim.camera.vd.y,
+                v.eye.z + sim.camera.vd.z, sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
       glGetFloatv(GL_MODELVIEW_MATRIX, glu);
       for (int i = 0; i < 16; i++) ASSERT_EQ(ours[i], glu[i]) << "camera " << k << " eye " << eye << " entry " << i;
     }

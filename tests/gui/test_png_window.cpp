@@ -8,9 +8,9 @@
 
 #include <vector>
 
-#include "desktop/app/desktop.h"
 #include "app/simulation.h"
 #include "batch/batch.h"
+#include "desktop/app/desktop.h"
 #include "desktop/view/display.h"
 #include "lib/bitmap.h"
 

@@ -84,7 +84,8 @@ TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
   for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = j == 0;
   PLANE upper = {0, 0, -1, 100}, lower = {0, 0, 1, 100};
   std::string err;
-  std::string out = Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 0, upper, lower); }); });
+  std::string out =
+      Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 0, upper, lower); }); });
   EXPECT_EQ(out, "0 0 0 1 0 0\n0 0 0 2 0 0\n2 0 0 5 0 0\n1 0 0 3 0 0\n1 0 0 4 0 0\n");
   EXPECT_EQ(err, "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
                  "      Tracing branch node from 1 -> 3\n      Tracing branch node from 1 -> 4\n");

@@ -86,7 +86,8 @@ TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
   // and storage follows the file.
   size_t storage = sim.stltri.size();
   std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
-  EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg), 1);
+  EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg),
+            1);
   ASSERT_EQ(sim.nstltri, 2);
   EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
   EXPECT_LE(sim.stltri.size(), storage > 1000 ? storage : 1000);
@@ -133,9 +134,10 @@ TEST_F(Surface, SegmentAgainstFacetAndBox) {
   XYZ p = V(9, 9, 9);
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1)), 1);
   EXPECT_XYZ(p, 1, 1.5, 0, 0);
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
-            2);                                                        // ends count
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);     // short of the plane...
+  EXPECT_EQ(
+      LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
+      2);                                                                // ends count
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);  // short of the plane...
   EXPECT_XYZ(p, 1, 3, 0, 0);                                           // ...the crossing still written
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
@@ -180,7 +182,8 @@ TEST_F(Surface, SampleCountsNamesAndOrientation) {
   for (auto &w : want) {
     SCOPED_TRACE(w.code);
     int removed = 0;
-    sscanf(DebugOutput(sim, [&] { EXPECT_EQ(MakeSampleSurface(sim, w.code), w.code != 42); }).c_str(), "Removed %d", &removed);
+    sscanf(DebugOutput(sim, [&] { EXPECT_EQ(MakeSampleSurface(sim, w.code), w.code != 42); }).c_str(), "Removed %d",
+           &removed);
     EXPECT_EQ(sim.nstltri + removed, w.generated);
     EXPECT_EQ(sim.nstltri, w.kept);
     EXPECT_STREQ(sim.growthstate.stlname, w.name);

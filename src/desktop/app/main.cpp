@@ -7,8 +7,8 @@
 
 #include "app/cmdline.h"
 #include "app/simulation.h"
-#include "desktop/app/desktop.h"
 #include "app/startup.h"
+#include "desktop/app/desktop.h"
 #include "desktop/forms/forms.h"
 #include "desktop/growth/idle.h"
 #include "desktop/view/boxcount_gl.h"

@@ -1,7 +1,7 @@
 // The dialog forms: layout (in the form designer's style), refresh from the
 // records, and what their buttons do.
-#include "desktop/app/desktop.h"
 #include "desktop/forms/forms.h"
+#include "desktop/app/desktop.h"
 
 #include <stdio.h>   // snprintf()
 #include <stdlib.h>  // exit()

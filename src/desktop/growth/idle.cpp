@@ -1,5 +1,5 @@
-#include "desktop/app/desktop.h"
 #include "desktop/growth/idle.h"
+#include "desktop/app/desktop.h"
 
 #include <GL/glut.h>
 

@@ -1,5 +1,5 @@
-#include "desktop/app/desktop.h"
 #include "desktop/view/display.h"
+#include "desktop/app/desktop.h"
 
 #include <GL/gl.h>
 #include <GL/glut.h>
@@ -61,7 +61,8 @@ void HandleDisplay(void) {
   DrawOverlays();
 
   if (sim.options.record || sim.options.windowdump) {
-    WindowDump("", sim.camera.screenwidth, sim.camera.screenheight, sim.camera.stereo == STEREO_ACTIVE, BITMAP_TGARLE24);
+    WindowDump("", sim.camera.screenwidth, sim.camera.screenheight, sim.camera.stereo == STEREO_ACTIVE,
+               BITMAP_TGARLE24);
     sim.options.windowdump = 0;  // record stays on until r is pressed again
   }
   glutSwapBuffers();

@@ -1,5 +1,5 @@
-#include "desktop/app/desktop.h"
 #include "desktop/view/menus.h"
+#include "desktop/app/desktop.h"
 
 #include <GL/glut.h>
 #include <stdlib.h>  // exit()

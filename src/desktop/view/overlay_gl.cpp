@@ -1,5 +1,5 @@
-#include "desktop/app/desktop.h"
 #include "desktop/view/overlay_gl.h"
+#include "desktop/app/desktop.h"
 
 #include <GL/glut.h>
 

@@ -65,8 +65,8 @@ void LookThrough(SIMULATION &sim, const EYEVIEW *v) {
   glFrustum(v->left, v->right, v->bottom, v->top, v->near, v->far);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + sim.camera.vd.x, v->eye.y + sim.camera.vd.y, v->eye.z + sim.camera.vd.z,
-         sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
+  LookAt(v->eye.x, v->eye.y, v->eye.z, v->eye.x + sim.camera.vd.x, v->eye.y + sim.camera.vd.y,
+         v->eye.z + sim.camera.vd.z, sim.camera.vu.x, sim.camera.vu.y, sim.camera.vu.z);
 }
 
 // ---------------------------------------------------------------------------

@@ -3,8 +3,8 @@
 #ifndef DLA_GL_VIEW_SCENE_H
 #define DLA_GL_VIEW_SCENE_H
 
-#include "view/camera.h"
 #include "app/simulation.h"
+#include "view/camera.h"
 
 // Viewport, frustum and the look-at matrix of one eye (the same matrix as
 // gluLookAt); leaves the model-view current.
