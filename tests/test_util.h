@@ -93,10 +93,10 @@ inline long Steps(SIMULATION &sim, long run) {
 }
 
 // dla3d-batch with the words of line (split at spaces) as its arguments:
-// parsed into *parsed (when given), then run unless parse_only or refused. Its
-// status; what it writes in *err.
+// parsed into *parsed (when given), then run unless parse_only or refused,
+// drawing --png with picture. Its status; what it writes in *err.
 inline int Batch(SIMULATION &sim, const std::string &line, std::string *err, bool parse_only = false,
-                 BATCHRUN *parsed = NULL) {
+                 BATCHRUN *parsed = NULL, BATCHPICTURE picture = NULL) {
   std::vector<std::string> words = {"dla3d-batch"};
   for (size_t at = 0, end; at < line.size(); at = end + 1) {
     end = std::min(line.find(' ', at), line.size());
@@ -108,7 +108,7 @@ inline int Batch(SIMULATION &sim, const std::string &line, std::string *err, boo
   int status = BATCH_USAGE;
   BATCHRUN own;
   BATCHRUN &run = parsed ? *parsed : own;
-  run.picture = NULL;
+  run.picture = picture;
   *err = Capture([&](FILE *fp) {
     status = ParseBatchOptions((int)words.size(), argv.data(), &run, fp);
     if (status == BATCH_OK && !parse_only) status = RunBatch(sim, &run, fp);
