@@ -6,24 +6,20 @@
 #include "app/simulation.h"
 #include "desktop/forms/forms.h"
 #include "desktop/view/boxcount_gl.h"
-#include "growth/growth.h"
+#include "growth/idle.h"
 #include "view/camera.h"
 
 void HandleIdle(void) {
   // The time of the last redisplay request; below 0 until the first call.
   static double tstart = -1;
 
-  if (sim.growthstate.growing && !sim.options.calcstats) {
-    for (long i = 0; i < 100;) i += IterateSystemSteps(sim, 100 - i);
-  }
+  IdleGrowth(sim);
   if (sim.options.calcstats) {
     CalcBoxCount(BOXCOUNT_GOON, BOXCOUNT_STEP);  // one box per call; no growth meanwhile
   }
 
-  if (tstart < 0) tstart = GetRunTime();
-  double now = GetRunTime();
-
-  if (now - tstart > 0.02) {
+  int due = IdleDue(sim.options.framerate, GetRunTime(), &tstart);
+  if (due & IDLE_POLLFORMS) {
     FL_OBJECT *obj = NULL;
     // Polling only when a form is shown keeps idle calls cheap.
     if (sliceformvisible || stlformvisible || settingformvisible || messageformvisible)
@@ -33,10 +29,8 @@ void HandleIdle(void) {
     CheckSettingForm(obj);
     CheckSTLForm(obj);
   }
-
-  if (now - tstart > 1 / sim.options.framerate) {
+  if (due & IDLE_REDISPLAY) {
     glutPostRedisplay();
-    tstart = now;
     RotateCamera(sim, sim.options.autospin / 200.0, 0, 0);
   }
 }
