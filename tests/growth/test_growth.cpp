@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "growth/growth.h"
+#include "growth/idle.h"
 #include "growth/index.h"
 #include "growth/random.h"
 #include "surface/stl.h"
@@ -333,6 +334,39 @@ TEST_F(Step, VetoesSelfIntersectionCuttingAndGapsPutTheParticleBack) {
     EXPECT_EQ(sim.ncells, *c.message ? 4 : 5) << c.message;
     EXPECT_TRUE(!*c.message || VectorLength(sim.growthstate.particle, c.target) > 0.999) << "not put back";
   }
+}
+
+// The idle driver: 100 steps a call while growth runs, none while paused or
+// while the statistics count; no cells, so the life span counts the steps.
+TEST_F(Step, IdleCallsGrowOneHundredStepsUnlessPausedOrCounting) {
+  StartGrowth(sim, "--root-distribution 10 --bias 0");
+  struct {
+    int growing, calcstats;
+    long steps;
+  } cases[] = {{1, 0, 100}, {0, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+  for (auto &c : cases) {
+    sim.growthstate.growing = c.growing;
+    sim.options.calcstats = c.calcstats;
+    int before = sim.growthstate.lifespan;
+    EXPECT_EQ(IdleGrowth(sim), c.steps) << c.growing << c.calcstats;
+    EXPECT_EQ(sim.growthstate.lifespan - before, c.steps) << "growing " << c.growing << ", statistics " << c.calcstats;
+  }
+}
+
+// The clock from the first call at 5 s, framerate 30 (a frame 0.0333 s):
+// forms polled beyond 0.02 s after the last redisplay, a redisplay beyond a
+// frame, and the next frame counted from it.
+TEST(Idle, RedisplaysAtTheFramerateAndPollsFormsAfterTwentyMilliseconds) {
+  double last = -1;
+  const struct {
+    double now;
+    int due;
+  } calls[] = {{5, 0},      {5.01, 0}, {5.021, IDLE_POLLFORMS}, {5.034, IDLE_POLLFORMS | IDLE_REDISPLAY},
+               {5.044, 0},  {5.06, IDLE_POLLFORMS}, {5.068, IDLE_POLLFORMS | IDLE_REDISPLAY}};
+  for (auto &c : calls) EXPECT_EQ(IdleDue(30, c.now, &last), c.due) << "at " << c.now;
+  EXPECT_EQ(last, 5.068);
+  EXPECT_EQ(IdleDue(2, 5.5, &last), IDLE_POLLFORMS);  // framerate 2: half a second
+  EXPECT_EQ(IdleDue(2, 5.569, &last), IDLE_POLLFORMS | IDLE_REDISPLAY);
 }
 
 // Any seed, and rand draws owed below and above the one-by-one limit and far beyond it.
