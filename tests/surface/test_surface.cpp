@@ -38,7 +38,7 @@ TEST_F(StlRead, AsciiBinaryAndTheSixCharacterRule) {
   FILEMESSAGE msg;
   std::string err;
   std::string text = "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
-                     " endloop\nouterloop\r\nvertex -1 0 1.5\r\nvertex -1 3 1.5\r\nvertex -1 0 -6\r\nendloop\r\n";
+                     " endloop\nouterloop\rvertex -1 0 1.5\rvertex -1 3 1.5\rvertex -1 0 -6\rendloop\r";
   EXPECT_EQ(ReadBytes(sim, text, &msg, &err), 1);
   EXPECT_STREQ(sim.growthstate.stlname, "None");  // a surface read from a file is called "None"
   ASSERT_EQ(sim.nstltri, 2);
