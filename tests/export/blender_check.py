@@ -32,7 +32,7 @@ trees = sorted(set(root))
 names = ["root %d" % t for t in trees] if len(trees) > 1 else ["aggregate"]
 if sorted(objects) != sorted(names + (["surface"] if nfacets else [])):
     errors.append("meshes %s, expected %s and a surface: %d" % (sorted(objects), names, nfacets))
-everything = []
+everything, pinks = [], 0
 for t, name in zip(trees, names):
     # Each tube's 20 vertices (even on the start ring, odd on the end ring), then each cell's 26-vertex joint.
     o, grown, tree = objects.get(name), np.flatnonzero((root == t) & (parent >= 0)), np.flatnonzero(root == t)
@@ -60,13 +60,25 @@ for t, name in zip(trees, names):
     # Colours at the ends of the scales, the same in any colour space.
     i = cell[[loop.vertex_index for loop in o.data.loops]]
     colours = np.array([c.color[:3] for c in o.data.color_attributes[0].data])
-    want = np.eye(3)[i % 3] if colouring == "root" else np.where((children[i] == 0)[:, None], (0, 0, 1), np.where(
-        (weight[i] >= weight.max() / 3)[:, None], (1, 0, 0), colours))
+    if colouring == "root":  # the first three roots red, green and blue
+        want = np.where((i % len(trees) < 3)[:, None], np.eye(3)[i % len(trees) % 3], colours)
+    else:
+        want = np.where((children[i] == 0)[:, None], (0, 0, 1), np.where(
+            (weight[i] >= weight.max() / 3)[:, None], (1, 0, 0), colours))
     for k in np.flatnonzero(abs(colours - want).max(1) > 0.01)[:3]:
         errors.append("cell %d coloured %s, expected %s" % (i[k], colours[k], want[k]))
+    # Root 6's pink, (1, 0.5, 0.5) in the window, is stored linear as glTF requires: 0.5 is 0.214.
+    raw = BinaryData.decode_accessor(gltf, attributes[name]["COLOR_0"])[:, :3]
+    raw = raw / 255 if raw.max() > 1.5 else raw
+    pink = raw[cell % len(trees) == 6] if colouring == "root" else np.zeros((0, 3))
+    pinks += len(pink)
+    if len(pink) and abs(pink - (1, 0.214, 0.214)).max() > 0.01:
+        errors.append("%s: root 6's pink stored as %s, not linear (1, 0.214, 0.214): no sRGB-to-linear" % (name, pink[0]))
     got = [BinaryData.decode_accessor(gltf, attributes[name][a]).ravel() for a in ("_WEIGHT", "_ROOT")]
     if not np.array_equal(got[0], weight[cell].astype(np.float32)) or not np.array_equal(got[1], root[cell]):
         errors.append("%s: _WEIGHT or _ROOT are not the cells' weights and roots" % name)
+if colouring == "root" and len(trees) > 6 and not pinks:
+    errors.append("no vertex of root 6's pink")
 # Blender turns glTF's y up back into the CSV's z up: the boxes agree within a tube's radius.
 co = np.vstack(everything or [np.zeros((1, 3))])
 if abs(np.r_[co.min(0) - pos.min(0), co.max(0) - pos.max(0)]).max() > 0.4:

@@ -49,8 +49,8 @@ sys.exit(1 if bad else 0)
 PY
   ;;
 gltf)
-  # JSON and binary, one tree and three, with and without the surface; three roots and no tube.
-  runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 ${roots[*]}"
+  # JSON and binary, one tree and seven, with and without the surface; three roots and no tube.
+  runs=("one.gltf" "one-surface.glb --sample 21" "roots-surface.glb --sample 21 --roots 7 --root-distribution 2 --associate"
     "bare.gltf --cells 3 ${roots[*]}")
   for run in "${runs[@]}"; do
     read -r name opts <<<"$run"
