@@ -1,6 +1,7 @@
 // Preloaded into dla3d by the GUI tests. Records in $DLA_SHIM_LOG the forms
 // and menus as built (a line each), the forms' texts, file selector prompts,
-// message boxes, the cursor, a not-a-number colour with its frame. A file
+// message boxes, the cursor, the idle callback set or removed, a
+// not-a-number colour with its frame. A file
 // selector is answered from $DLA_SHIM_ANSWER when it exists (removed once
 // read; "CANCEL" cancels), else shown.
 #define _GNU_SOURCE
@@ -89,6 +90,7 @@ LOGGED(fl_show_message, (const char *a, const char *b, const char *c), (a, b, c)
 LOGGED(glutAddMenuEntry, (const char *label, int value), (label, value), MENU, "%s=%d", label, value)
 LOGGED(glutAddSubMenu, (const char *label, int submenu), (label, submenu), MENU, "%s>%d", label, submenu)
 LOGGED(glutSetCursor, (int cursor), (cursor), OWNLINE, "cursor %d", cursor)
+LOGGED(glutIdleFunc, (void (*idle)(void)), (idle), OWNLINE, "idle %s", idle ? "on" : "off")
 
 static int frames;
 
