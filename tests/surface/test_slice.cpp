@@ -66,33 +66,6 @@ TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   EXPECT_EQ(err, "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
                  "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
                  "Slice 2, distance: -10 to -30\n");
-  sim.options.debug = 1;  // the descendants announced too, in slab 0 only
-  Slice(sim, s.dir, 3, V(0, 0, 1), &err);
-  EXPECT_NE(err.find("0 -> 1\n      Tracing branch node from 1 -> 4\n   Processing seed node 2\n"), std::string::npos)
-      << err;
-  EXPECT_NE(err.find("2 -> 3\n      Tracing branch node from 3 -> 5\nSlice 1"), std::string::npos) << err;
-}
-
-TEST_F(Slicing, TraceBranchWalksSiblingsBeforeDescendants) {
-  Aggregate(sim, 100, {0, 0, 0, -1, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 1, 4, 0, 0, 1, 5, 0, 0, 2});
-  int child = -7;
-  EXPECT_EQ(TerminalCell(sim, 1) * 10 + TerminalCell(sim, 3), 10);
-  EXPECT_EQ(FindBranch(sim, 1, &child), 1);
-  EXPECT_EQ(child, 3);
-  sim.cells[3].traced = sim.cells[4].traced = 1;
-  EXPECT_EQ(FindBranch(sim, 1, &child), 0);
-  for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = j == 0;
-  PLANE upper = {0, 0, -1, 100}, lower = {0, 0, 1, 100};
-  std::string err;
-  std::string out =
-      Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 0, upper, lower); }); });
-  EXPECT_EQ(out, "0 0 0 1 0 0\n0 0 0 2 0 0\n2 0 0 5 0 0\n1 0 0 3 0 0\n1 0 0 4 0 0\n");
-  EXPECT_EQ(err, "      Tracing branch node from 0 -> 2\n      Tracing branch node from 2 -> 5\n"
-                 "      Tracing branch node from 1 -> 3\n      Tracing branch node from 1 -> 4\n");
-  for (int j = 0; j < sim.ncells; j++) EXPECT_EQ(sim.cells[j].traced, 1);
-  for (int j = 0; j < sim.ncells; j++) sim.cells[j].traced = 0;
-  Capture([&](FILE *fp) { err = DebugOutput(sim, [&] { TraceBranch(sim, 0, 1, fp, 3, upper, lower); }); });
-  EXPECT_EQ(err, "");  // outside slab 0 nothing is announced
 }
 
 TEST_F(Slicing, SeedsOnlyNoCellsExactlyNFilesAndAFileThatCannotBeMade) {
