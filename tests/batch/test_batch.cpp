@@ -57,7 +57,13 @@ TEST_F(BatchOptions, ValuesReachTheRunRecordAndRefusalsNameTheirRange) {
                {"--slices 4 --slice-normal nan,0,1", "--slice-normal", "three numbers"},
                {"--slice-dir /tmp", "--slice-dir", "--slices N"},
                {"--sample 21 --stl x.stl", "--sample", "--stl"},
-               {"--info " + std::string(256, 'x'), "--info", "1 to 255"}};
+               {"--info " + std::string(256, 'x'), "--info", "1 to 255"},
+               {"--png a.png --size 800", "--size", "WIDTHxHEIGHT"},
+               {"--png a.png --size 8193x600", "--size", "1 to 8192"},
+               {"--png a.png --size 0x600", "--size", "1 to 8192"},
+               {"--png a.png --size 800x600x1", "--size", "WIDTHxHEIGHT"},
+               {"--size 800x600", "--size", "needs --png"},
+               {"--fit", "--fit", "needs --png"}};
   for (auto &c : cases) {
     EXPECT_EQ(Batch(sim, c.args, &err, true), BATCH_USAGE) << c.args;
     EXPECT_NE(err.find(c.option), std::string::npos) << err;
