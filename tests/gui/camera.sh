@@ -37,13 +37,8 @@ key h $(yes minus | head -20) $(yes period | head -150); camera "0.0273333 0 0 0
 key h; drag 300 300 360 300; camera "60*0.825336 -60*0.564642 0 0 0 1 60"
 key h; drag 300 300 300 340; camera "60*0.921061 0 60*0.389418 -0.389418 0 0.921061 60"
 key h; drag 300 300 340 330 2; drag 300 300 340 330 1 shift; camera "60 0 0 0 0.198669 0.980067 60"
-# Autospin: a turns the view like Right, a bit more each frame; A from
-# zero the other way; back at zero it stops.
-y() { sed -n 's/^#declare VP = <[^,]*,\([^,]*\),.*/\1/p' "$W/$1.pov"; }
-key h a; sleep 0.5; pov spin1; sleep 0.5; key A; pov spin2; sleep 0.5; pov spin3
-awk -v a="$(y spin1)" -v b="$(y spin2)" 'BEGIN {exit !(a > 0 && b > a)}' || gui_fail "a: VP y $(y spin1) then $(y spin2)"
-cmp -s "$W/spin2.pov" "$W/spin3.pov" || gui_fail "the spin went on after A"
-key h A; sleep 0.5; pov spin4
-awk -v a="$(y spin4)" 'BEGIN {exit !(a < 0)}' || gui_fail "A from zero: VP y $(y spin4)"
+# Autospin: a turns the view like Right, a bit each frame.
+key h a; sleep 0.5; pov spin
+awk -v y="$(sed -n 's/^#declare VP = <[^,]*,\([^,]*\),.*/\1/p' "$W/spin.pov")" 'BEGIN {exit !(y > 0)}' || gui_fail "a: no spin"
 gui_quit q
 gui_pass
