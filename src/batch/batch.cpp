@@ -705,8 +705,7 @@ int CheckBatchOutputs(const BATCHRUN *run, FILE *err) {
     const char *option, *path;
   } outputs[sizeof(batchwriters) / sizeof(batchwriters[0]) + 1] = {{"--csv", run->csvfile}, {"--png", run->pngfile}};
   int n = 2;
-  for (const BATCHWRITER &w : batchwriters)
-    if (w.save != SaveCellsCSVFile) outputs[n++] = {w.option, BatchOutputPath(run, &w)};
+  for (int k = 1; k < nbatchwriters; k++) outputs[n++] = {batchwriters[k].option, BatchOutputPath(run, &batchwriters[k])};
   for (int k = 0; k < n; k++) {
     if (outputs[k].path[0] == '\0' || CanCreate(outputs[k].path)) continue;
     fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, outputs[k].option, outputs[k].path,
@@ -745,10 +744,9 @@ static int FinishBatchRun(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
     status = BATCH_FILEERROR;
   if (WriteBatchSlices(sim, run) != BATCH_OK) return BATCH_FATAL;
   if (run->stats) RunStatisticsToCompletion(sim);
-  for (const BATCHWRITER &w : batchwriters) {
-    const char *path = BatchOutputPath(run, &w);
-    if (w.save != SaveCellsCSVFile && path[0] && WriteBatchFile(sim, &w, path, err) != BATCH_OK)
-      status = BATCH_FILEERROR;
+  for (int k = 1; k < nbatchwriters; k++) {
+    const char *path = BatchOutputPath(run, &batchwriters[k]);
+    if (path[0] && WriteBatchFile(sim, &batchwriters[k], path, err) != BATCH_OK) status = BATCH_FILEERROR;
   }
   if (WriteBatchPicture(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
   return status;

@@ -135,8 +135,8 @@ int GrowAggregate(SIMULATION &sim, BATCHGROWTH *growth);
 // the veto that refused the most sticks, or none came within reach.
 void WriteStallMessage(SIMULATION &sim, const BATCHGROWTH *growth, FILE *err);
 
-// The writers in the order a run writes them: the CSV (before the slice
-// files and the statistics), then --pov ... --summary after them, each
+// The writers in the order a run writes them: the CSV first (batchwriters[0],
+// before the slice files and the statistics), then --pov ... --summary, each
 // with the menu entry's format and variant, or a writer of its own (save)
 // for the files the window does not write.
 struct BATCHWRITER {
