@@ -57,7 +57,11 @@ typedef std::function<bool(int cells, long long steps)> Progress;
 // Grows until the aggregate holds `cells` cells (0: no cell limit), until
 // `steps` more steps were taken (-1: no step limit), until progress asks to
 // stop, or until the stall limit ("stall-steps") passes without a new cell.
-// Cells and weights are complete when it returns.
+// Cells and weights are complete when it returns. Growing on by further
+// calls, after a stop or to a larger count, gives the cells one call would;
+// with the fast walk a step limit that ends a call mid-walk changes the
+// cells that follow, and the weights may differ in their last digits (the
+// walk owes them and adds them up as each call returns).
 int Grow(Simulation *sim, int cells, long long steps = -1, const Progress &progress = Progress());
 
 // The number of cells and the steps taken by every Grow so far.
