@@ -32,8 +32,9 @@ struct PySimulation {
 PySimulation &Ready(py::handle self) {
   PySimulation &s = self.cast<PySimulation &>();
   if (s.busy)
-    throw std::runtime_error("dla3d: this Simulation is busy (growing in another thread, or its progress callback "
-                             "called it)");
+    throw std::runtime_error(
+        "dla3d: this Simulation is busy (growing in another thread, or its progress callback "
+        "called it)");
   return s;
 }
 
@@ -193,10 +194,12 @@ PYBIND11_MODULE(dla3d, m) {
           "(n, 3) float64: x, y, z of each cell in growth order; a read-only view while it lives, the\n"
           "Simulation cannot grow")
       .def_property_readonly(
-          "weight", [](py::object self) { return View(self, py::dtype::of<double>(), dla3d::Weights(Ready(self).sim), 1); },
+          "weight",
+          [](py::object self) { return View(self, py::dtype::of<double>(), dla3d::Weights(Ready(self).sim), 1); },
           "(n,) float64: each cell's weight (a view)")
       .def_property_readonly(
-          "parent", [](py::object self) { return View(self, py::dtype::of<int>(), dla3d::Parents(Ready(self).sim), 1); },
+          "parent",
+          [](py::object self) { return View(self, py::dtype::of<int>(), dla3d::Parents(Ready(self).sim), 1); },
           "(n,) int32: each cell's parent, -1 for a root (a view)")
       .def_property_readonly(
           "root",

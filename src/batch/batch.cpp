@@ -96,26 +96,33 @@ static const BATCHOPTION batchoptions[] = {
    "end the run, writing every file asked for (exit status 3), after N steps without a new cell (1e10)"},
   {"--csv", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(csvfile), 0, 0, 0, 0, "a path",
    "write the aggregate: index,parent,x,y,z,weight"},
-  {"--sample", NULL, "CODE", BOPT_SAMPLE, BR_SETTING, R(sample), 0, 1, 100, 0, "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
+  {"--sample", NULL, "CODE", BOPT_SAMPLE, BR_SETTING, R(sample), 0, 1, 100, 0,
+   "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
    "constraint surface from a sample (listed below); not with --stl"},
-  {"--transform", NULL, "SX,SY,SZ DX,DY,DZ RX,RY,RZ", BOPT_TRANSFORM, BR_SETTING, R(transforms), 0, -NOLIMIT, NOLIMIT, 0,
-   "three triples of numbers: scale, shift, rotation in degrees",
+  {"--transform", NULL, "SX,SY,SZ DX,DY,DZ RX,RY,RZ", BOPT_TRANSFORM, BR_SETTING, R(transforms), 0,
+   -NOLIMIT, NOLIMIT, 0, "three triples of numbers: scale, shift, rotation in degrees",
    "the transform form's Apply (rotation in degrees); may be repeated, applied in order after --stl/--sample"},
   {"--slices", NULL, "N", BOPT_INT, BR_OUTPUT, R(nslices), 0, 2, INT_MAX, 0, "an integer from 2 to 2147483647",
    "after growth, write N slice files slice_000.txt ... (below 2 is refused, not raised to 2)"},
-  {"--slice-normal", NULL, "X,Y,Z", BOPT_TRIPLE, BR_OUTPUT, R(slicenormal), 0, -NOLIMIT, NOLIMIT, 0, "three numbers X,Y,Z",
+  {"--slice-normal", NULL, "X,Y,Z", BOPT_TRIPLE, BR_OUTPUT, R(slicenormal), 0, -NOLIMIT, NOLIMIT, 0,
+   "three numbers X,Y,Z",
    "direction the slices are cut along (0,0,1); shorter than 1e-5: z becomes 1, then it is normalised"},
   {"--slice-dir", NULL, "DIR", BOPT_PATH, BR_OUTPUT, R(slicedir), 0, 0, 0, 0, "a path",
    "write the slice files into DIR, which must exist (the current directory)"},
   {"--stats", NULL, "", BOPT_FLAG, BR_OUTPUT, R(stats), 0, 0, 0, 1, "",
    "after growth, run the statistics (branch distribution, box count) to completion"},
-  {"--pov", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povfile), 0, 0, 0, 0, "a path", "write POV-Ray, cylinders and spheres"},
-  {"--pov-sweep", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povsweepfile), 0, 0, 0, 0, "a path", "write POV-Ray, sphere sweeps"},
-  {"--geom", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(geomfile), 0, 0, 0, 0, "a path", "write GEOM, cylinders and spheres"},
-  {"--vrml", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vrmlfile), 0, 0, 0, 0, "a path", "write VRML 2.0, cylinders and spheres"},
+  {"--pov", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povfile), 0, 0, 0, 0, "a path",
+   "write POV-Ray, cylinders and spheres"},
+  {"--pov-sweep", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povsweepfile), 0, 0, 0, 0, "a path",
+   "write POV-Ray, sphere sweeps"},
+  {"--geom", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(geomfile), 0, 0, 0, 0, "a path",
+   "write GEOM, cylinders and spheres"},
+  {"--vrml", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vrmlfile), 0, 0, 0, 0, "a path",
+   "write VRML 2.0, cylinders and spheres"},
   {"--vrml-caps", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vrmlcapsfile), 0, 0, 0, 0, "a path",
    "write VRML 2.0, cylinders, end caps and spheres"},
-  {"--dxf-points", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(dxfpointsfile), 0, 0, 0, 0, "a path", "write the point cloud as DXF"},
+  {"--dxf-points", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(dxfpointsfile), 0, 0, 0, 0, "a path",
+   "write the point cloud as DXF"},
   {"--geom-points", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(geompointsfile), 0, 0, 0, 0, "a path",
    "write the point cloud as GEOM"},
   {"--stl-out", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(stloutfile), 0, 0, 0, 0, "a path",
@@ -331,6 +338,12 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
+// The arguments an option's value takes.
+static int ValueCount(const BATCHOPTION *o) {
+  if (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) return 0;
+  return o->kind == BOPT_PAIR ? 2 : o->kind == BOPT_TRANSFORM ? 3 : 1;
+}
+
 int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
   SetRunDefaults(run);
   for (int i = 1; i < argc; i++) {
@@ -345,10 +358,7 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
       return BATCH_USAGE;
     }
     const BATCHOPTION *o = &batchoptions[row];
-    int nvalues = o->kind == BOPT_PAIR        ? 2
-                  : o->kind == BOPT_TRANSFORM ? 3
-                  : (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) ? 0
-                                                                   : 1;
+    int nvalues = ValueCount(o);
     if (i + nvalues >= argc) {
       fprintf(err, "%s: %s needs %s%s (allowed: %s)\n", programname, o->name,
               nvalues == 3 ? "three values " : nvalues == 2 ? "two values " : "a value ", o->args, o->range);
@@ -464,7 +474,7 @@ int BatchOptionRole(const char *name, int *nvalues) {
   for (int k = 0; k < NBATCHOPTIONS; k++) {
     const BATCHOPTION *o = &batchoptions[k];
     if (strcmp(name, o->name) != 0 && (o->alias == NULL || strcmp(name, o->alias) != 0)) continue;
-    *nvalues = o->kind == BOPT_PAIR ? 2 : o->kind == BOPT_TRANSFORM ? 3 : (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) ? 0 : 1;
+    *nvalues = ValueCount(o);
     return o->role;
   }
   return -1;
@@ -705,7 +715,8 @@ int CheckBatchOutputs(const BATCHRUN *run, FILE *err) {
     const char *option, *path;
   } outputs[sizeof(batchwriters) / sizeof(batchwriters[0]) + 1] = {{"--csv", run->csvfile}, {"--png", run->pngfile}};
   int n = 2;
-  for (int k = 1; k < nbatchwriters; k++) outputs[n++] = {batchwriters[k].option, BatchOutputPath(run, &batchwriters[k])};
+  for (int k = 1; k < nbatchwriters; k++)
+    outputs[n++] = {batchwriters[k].option, BatchOutputPath(run, &batchwriters[k])};
   for (int k = 0; k < n; k++) {
     if (outputs[k].path[0] == '\0' || CanCreate(outputs[k].path)) continue;
     fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, outputs[k].option, outputs[k].path,

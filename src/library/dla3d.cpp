@@ -33,12 +33,11 @@ static std::string Captured(const std::function<void(FILE *)> &f) {
 
 // The arguments of one setting, as dla3d-batch's command line holds them;
 // "" and no words when the setting is refused (*message then says why).
-static std::vector<std::string> SettingWords(const std::string &name, const std::string &value,
-                                             std::string *message) {
+static std::vector<std::string> SettingWords(const std::string &name, const std::string &value, std::string *message) {
   std::string option = "--" + name;
   int nvalues = 0, role = BatchOptionRole(option.c_str(), &nvalues);
   std::vector<std::string> words = {option};
-  const char *refusal = role == BR_LIMIT    ? "is a limit of the growth, not a setting (give it to Grow)"
+  const char *refusal = role == BR_LIMIT     ? "is a limit of the growth, not a setting (give it to Grow)"
                         : role == BR_OUTPUT  ? "is an output, not a setting (Write writes files after growth, "
                                                "Statistics runs the statistics)"
                         : role == BR_PROGRAM ? "belongs to dla3d-batch's command line, not to a simulation"

@@ -35,10 +35,11 @@ static int Run(Simulation *sim, const BATCHRUN &run) {
   BATCHBAR bar;
   StartBatchBar(&bar, &run, CellCount(sim), stderr);
   Progress show;
-  if (progress) show = [&bar](int cells, long long steps) {
-    ShowBatchBar(&bar, cells, steps, 0, 0);
-    return true;
-  };
+  if (progress)
+    show = [&bar](int cells, long long steps) {
+      ShowBatchBar(&bar, cells, steps, 0, 0);
+      return true;
+    };
   int grown = Grow(sim, run.cells, run.steps, show);
   if (progress) ShowBatchBar(&bar, CellCount(sim), sim->last.taken, 1, grown == GROW_DONE);
   if (grown == GROW_STALLED) {
