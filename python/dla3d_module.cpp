@@ -8,6 +8,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <functional>
 #include <string>
 
 #include "dla3d/dla3d.h"
@@ -36,6 +37,18 @@ PySimulation &Ready(py::handle self) {
         "dla3d: this Simulation is busy (growing in another thread, or its progress callback "
         "called it)");
   return s;
+}
+
+// Runs work with the GIL released, the simulation busy meanwhile (also
+// when work throws).
+void Released(PySimulation &s, const std::function<void()> &work) {
+  struct Busy {
+    PySimulation &s;
+    ~Busy() { s.busy = false; }
+  } busy{s};
+  s.busy = true;
+  py::gil_scoped_release release;
+  work();
 }
 
 // A number, text or path as dla3d-batch's command line would hold it. str()
@@ -133,13 +146,8 @@ std::string Grow(py::object self, py::object cells, py::object steps, py::object
       return false;
     }
   };
-  s.busy = true;
   int grown;
-  {
-    py::gil_scoped_release release;
-    grown = dla3d::Grow(s.sim, n, k, hook);
-  }
-  s.busy = false;
+  Released(s, [&] { grown = dla3d::Grow(s.sim, n, k, hook); });
   if (PyErr_Occurred()) throw py::error_already_set();
   return grown == dla3d::GROW_STALLED ? "stalled" : grown == dla3d::GROW_STOPPED ? "stopped" : "done";
 }
@@ -215,12 +223,7 @@ PYBIND11_MODULE(dla3d, m) {
           "statistics",
           [](py::object self) {
             PySimulation &s = Ready(self);
-            s.busy = true;
-            {
-              py::gil_scoped_release release;
-              dla3d::Statistics(s.sim);
-            }
-            s.busy = false;
+            Released(s, [&] { dla3d::Statistics(s.sim); });
             py::dict all = Summary(s), stats;
             for (const char *key : {"statistics_timestep", "branch_distribution", "box_counts", "dimension_boxcount"})
               stats[key] = all[key];
@@ -234,12 +237,7 @@ PYBIND11_MODULE(dla3d, m) {
             std::string p = Word(path), f = format.is_none() ? "" : py::str(format).cast<std::string>();
             if (dla3d::Writer(p, f).empty()) throw py::value_error(dla3d::Write(s.sim, p, f));
             std::string message;
-            s.busy = true;
-            {
-              py::gil_scoped_release release;
-              message = dla3d::Write(s.sim, p, f);
-            }
-            s.busy = false;
+            Released(s, [&] { message = dla3d::Write(s.sim, p, f); });
             if (!message.empty()) {
               PyErr_SetString(PyExc_OSError, message.c_str());
               throw py::error_already_set();
