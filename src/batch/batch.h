@@ -106,7 +106,7 @@ int CheckBatchOutputs(const BATCHRUN *run, FILE *err);
 // Called by GrowAggregate between its runs of steps, at most every
 // BATCH_PROGRESSPERIOD seconds, with the steps this growth has taken.
 // Returns 0 to stop the growth. A run of steps ends at each new cell and
-// after at most 2^20 steps (some 0.05 s of the exact walk far from cells).
+// after at most 2^20 steps (some 0.03 s of the exact walk when no cell grows).
 typedef int (*BATCHPROGRESS)(SIMULATION &sim, long long steps, void *context);
 #define BATCH_PROGRESSPERIOD 0.05
 
