@@ -2,7 +2,8 @@
 # Checks that every #include "..." under src/ follows the layers README's
 # "Layout" section lists, and that no core, gl or offscreen file includes a
 # window system header (OpenGL only in gl, offscreen and desktop; libpng only
-# in offscreen). Prints
+# in offscreen). The public header (include/) includes no header of the
+# project, and the Python module (python/) only the public header. Prints
 # each offending line; exits 1 if there is one.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,7 +20,8 @@ declare -A allowed=(
   [forms]="lib app surface growth"
   [batch]="lib app surface growth view export forms"
   [gl]="lib app surface view"
-  [offscreen]="lib app surface growth view export forms batch gl"
+  [library]="lib app surface growth view export forms batch dla3d"
+  [offscreen]="lib app surface growth view export forms batch gl library dla3d"
   [desktop]="lib app surface growth view export forms gl"
 )
 # System headers of the window system and the toolkit, and of OpenGL.
@@ -27,6 +29,13 @@ window='<(GL/glut\.h|GL/freeglut\.h|forms\.h|X11/)'
 opengl='<GL/'
 
 status=0
+# Users of the library see only its header: no project header behind it.
+while IFS= read -r file; do
+  case "$file" in include/*) allow="" ;; *) allow="dla3d/dla3d.h" ;; esac
+  while IFS= read -r line; do
+    [ "$line" = "#include \"$allow\"" ] || { echo "$file: $line (may include: ${allow:-no project header})"; status=1; }
+  done < <(grep -E '^#include "' "$file" || true)
+done < <(git ls-files 'include/*' 'python/*.h' 'python/*.cpp'; git ls-files --others --exclude-standard 'include/*' 'python/*.h' 'python/*.cpp')
 while IFS= read -r file; do
   folder=${file#src/}
   base=${folder%.*}

@@ -14,7 +14,7 @@ runs=${1:-20000}
 [ "$runs" = long ] && runs=10000000
 
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDLA_FUZZ=ON \
-  -DDLA_FUZZ_RUNS="$runs" -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF -DDLA_BUILD_TESTS=OFF >/dev/null
+  -DDLA_FUZZ_RUNS="$runs" -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF -DDLA_BUILD_TESTS=OFF -DDLA_PYTHON=OFF >/dev/null
 cmake --build build-fuzz -j2 --target fuzz_stl fuzz_seeds fuzz_readline
 cd build-fuzz
 ctest --output-on-failure --no-tests=error -j2 -L fuzz

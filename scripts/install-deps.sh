@@ -15,6 +15,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   freeglut3-dev libglu1-mesa-dev libgl1-mesa-dri libforms-dev libosmesa6-dev libpng-dev
   libtinygltf-dev nlohmann-json3-dev
+  pybind11-dev python3-dev
 )
 test=0
 [ "${1:-}" = --test ] && test=1
@@ -23,7 +24,7 @@ if [ $test = 1 ]; then
     mesa-utils xvfb xauth xdotool x11-utils x11-apps xfonts-base xfonts-75dpi
     imagemagick python3 python3-pil parallel
     povray view3dscene admesh assimp-utils python3-ezdxf openscad
-    blender python3-numpy python3-vtk9 meshlab
+    blender python3-numpy python3-pytest python3-vtk9 meshlab
     clang libclang-rt-14-dev
   )
   # A machine may bring its own Node.js and npm; Debian's otherwise.

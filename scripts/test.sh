@@ -10,7 +10,8 @@ scripts/build.sh
 # The default suite, then the soak (60 s of random keys and menu choices).
 (cd build && ctest --output-on-failure -j2 -LE soak && ctest --output-on-failure -L soak)
 
-cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DDLA_SANITIZE=ON -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF >/dev/null
+cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DDLA_SANITIZE=ON -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF \
+  -DDLA_PYTHON=OFF >/dev/null
 cmake --build build-asan -j"$(nproc)"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j2 -L unit)
 

@@ -35,7 +35,10 @@ typedef std::vector<std::pair<std::string, std::string>> Settings;
 // made and the roots placed, as dla3d-batch does before growth. Returns
 // NULL, with dla3d-batch's message in *error (when error is not NULL), for
 // a refused setting, a seed or STL file that cannot be read, or a run that
-// can never grow.
+// can never grow. An output (csv, stats, ...), a run limit (cells, steps)
+// or an option of dla3d-batch's command line (progress, help) is refused
+// too. On success *error holds dla3d-batch's warnings (a setting that does
+// less than it asks), usually none. Messages carry no line end.
 Simulation *Create(const Settings &settings, std::string *error);
 
 // Frees a simulation (NULL is allowed).
@@ -44,14 +47,21 @@ void Destroy(Simulation *sim);
 // How a Grow ended.
 enum { GROW_DONE = 0, GROW_STOPPED = 1, GROW_STALLED = 3 };
 
-// Called about ten times a second during Grow with the cells and the steps
-// so far; returning false stops the growth (GROW_STOPPED).
+// Called during Grow, in Grow's thread, about twenty times a second (between
+// runs of steps, which end at each new cell and after at most 2^20 steps),
+// with the cells so far and the steps this Grow has taken; returning false
+// stops the growth (GROW_STOPPED). An exception it throws stops the growth
+// too and leaves Grow once the cells are complete.
 typedef std::function<bool(int cells, long long steps)> Progress;
 
 // Grows until the aggregate holds `cells` cells (0: no cell limit), until
 // `steps` more steps were taken (-1: no step limit), until progress asks to
 // stop, or until the stall limit ("stall-steps") passes without a new cell.
-// Cells and weights are complete when it returns.
+// Cells and weights are complete when it returns. Growing on by further
+// calls, after a stop or to a larger count, gives the cells one call would;
+// with the fast walk a step limit that ends a call mid-walk changes the
+// cells that follow, and the weights may differ in their last digits (the
+// walk owes them and adds them up as each call returns).
 int Grow(Simulation *sim, int cells, long long steps = -1, const Progress &progress = Progress());
 
 // The number of cells and the steps taken by every Grow so far.
@@ -86,6 +96,10 @@ std::string Summary(const Simulation *sim);
 // (info), .gltf and .glb, .ply, .vtp, .json (summary). Returns "" when
 // written, else dla3d-batch's message.
 std::string Write(Simulation *sim, const std::string &path, const std::string &format = std::string());
+
+// The writer Write would take for path and format, by its option name
+// ("ply"), or "" when there is none.
+std::string Writer(const std::string &path, const std::string &format = std::string());
 
 // The program's version, as the report prints it ("1.02").
 const char *Version(void);

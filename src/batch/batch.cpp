@@ -6,6 +6,7 @@
 #include <stddef.h>  // offsetof()
 #include <stdlib.h>  // strtod(), strtol()
 #include <string.h>  // strcmp(), memset()
+#include <strings.h>  // strncasecmp()
 #include <sys/stat.h>  // stat()
 #include <unistd.h>  // isatty(), access()
 
@@ -45,6 +46,7 @@ struct BATCHOPTION {
   const char *alias;  // a second spelling, or NULL
   const char *args;   // value names for the usage text
   int kind;
+  int role;           // BR_SETTING ... BR_PROGRAM (batch.h)
   int target;         // BT_GROWTH or BT_RUN
   size_t offset;      // where the (first) value goes
   size_t offset2;     // the second value of a pair
@@ -59,107 +61,114 @@ struct BATCHOPTION {
 #define NOLIMIT 1e300
 
 static const BATCHOPTION batchoptions[] = {
-  {"--seed", NULL, "N", BOPT_INT, G(seed), 0, 0, INT_MAX, 0, "an integer from 0 to 2147483647",
+  {"--seed", NULL, "N", BOPT_INT, BR_SETTING, G(seed), 0, 0, INT_MAX, 0, "an integer from 0 to 2147483647",
    "seed of both random number generators (12345)"},
-  {"--bias", NULL, "PCT", BOPT_DOUBLE, G(bias), 0, 0, 1, 0, "0 to 1",
+  {"--bias", NULL, "PCT", BOPT_DOUBLE, BR_SETTING, G(bias), 0, 0, 1, 0, "0 to 1",
    "drift of every step away from the roots, in percent of the branch length (0.1)"},
-  {"--branch-length", NULL, "L", BOPT_DOUBLE, G(branchlength), 0, 0.01, NOLIMIT, 0,
+  {"--branch-length", NULL, "L", BOPT_DOUBLE, BR_SETTING, G(branchlength), 0, 0.01, NOLIMIT, 0,
    "0.01 or more", "step and branch length (1)"},
-  {"--stickiness", NULL, "PCT", BOPT_DOUBLE, G(stickiness), 0, 1, 100, 0, "1 to 100",
+  {"--stickiness", NULL, "PCT", BOPT_DOUBLE, BR_SETTING, G(stickiness), 0, 1, 100, 0, "1 to 100",
    "chance in percent that a touching particle sticks (100)"},
-  {"--rotation", NULL, "DEG", BOPT_DOUBLE, G(rotation), 0, -5, 5, 0, "-5 to 5",
+  {"--rotation", NULL, "DEG", BOPT_DOUBLE, BR_SETTING, G(rotation), 0, -5, 5, 0, "-5 to 5",
    "swirl about the z axis per step, degrees (0)"},
-  {"--thickness", NULL, "START END", BOPT_PAIR, G(thickstart), offsetof(GROWTHSTATE, thickend), 0,
+  {"--thickness", NULL, "START END", BOPT_PAIR, BR_SETTING, G(thickstart), offsetof(GROWTHSTATE, thickend), 0,
    NOLIMIT, 0, "0 or more", "branch thickness at the largest weight, and at weight 0 (0.4 0.01)"},
-  {"--roots", NULL, "N", BOPT_INT, G(nroots), 0, 0, MAXROOTS, 0, "an integer from 0 to 1000000",
+  {"--roots", NULL, "N", BOPT_INT, BR_SETTING, G(nroots), 0, 0, MAXROOTS, 0, "an integer from 0 to 1000000",
    "number of roots (1)"},
-  {"--root-range", NULL, "R", BOPT_DOUBLE, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "-1e300 to 1e300",
+  {"--root-range", NULL, "R", BOPT_DOUBLE, BR_SETTING, G(rootrange), 0, -NOLIMIT, NOLIMIT, 0, "-1e300 to 1e300",
    "size of the region the roots are placed in (10)"},
-  {"--root-distribution", NULL, "CODE", BOPT_INT, G(rootdistribution), 0, INT_MIN, INT_MAX, 0,
+  {"--root-distribution", NULL, "CODE", BOPT_INT, BR_SETTING, G(rootdistribution), 0, INT_MIN, INT_MAX, 0,
    "any integer", "how the roots are placed (listed below); above 9 none (1)"},
-  {"--associate", NULL, "", BOPT_FLAG, G(associate), 0, 0, 0, 1, "", "seed association on"},
-  {"--intersect-range", NULL, "PCT", BOPT_DOUBLE, G(intersectrange), 0, 0, 90, 0, "0 to 90",
+  {"--associate", NULL, "", BOPT_FLAG, BR_SETTING, G(associate), 0, 0, 0, 1, "", "seed association on"},
+  {"--intersect-range", NULL, "PCT", BOPT_DOUBLE, BR_SETTING, G(intersectrange), 0, 0, 90, 0, "0 to 90",
    "smallest distance between branches, percent of the branch length (0)"},
-  {"--source", NULL, "CODE", BOPT_INT, G(sourcetype), 0, 1, 17, 0, "an integer from 1 to 17",
+  {"--source", NULL, "CODE", BOPT_INT, BR_SETTING, G(sourcetype), 0, 1, 17, 0, "an integer from 1 to 17",
    "where particles are released, as the menu numbers them (listed below) (1)"},
-  {"--seed-file", NULL, "PATH", BOPT_PATH, R(seedfile), 0, 0, 0, 0, "a path",
+  {"--seed-file", NULL, "PATH", BOPT_PATH, BR_SETTING, R(seedfile), 0, 0, 0, 0, "a path",
    "roots from a seed file, as \"Read seeds\" does"},
-  {"--stl", NULL, "PATH", BOPT_PATH, R(stlfile), 0, 0, 0, 0, "a path",
+  {"--stl", NULL, "PATH", BOPT_PATH, BR_SETTING, R(stlfile), 0, 0, 0, 0, "a path",
    "constraint surface from an STL file"},
-  {"--cells", NULL, "N", BOPT_INT, R(cells), 0, 1, INT_MAX, 0, "an integer from 1 to 2147483647",
+  {"--cells", NULL, "N", BOPT_INT, BR_LIMIT, R(cells), 0, 1, INT_MAX, 0, "an integer from 1 to 2147483647",
    "grow until the aggregate holds N cells (10000)"},
-  {"--steps", NULL, "N", BOPT_LONG, R(steps), 0, 0, 9.2e18, 0, "an integer from 0",
+  {"--steps", NULL, "N", BOPT_LONG, BR_LIMIT, R(steps), 0, 0, 9.2e18, 0, "an integer from 0",
    "or stop after N growth steps, whichever comes first"},
-  {"--stall-steps", NULL, "N", BOPT_LONG, R(stallsteps), 0, 1, 9.2e18, 0, "an integer from 1",
+  {"--stall-steps", NULL, "N", BOPT_LONG, BR_SETTING, R(stallsteps), 0, 1, 9.2e18, 0, "an integer from 1",
    "end the run, writing every file asked for (exit status 3), after N steps without a new cell (1e10)"},
-  {"--csv", NULL, "PATH", BOPT_PATH, R(csvfile), 0, 0, 0, 0, "a path",
+  {"--csv", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(csvfile), 0, 0, 0, 0, "a path",
    "write the aggregate: index,parent,x,y,z,weight"},
-  {"--sample", NULL, "CODE", BOPT_SAMPLE, R(sample), 0, 1, 100, 0, "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
+  {"--sample", NULL, "CODE", BOPT_SAMPLE, BR_SETTING, R(sample), 0, 1, 100, 0,
+   "1, 2, 3, 11, 12, 13, 21, 22, 23, 31 or 100",
    "constraint surface from a sample (listed below); not with --stl"},
-  {"--transform", NULL, "SX,SY,SZ DX,DY,DZ RX,RY,RZ", BOPT_TRANSFORM, R(transforms), 0, -NOLIMIT, NOLIMIT, 0,
-   "three triples of numbers: scale, shift, rotation in degrees",
+  {"--transform", NULL, "SX,SY,SZ DX,DY,DZ RX,RY,RZ", BOPT_TRANSFORM, BR_SETTING, R(transforms), 0,
+   -NOLIMIT, NOLIMIT, 0, "three triples of numbers: scale, shift, rotation in degrees",
    "the transform form's Apply (rotation in degrees); may be repeated, applied in order after --stl/--sample"},
-  {"--slices", NULL, "N", BOPT_INT, R(nslices), 0, 2, INT_MAX, 0, "an integer from 2 to 2147483647",
+  {"--slices", NULL, "N", BOPT_INT, BR_OUTPUT, R(nslices), 0, 2, INT_MAX, 0, "an integer from 2 to 2147483647",
    "after growth, write N slice files slice_000.txt ... (below 2 is refused, not raised to 2)"},
-  {"--slice-normal", NULL, "X,Y,Z", BOPT_TRIPLE, R(slicenormal), 0, -NOLIMIT, NOLIMIT, 0, "three numbers X,Y,Z",
+  {"--slice-normal", NULL, "X,Y,Z", BOPT_TRIPLE, BR_OUTPUT, R(slicenormal), 0, -NOLIMIT, NOLIMIT, 0,
+   "three numbers X,Y,Z",
    "direction the slices are cut along (0,0,1); shorter than 1e-5: z becomes 1, then it is normalised"},
-  {"--slice-dir", NULL, "DIR", BOPT_PATH, R(slicedir), 0, 0, 0, 0, "a path",
+  {"--slice-dir", NULL, "DIR", BOPT_PATH, BR_OUTPUT, R(slicedir), 0, 0, 0, 0, "a path",
    "write the slice files into DIR, which must exist (the current directory)"},
-  {"--stats", NULL, "", BOPT_FLAG, R(stats), 0, 0, 0, 1, "",
+  {"--stats", NULL, "", BOPT_FLAG, BR_OUTPUT, R(stats), 0, 0, 0, 1, "",
    "after growth, run the statistics (branch distribution, box count) to completion"},
-  {"--pov", NULL, "PATH", BOPT_PATH, R(povfile), 0, 0, 0, 0, "a path", "write POV-Ray, cylinders and spheres"},
-  {"--pov-sweep", NULL, "PATH", BOPT_PATH, R(povsweepfile), 0, 0, 0, 0, "a path", "write POV-Ray, sphere sweeps"},
-  {"--geom", NULL, "PATH", BOPT_PATH, R(geomfile), 0, 0, 0, 0, "a path", "write GEOM, cylinders and spheres"},
-  {"--vrml", NULL, "PATH", BOPT_PATH, R(vrmlfile), 0, 0, 0, 0, "a path", "write VRML 2.0, cylinders and spheres"},
-  {"--vrml-caps", NULL, "PATH", BOPT_PATH, R(vrmlcapsfile), 0, 0, 0, 0, "a path",
+  {"--pov", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povfile), 0, 0, 0, 0, "a path",
+   "write POV-Ray, cylinders and spheres"},
+  {"--pov-sweep", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(povsweepfile), 0, 0, 0, 0, "a path",
+   "write POV-Ray, sphere sweeps"},
+  {"--geom", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(geomfile), 0, 0, 0, 0, "a path",
+   "write GEOM, cylinders and spheres"},
+  {"--vrml", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vrmlfile), 0, 0, 0, 0, "a path",
+   "write VRML 2.0, cylinders and spheres"},
+  {"--vrml-caps", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vrmlcapsfile), 0, 0, 0, 0, "a path",
    "write VRML 2.0, cylinders, end caps and spheres"},
-  {"--dxf-points", NULL, "PATH", BOPT_PATH, R(dxfpointsfile), 0, 0, 0, 0, "a path", "write the point cloud as DXF"},
-  {"--geom-points", NULL, "PATH", BOPT_PATH, R(geompointsfile), 0, 0, 0, 0, "a path",
+  {"--dxf-points", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(dxfpointsfile), 0, 0, 0, 0, "a path",
+   "write the point cloud as DXF"},
+  {"--geom-points", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(geompointsfile), 0, 0, 0, 0, "a path",
    "write the point cloud as GEOM"},
-  {"--stl-out", NULL, "PATH", BOPT_PATH, R(stloutfile), 0, 0, 0, 0, "a path",
+  {"--stl-out", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(stloutfile), 0, 0, 0, 0, "a path",
    "write the constraint surface as ASCII STL"},
-  {"--info", NULL, "PATH", BOPT_PATH, R(infofile), 0, 0, 0, 0, "a path",
+  {"--info", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(infofile), 0, 0, 0, 0, "a path",
    "write the simulation information report"},
-  {"--gltf", NULL, "PATH", BOPT_PATH, R(gltffile), 0, 0, 0, 0, "a path",
+  {"--gltf", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(gltffile), 0, 0, 0, 0, "a path",
    "write glTF 2.0 (y up): the tubes as drawn with a sphere at each joint, the surface, a node per\n"
    "                               root tree, _WEIGHT and _ROOT per vertex; one .glb if PATH ends in .glb, else JSON\n"
    "                               and its data beside it in NAME.bin; 2472 bytes a cell"},
-  {"--ply", NULL, "PATH", BOPT_PATH, R(plyfile), 0, 0, 0, 0, "a path",
+  {"--ply", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(plyfile), 0, 0, 0, 0, "a path",
    "write the cells as binary PLY: x, y, z, weight, root, the colour drawn, the weight as quality;\n"
    "                               the parent links as edges"},
-  {"--vtp", NULL, "PATH", BOPT_PATH, R(vtpfile), 0, 0, 0, 0, "a path",
+  {"--vtp", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(vtpfile), 0, 0, 0, 0, "a path",
    "write VTK XML PolyData (binary): the cells as points with weight, root and growth order;\n"
    "                               the parent links as lines"},
-  {"--summary", NULL, "PATH", BOPT_PATH, R(summaryfile), 0, 0, 0, 0, "a path",
+  {"--summary", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(summaryfile), 0, 0, 0, 0, "a path",
    "write a JSON summary: size, radii, fractal dimensions, statistics, time, settings"},
-  {"--png", NULL, "PATH", BOPT_PATH, R(pngfile), 0, 0, 0, 0, "a path",
+  {"--png", NULL, "PATH", BOPT_PATH, BR_OUTPUT, R(pngfile), 0, 0, 0, 0, "a path",
    "last, draw the aggregate as the window shows it, without the overlays, into a PNG file\n"
    "                               (8-bit RGB, deflate-compressed by libpng)"},
-  {"--size", NULL, "WxH", BOPT_SIZE, R(pngwidth), offsetof(BATCHRUN, pngheight), 1, 8192, 0,
+  {"--size", NULL, "WxH", BOPT_SIZE, BR_OUTPUT, R(pngwidth), offsetof(BATCHRUN, pngheight), 1, 8192, 0,
    "WIDTHxHEIGHT, each an integer from 1 to 8192", "size of the --png picture in pixels (800x600)"},
-  {"--dla-draw", NULL, "CODE", BOPT_INT, R(dladrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+  {"--dla-draw", NULL, "CODE", BOPT_INT, BR_SETTING, R(dladrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
    "aggregate drawing mode: 1 off, 2 points, 3 lines, 5 tubes; also the colours of the writers (3)"},
-  {"--stl-draw", NULL, "CODE", BOPT_INT, R(stldrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
+  {"--stl-draw", NULL, "CODE", BOPT_INT, BR_OUTPUT, R(stldrawmode), 0, 1, 5, 0, "an integer from 1 to 5",
    "surface drawing mode: 1 off, 2 faces wireframe, 3 mid points, 4 vertices, 5 solid (2)"},
-  {"--no-extras", NULL, "", BOPT_FLAG, R(noextras), 0, 0, 0, 1, "",
+  {"--no-extras", NULL, "", BOPT_FLAG, BR_OUTPUT, R(noextras), 0, 0, 0, 1, "",
    "no circles, axes, release points or spheres in the picture (F1)"},
-  {"--camera-rotate", NULL, "DX,DY,DZ", BOPT_TRIPLE, R(camerarotate), 0, -NOLIMIT, NOLIMIT, 0,
+  {"--camera-rotate", NULL, "DX,DY,DZ", BOPT_TRIPLE, BR_OUTPUT, R(camerarotate), 0, -NOLIMIT, NOLIMIT, 0,
    "three numbers DX,DY,DZ", "turn the camera from home for --png: degrees about up, right, view direction"},
-  {"--aperture", NULL, "DEG", BOPT_DOUBLE, R(aperture), 0, 0.1, 179, 0, "0.1 to 179",
+  {"--aperture", NULL, "DEG", BOPT_DOUBLE, BR_OUTPUT, R(aperture), 0, 0.1, 179, 0, "0.1 to 179",
    "vertical field of view of the --png picture, degrees (60)"},
-  {"--fit", NULL, "", BOPT_FLAG, R(fit), 0, 0, 0, 1, "",
+  {"--fit", NULL, "", BOPT_FLAG, BR_OUTPUT, R(fit), 0, 0, 0, 1, "",
    "move the --png camera along its direction (after --camera-rotate) until the aggregate, and the\n"
    "                               surface when drawn, fills the frame with a small margin; the clip planes follow"},
-  {"--progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
-  {"--no-progress", NULL, "", BOPT_FLAG, R(progress), 0, 0, 0, 0, "",
+  {"--progress", NULL, "", BOPT_FLAG, BR_PROGRAM, R(progress), 0, 0, 0, 1, "", "a progress bar on standard error"},
+  {"--no-progress", NULL, "", BOPT_FLAG, BR_PROGRAM, R(progress), 0, 0, 0, 0, "",
    "no progress bar (default when standard error is not a terminal)"},
-  {"--search", NULL, "HOW", BOPT_SEARCH, R(search), 0, 0, 0, 0, "index or scan",
+  {"--search", NULL, "HOW", BOPT_SEARCH, BR_SETTING, R(search), 0, 0, 0, 0, "index or scan",
    "how a step finds the cell it touches: index, or scan every cell (index)"},
-  {"--walk", NULL, "HOW", BOPT_WALK, R(walk), 0, 0, 0, 0, "exact or fast",
+  {"--walk", NULL, "HOW", BOPT_WALK, BR_SETTING, R(walk), 0, 0, 0, 0, "exact or fast",
    "exact: every step as specified; fast: jumps across space the index proves free (same statistics, "
    "not the same cells; needs --search index) (exact)"},
-  {"-d", NULL, "", BOPT_FLAG, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
-  {"--help", "-h", "", BOPT_HELP, R(help), 0, 0, 0, 1, "", "this text"},
+  {"-d", NULL, "", BOPT_FLAG, BR_PROGRAM, R(debug), 0, 0, 0, 1, "", "diagnostics on standard error"},
+  {"--help", "-h", "", BOPT_HELP, BR_PROGRAM, R(help), 0, 0, 0, 1, "", "this text"},
 };
 
 #define NBATCHOPTIONS ((int)(sizeof(batchoptions) / sizeof(batchoptions[0])))
@@ -329,6 +338,12 @@ static int CheckCombinations(const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
+// The arguments an option's value takes.
+static int ValueCount(const BATCHOPTION *o) {
+  if (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) return 0;
+  return o->kind == BOPT_PAIR ? 2 : o->kind == BOPT_TRANSFORM ? 3 : 1;
+}
+
 int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
   SetRunDefaults(run);
   for (int i = 1; i < argc; i++) {
@@ -343,10 +358,7 @@ int ParseBatchOptions(int argc, char **argv, BATCHRUN *run, FILE *err) {
       return BATCH_USAGE;
     }
     const BATCHOPTION *o = &batchoptions[row];
-    int nvalues = o->kind == BOPT_PAIR        ? 2
-                  : o->kind == BOPT_TRANSFORM ? 3
-                  : (o->kind == BOPT_FLAG || o->kind == BOPT_HELP) ? 0
-                                                                   : 1;
+    int nvalues = ValueCount(o);
     if (i + nvalues >= argc) {
       fprintf(err, "%s: %s needs %s%s (allowed: %s)\n", programname, o->name,
               nvalues == 3 ? "three values " : nvalues == 2 ? "two values " : "a value ", o->args, o->range);
@@ -458,7 +470,17 @@ void WriteBatchUsage(FILE *fp, const char *name) {
           "With no output option the run says on standard output what it grew.\n");
 }
 
-// [SECTION] The run
+int BatchOptionRole(const char *name, int *nvalues) {
+  for (int k = 0; k < NBATCHOPTIONS; k++) {
+    const BATCHOPTION *o = &batchoptions[k];
+    if (strcmp(name, o->name) != 0 && (o->alias == NULL || strcmp(name, o->alias) != 0)) continue;
+    *nvalues = ValueCount(o);
+    return o->role;
+  }
+  return -1;
+}
+
+// [SECTION] Setting up: the settings, the surface, the roots, the outputs
 
 // Copies the given growth settings over growthstate, as typing them into
 // the settings form would.
@@ -481,89 +503,6 @@ static void WriteFileMessage(FILE *err, const char *option, const char *path, co
   fprintf(err, "%s: %s: cannot read \"%s\": %s", programname, option, path, msg->line2);
   if (strcmp(msg->line3, path) == 0 && errnum != 0) fprintf(err, " (%s)", strerror(errnum));
   fprintf(err, "\n");
-}
-
-void WriteCellsCSV(SIMULATION &sim, FILE *fp) {
-  fprintf(fp, "index,parent,x,y,z,weight\n");
-  for (int i = 0; i < sim.ncells; i++) {
-    const CELL &c = sim.cells[i];
-    fprintf(fp, "%d,%d,%.17g,%.17g,%.17g,%.17g\n", i, c.parent, c.p.x, c.p.y, c.p.z, c.weight);
-  }
-}
-
-void FormatProgress(char *line, int size, double fraction, int cells, double rate, double secondsleft) {
-  const int width = 40;
-  if (!(fraction > 0)) fraction = 0;
-  if (fraction > 1) fraction = 1;
-  int n = (int)(fraction * width);
-  char left[32] = "--";
-  if (secondsleft >= 0 && secondsleft < 1e7) {
-    long t = (long)(secondsleft + 0.5);
-    if (t >= 3600)
-      snprintf(left, sizeof(left), "%ld:%02ld:%02ld", t / 3600, t / 60 % 60, t % 60);
-    else
-      snprintf(left, sizeof(left), "%ld:%02ld", t / 60, t % 60);
-  }
-  snprintf(line, size, "[%.*s%*s] %3d%% %d cells, %.0f cells/s, %s left", n,
-           "########################################", width - n, "", (int)(fraction * 100), cells, rate, left);
-}
-
-// The share of the run done: of the cells, or of the step limit when that
-// comes first. The time left assumes the rate so far.
-static void ShowProgress(SIMULATION &sim, FILE *err, const BATCHRUN *run, long long step, int startcells,
-                         double seconds, int done) {
-  double f = run->cells > 0 ? (double)sim.ncells / run->cells : 1;
-  if (run->steps > 0 && (double)step / run->steps > f) f = (double)step / run->steps;
-  double rate = seconds > 0 ? (sim.ncells - startcells) / seconds : 0;
-  double left = done ? 0 : f > 0 && seconds > 0 ? seconds * (1 - f) / f : -1;
-  char line[160];
-  FormatProgress(line, sizeof(line), f, sim.ncells, rate, left);
-  fprintf(err, "\r%s%s", line, done ? "\n" : "");
-  fflush(err);
-}
-
-// The writers in the order they run, each with the menu entry's format and
-// variant, or a writer of its own (save) for the files the window does not write.
-struct BATCHWRITER {
-  const char *option;
-  size_t offset;  // the path in BATCHRUN
-  int format, variant;
-  int (*save)(SIMULATION &sim, const char *path);
-};
-
-static const BATCHWRITER batchwriters[] = {
-    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS, NULL},
-    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP, NULL},
-    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS, NULL},
-    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS, NULL},
-    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED, NULL},
-    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS, NULL},
-    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS, NULL},
-    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP, NULL},
-    {"--info", offsetof(BATCHRUN, infofile), 0, 0, SaveInformationFile},
-    {"--gltf", offsetof(BATCHRUN, gltffile), 0, 0, SaveGLTFFile},
-    {"--ply", offsetof(BATCHRUN, plyfile), 0, 0, SavePLYFile},
-    {"--vtp", offsetof(BATCHRUN, vtpfile), 0, 0, SaveVTPFile},
-    {"--summary", offsetof(BATCHRUN, summaryfile), 0, 0, SaveSummaryFile},
-};
-
-// The window's save commands are silent when a file cannot be opened; a
-// batch user asked for the file, so it is reported, the remaining files are
-// still written, and the run ends with BATCH_FILEERROR.
-static int RunWriters(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
-  int status = BATCH_OK;
-  for (const BATCHWRITER &w : batchwriters) {
-    const char *path = (const char *)run + w.offset;
-    if (path[0] == '\0') continue;
-    errno = 0;
-    int ok = w.save ? w.save(sim, path) : SaveModelFile(sim, path, w.format, w.variant);
-    if (!ok) {
-      fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w.option, path,
-              errno ? strerror(errno) : "cannot be opened");
-      status = BATCH_FILEERROR;
-    }
-  }
-  return status;
 }
 
 // A run that can never reach its cell count would spin forever: refused
@@ -625,17 +564,6 @@ static void ApplyDrawingOptions(SIMULATION &sim, const BATCHRUN *run) {
   if (run->noextras) sim.options.showextras = 0;
 }
 
-// The picture at the window's size, camera from home turned (and fitted) as asked.
-static int WritePicture(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
-  sim.camera.screenwidth = run->pngwidth;
-  sim.camera.screenheight = run->pngheight;
-  if (Given(run, "--aperture")) sim.camera.aperture = run->aperture;
-  const XYZ &r = run->camerarotate;
-  if (Given(run, "--camera-rotate")) RotateCamera(sim, r.x * DTOR, r.y * DTOR, r.z * DTOR);
-  if (run->fit) FitCamera(sim);
-  return run->picture(sim, run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
-}
-
 // The surface (STL file or sample, then the transforms) and the roots, as
 // the window would make them. Returns BATCH_OK or the status of a file that
 // could not be read, after its message.
@@ -670,6 +598,91 @@ static int SetUpGrowth(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
+int StartBatchRun(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
+  ResetProgram(sim);  // the window's state after start-up, camera home included
+  sim.options.debug = run->debug;
+  ApplyDrawingOptions(sim, run);
+  sim.growthsearch = run->search;
+  sim.growthwalk = run->walk;
+  ApplyBatchSettings(sim, run);
+  int status = SetUpGrowth(sim, run, err);
+  return status == BATCH_OK ? CheckReachable(sim, run, err) : status;
+}
+
+// [SECTION] The writers
+
+static int SaveCellsCSVFile(SIMULATION &sim, const char *path);
+
+const BATCHWRITER batchwriters[] = {
+    {"--csv", offsetof(BATCHRUN, csvfile), 0, 0, SaveCellsCSVFile, ".csv"},
+    {"--pov", offsetof(BATCHRUN, povfile), MODEL_POVRAY, MODEL_SEGMENTS, NULL, ".pov"},
+    {"--pov-sweep", offsetof(BATCHRUN, povsweepfile), MODEL_POVRAY, MODEL_SWEEP, NULL, NULL},
+    {"--geom", offsetof(BATCHRUN, geomfile), MODEL_GEOM, MODEL_SEGMENTS, NULL, ".geom"},
+    {"--vrml", offsetof(BATCHRUN, vrmlfile), MODEL_VRML, MODEL_SEGMENTS, NULL, ".wrl"},
+    {"--vrml-caps", offsetof(BATCHRUN, vrmlcapsfile), MODEL_VRML, MODEL_CAPPED, NULL, NULL},
+    {"--dxf-points", offsetof(BATCHRUN, dxfpointsfile), MODEL_DXFPOINTS, MODEL_SEGMENTS, NULL, ".dxf"},
+    {"--geom-points", offsetof(BATCHRUN, geompointsfile), MODEL_GEOMPOINTS, MODEL_SEGMENTS, NULL, NULL},
+    {"--stl-out", offsetof(BATCHRUN, stloutfile), MODEL_STL, MODEL_SWEEP, NULL, ".stl"},
+    {"--info", offsetof(BATCHRUN, infofile), 0, 0, SaveInformationFile, ".txt"},
+    {"--gltf", offsetof(BATCHRUN, gltffile), 0, 0, SaveGLTFFile, ".gltf .glb"},
+    {"--ply", offsetof(BATCHRUN, plyfile), 0, 0, SavePLYFile, ".ply"},
+    {"--vtp", offsetof(BATCHRUN, vtpfile), 0, 0, SaveVTPFile, ".vtp"},
+    {"--summary", offsetof(BATCHRUN, summaryfile), 0, 0, SaveSummaryFile, ".json"},
+};
+const int nbatchwriters = (int)(sizeof(batchwriters) / sizeof(batchwriters[0]));
+
+void WriteCellsCSV(SIMULATION &sim, FILE *fp) {
+  fprintf(fp, "index,parent,x,y,z,weight\n");
+  for (int i = 0; i < sim.ncells; i++) {
+    const CELL &c = sim.cells[i];
+    fprintf(fp, "%d,%d,%.17g,%.17g,%.17g,%.17g\n", i, c.parent, c.p.x, c.p.y, c.p.z, c.weight);
+  }
+}
+
+// Only the table's entry: WriteBatchFile writes the CSV itself, so that a
+// full disk reads "cannot write" there.
+static int SaveCellsCSVFile(SIMULATION &sim, const char *path) { return 0; }
+
+// Does path end in one of the space-separated endings (any case)?
+static int HasEnding(const char *path, const char *endings) {
+  size_t n = strlen(path);
+  for (const char *e = endings; e && *e;) {
+    size_t len = strcspn(e, " ");
+    if (len <= n && strncasecmp(path + n - len, e, len) == 0) return 1;
+    e += len + (e[len] == ' ');
+  }
+  return 0;
+}
+
+const BATCHWRITER *FindBatchWriter(const char *option, const char *path) {
+  for (const BATCHWRITER &w : batchwriters)
+    if (option ? strcmp(option, w.option) == 0 : HasEnding(path, w.extensions)) return &w;
+  return NULL;
+}
+
+// The window's save commands are silent when a file cannot be opened; a
+// batch user asked for the file, so it is reported.
+int WriteBatchFile(SIMULATION &sim, const BATCHWRITER *w, const char *path, FILE *err) {
+  errno = 0;
+  if (w->save == SaveCellsCSVFile) {
+    FILE *csv = fopen(path, "w");
+    if (csv == NULL) {
+      fprintf(err, "%s: --csv: cannot create \"%s\": %s\n", programname, path, strerror(errno));
+      return BATCH_FILEERROR;
+    }
+    WriteCellsCSV(sim, csv);
+    if (CloseWritten(csv)) return BATCH_OK;
+    fprintf(err, "%s: --csv: cannot write \"%s\": %s\n", programname, path, strerror(errno));
+    return BATCH_FILEERROR;
+  }
+  if (w->save ? w->save(sim, path) : SaveModelFile(sim, path, w->format, w->variant)) return BATCH_OK;
+  fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, w->option, path,
+          errno ? strerror(errno) : "cannot be opened");
+  return BATCH_FILEERROR;
+}
+
+const char *BatchOutputPath(const BATCHRUN *run, const BATCHWRITER *w) { return (const char *)run + w->offset; }
+
 // 0 with errno set when path cannot be created or written: a directory, a
 // file without write permission, a folder that is missing or closed. Makes
 // nothing, so a run refused before growth leaves no empty files behind.
@@ -691,19 +704,19 @@ static int CanCreate(const char *path) {
   return access(dir, W_OK | X_OK) == 0;
 }
 
-// Every output is checked before growth, so that a mistyped path does not
-// cost a long run. Returns BATCH_OK or BATCH_FILEERROR after the message.
-static int CheckOutputs(const BATCHRUN *run, FILE *err) {
+int CheckBatchOutputs(const BATCHRUN *run, FILE *err) {
   const char *slicedir = run->slicedir[0] ? run->slicedir : ".";
   if (run->nslices > 0 && access(slicedir, W_OK | X_OK) != 0) {
     fprintf(err, "%s: --slice-dir: cannot write into \"%s\": %s\n", programname, slicedir, strerror(errno));
     return BATCH_FILEERROR;
   }
+  // The CSV, the picture, then the writers.
   struct {
     const char *option, *path;
-  } outputs[sizeof(batchwriters) / sizeof(batchwriters[0]) + 2] = {{"--csv", run->csvfile}, {"--png", run->pngfile}};
+  } outputs[sizeof(batchwriters) / sizeof(batchwriters[0]) + 1] = {{"--csv", run->csvfile}, {"--png", run->pngfile}};
   int n = 2;
-  for (const BATCHWRITER &w : batchwriters) outputs[n++] = {w.option, (const char *)run + w.offset};
+  for (int k = 1; k < nbatchwriters; k++)
+    outputs[n++] = {batchwriters[k].option, BatchOutputPath(run, &batchwriters[k])};
   for (int k = 0; k < n; k++) {
     if (outputs[k].path[0] == '\0' || CanCreate(outputs[k].path)) continue;
     fprintf(err, "%s: %s: cannot create \"%s\": %s\n", programname, outputs[k].option, outputs[k].path,
@@ -713,44 +726,92 @@ static int CheckOutputs(const BATCHRUN *run, FILE *err) {
   return BATCH_OK;
 }
 
-// Growth until the cell count, the step limit or a stall. Returns BATCH_OK,
-// or BATCH_STALLED after saying what most likely holds the growth back.
-static int Grow(SIMULATION &sim, const BATCHRUN *run, FILE *err, long long *steps) {
-  int progress = run->progress < 0 ? isatty(2) : run->progress;
-  double shown = -1;
+int WriteBatchSlices(SIMULATION &sim, const BATCHRUN *run) {
+  if (run->nslices <= 0) return BATCH_OK;
+  sim.options.nslices = run->nslices;
+  sim.options.slicenormal = run->slicenormal;
+  // DoSlice has written its message to standard error; the window exits here too.
+  return DoSliceIn(sim, run->slicedir, sim.options.nslices, SliceNormalForCut(sim)) ? BATCH_OK : BATCH_FATAL;
+}
+
+int WriteBatchPicture(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
+  if (run->pngfile[0] == '\0') return BATCH_OK;
+  sim.camera.screenwidth = run->pngwidth;
+  sim.camera.screenheight = run->pngheight;
+  if (Given(run, "--aperture")) sim.camera.aperture = run->aperture;
+  const XYZ &r = run->camerarotate;
+  if (Given(run, "--camera-rotate")) RotateCamera(sim, r.x * DTOR, r.y * DTOR, r.z * DTOR);
+  if (run->fit) FitCamera(sim);
+  return run->picture(sim, run->pngfile, run->pngwidth, run->pngheight, err) ? BATCH_OK : BATCH_FILEERROR;
+}
+
+// After growth, in this order: the CSV, the slice files, the statistics,
+// the writers, the picture. A file that cannot be written is reported and
+// the others are still written; a slice file that cannot be created ends
+// the run.
+static int FinishBatchRun(SIMULATION &sim, const BATCHRUN *run, FILE *err) {
+  int status = BATCH_OK;
+  if (run->csvfile[0] && WriteBatchFile(sim, &batchwriters[0], run->csvfile, err) != BATCH_OK)
+    status = BATCH_FILEERROR;
+  if (WriteBatchSlices(sim, run) != BATCH_OK) return BATCH_FATAL;
+  if (run->stats) RunStatisticsToCompletion(sim);
+  for (int k = 1; k < nbatchwriters; k++) {
+    const char *path = BatchOutputPath(run, &batchwriters[k]);
+    if (path[0] && WriteBatchFile(sim, &batchwriters[k], path, err) != BATCH_OK) status = BATCH_FILEERROR;
+  }
+  if (WriteBatchPicture(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
+  return status;
+}
+
+// [SECTION] Growth
+
+int GrowAggregate(SIMULATION &sim, BATCHGROWTH *g) {
+  double called = -1;
   long long step = 0, grew = 0;  // grew: the step of the last new cell
-  int count = sim.ncells, startcells = sim.ncells;
+  int count = sim.ncells;
   long long vetoes[NVETOES];
   memcpy(vetoes, sim.growthvetoes, sizeof(vetoes));
-  int status = BATCH_OK;
-  StartGrowthLog(sim);
-  while (sim.ncells < run->cells && (run->steps < 0 || step < run->steps)) {
+  int status = GROWN_DONE;
+  // The log of the summary counts every growth of the simulation; its clock
+  // runs only while it grows.
+  if (sim.growthlog.next == 0)
+    StartGrowthLog(sim);
+  else
+    sim.growthlog.start = GetRunTime() - sim.growthlog.growthseconds;
+  long long logged = sim.growthlog.steps;
+  while ((g->cells <= 0 || sim.ncells < g->cells) && (g->steps < 0 || step < g->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
     // count is seen after each one; it never passes the step limit.
-    long long left = run->steps < 0 ? 1 << 20 : run->steps - step;
+    long long left = g->steps < 0 ? 1 << 20 : g->steps - step;
     long long before = step;
     step += IterateSystemSteps(sim, left < (1 << 20) ? left : 1 << 20);
-    LogGrowth(sim, step);
+    LogGrowth(sim, logged + step);
     if (sim.ncells != count) {
       count = sim.ncells;
       grew = step;
       memcpy(vetoes, sim.growthvetoes, sizeof(vetoes));
-    } else if (step - grew >= run->stallsteps) {
-      status = BATCH_STALLED;
+    } else if (step - grew >= g->stallsteps) {
+      status = GROWN_STALLED;
       break;
     }
-    if (progress && step / 1000 != before / 1000) {
+    if (g->progress && step / 1000 != before / 1000) {
       double now = GetRunTime();
-      if (now - shown > 0.1) {
-        ShowProgress(sim, err, run, step, startcells, now - sim.growthlog.start, 0);
-        shown = now;
+      if (now - called >= BATCH_PROGRESSPERIOD) {
+        called = now;
+        if (!g->progress(sim, step, g->context)) {
+          status = GROWN_STOPPED;
+          break;
+        }
       }
     }
   }
-  if (progress) ShowProgress(sim, err, run, step, startcells, GetRunTime() - sim.growthlog.start, status == BATCH_OK);
-  *steps = step;
-  if (status != BATCH_STALLED) return status;
+  g->taken = step;
+  g->idle = step - grew;
+  for (int k = 0; k < NVETOES; k++) g->refused[k] = sim.growthvetoes[k] - vetoes[k];
+  return status;
+}
 
+void WriteStallMessage(SIMULATION &sim, const BATCHGROWTH *g, FILE *err) {
   // The veto that refused the most sticks since the last new cell is the
   // likely cause; with none, no particle came within reach at all.
   static const char *causes[NVETOES] = {
@@ -759,21 +820,71 @@ static int Grow(SIMULATION &sim, const BATCHRUN *run, FILE *err, long long *step
       "the constraint surface refused every stick near a gap between its facets"};
   int most = 0;
   for (int k = 1; k < NVETOES; k++)
-    if (sim.growthvetoes[k] - vetoes[k] > sim.growthvetoes[most] - vetoes[most]) most = k;
-  long long refused = sim.growthvetoes[most] - vetoes[most];
-  if (progress) fprintf(err, "\n");
-  fprintf(err, "%s: no new cell in %lld steps, at %d cells: ", programname, step - grew, sim.ncells);
-  if (refused > 0)
-    fprintf(err, "%s (%lld times)", causes[most], refused);
+    if (g->refused[k] > g->refused[most]) most = k;
+  fprintf(err, "%s: no new cell in %lld steps, at %d cells: ", programname, g->idle, sim.ncells);
+  if (g->refused[most] > 0)
+    fprintf(err, "%s (%lld times)", causes[most], g->refused[most]);
   else
     fprintf(err, "no particle stuck: the roots may lie too far from where particles are released (distance %g)",
             sim.growthstate.radius + 2 * sim.growthstate.branchlength);
   fprintf(err, "; the files asked for are written (--stall-steps N waits longer)\n");
-  return status;
 }
 
-// A run with no output option says what it grew.
-static void SayWhatGrew(SIMULATION &sim, const BATCHRUN *run, long long steps) {
+// [SECTION] The progress bar
+
+void FormatProgress(char *line, int size, double fraction, int cells, double rate, double secondsleft) {
+  const int width = 40;
+  if (!(fraction > 0)) fraction = 0;
+  if (fraction > 1) fraction = 1;
+  int n = (int)(fraction * width);
+  char left[32] = "--";
+  if (secondsleft >= 0 && secondsleft < 1e7) {
+    long t = (long)(secondsleft + 0.5);
+    if (t >= 3600)
+      snprintf(left, sizeof(left), "%ld:%02ld:%02ld", t / 3600, t / 60 % 60, t % 60);
+    else
+      snprintf(left, sizeof(left), "%ld:%02ld", t / 60, t % 60);
+  }
+  snprintf(line, size, "[%.*s%*s] %3d%% %d cells, %.0f cells/s, %s left", n,
+           "########################################", width - n, "", (int)(fraction * 100), cells, rate, left);
+}
+
+int BatchShowsProgress(const BATCHRUN *run) { return run->progress < 0 ? isatty(2) : run->progress; }
+
+void StartBatchBar(BATCHBAR *bar, const BATCHRUN *run, int cells, FILE *err) {
+  bar->run = run;
+  bar->err = err;
+  bar->startcells = cells;
+  bar->start = GetRunTime();
+  bar->shown = -1;
+}
+
+// The share of the run done: of the cells, or of the step limit when that
+// comes first. The time left assumes the rate so far.
+void ShowBatchBar(BATCHBAR *bar, int cells, long long step, int last, int done) {
+  double now = GetRunTime();
+  if (!last && now - bar->shown <= 0.1) return;
+  bar->shown = now;
+  const BATCHRUN *run = bar->run;
+  double seconds = now - bar->start;
+  double f = run->cells > 0 ? (double)cells / run->cells : 1;
+  if (run->steps > 0 && (double)step / run->steps > f) f = (double)step / run->steps;
+  double rate = seconds > 0 ? (cells - bar->startcells) / seconds : 0;
+  double left = done ? 0 : f > 0 && seconds > 0 ? seconds * (1 - f) / f : -1;
+  char line[160];
+  FormatProgress(line, sizeof(line), f, cells, rate, left);
+  fprintf(bar->err, "\r%s%s", line, done ? "\n" : "");
+  fflush(bar->err);
+}
+
+static int BarProgress(SIMULATION &sim, long long steps, void *bar) {
+  ShowBatchBar((BATCHBAR *)bar, sim.ncells, steps, 0, 0);
+  return 1;
+}
+
+// [SECTION] The run
+
+void SayWhatGrew(SIMULATION &sim, const BATCHRUN *run, long long steps) {
   for (int k = 0; k < NBATCHOPTIONS; k++)
     if (run->given[k] && (batchoptions[k].kind == BOPT_PATH && batchoptions[k].target == BT_RUN &&
                           strcmp(batchoptions[k].name, "--seed-file") != 0 && strcmp(batchoptions[k].name, "--stl") != 0))
@@ -784,45 +895,31 @@ static void SayWhatGrew(SIMULATION &sim, const BATCHRUN *run, long long steps) {
 }
 
 int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err) {
-  ResetProgram(sim);  // the window's state after start-up, camera home included
-  sim.options.debug = run->debug;
-  ApplyDrawingOptions(sim, run);
-  sim.growthsearch = run->search;
-  sim.growthwalk = run->walk;
-  ApplyBatchSettings(sim, run);
-
-  int status = SetUpGrowth(sim, run, err);
-  if (status == BATCH_OK) status = CheckReachable(sim, run, err);
-  if (status == BATCH_OK) status = CheckOutputs(run, err);
+  int status = StartBatchRun(sim, run, err);
+  if (status == BATCH_OK) status = CheckBatchOutputs(run, err);
   if (status != BATCH_OK) return status;
-  FILE *csv = NULL;
-  if (run->csvfile[0] && (csv = fopen(run->csvfile, "w")) == NULL) {
-    fprintf(err, "%s: --csv: cannot create \"%s\": %s\n", programname, run->csvfile, strerror(errno));
-    return BATCH_FILEERROR;
-  }
 
-  long long steps;
-  int grown = Grow(sim, run, err, &steps);
+  int progress = BatchShowsProgress(run);
+  BATCHBAR bar;
+  StartBatchBar(&bar, run, sim.ncells, err);
+  BATCHGROWTH g = {};
+  g.cells = run->cells;
+  g.steps = run->steps;
+  g.stallsteps = run->stallsteps;
+  g.progress = progress ? BarProgress : NULL;
+  g.context = &bar;
+  int grown = GrowAggregate(sim, &g);
+  if (progress) ShowBatchBar(&bar, sim.ncells, g.taken, 1, grown == GROWN_DONE);
+  if (grown == GROWN_STALLED) {
+    if (progress) fprintf(err, "\n");
+    WriteStallMessage(sim, &g, err);
+  }
   SettleWeights(sim);  // the fast walk's deferred weights
 
-  if (csv) {
-    WriteCellsCSV(sim, csv);
-    if (!CloseWritten(csv)) {  // a full disk: the other files are still tried
-      fprintf(err, "%s: --csv: cannot write \"%s\": %s\n", programname, run->csvfile, strerror(errno));
-      status = BATCH_FILEERROR;
-    }
-  }
-  if (run->nslices > 0) {
-    sim.options.nslices = run->nslices;
-    sim.options.slicenormal = run->slicenormal;
-    // DoSlice has written its message to standard error; the window exits here too.
-    if (!DoSliceIn(sim, run->slicedir, sim.options.nslices, SliceNormalForCut(sim))) return BATCH_FATAL;
-  }
-  if (run->stats) RunStatisticsToCompletion(sim);
-  if (RunWriters(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
-  if (run->pngfile[0] && WritePicture(sim, run, err) != BATCH_OK) status = BATCH_FILEERROR;
-  SayWhatGrew(sim, run, steps);
-  return status == BATCH_OK ? grown : status;
+  status = FinishBatchRun(sim, run, err);
+  if (status == BATCH_FATAL) return status;
+  SayWhatGrew(sim, run, g.taken);
+  return status == BATCH_OK && grown == GROWN_STALLED ? BATCH_STALLED : status;
 }
 
 int BatchMain(int argc, char **argv, BATCHPICTURE picture) {

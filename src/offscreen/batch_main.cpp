@@ -1,5 +1,5 @@
 // dla3d-batch with offscreen pictures (--png).
-#include "batch/batch.h"
+#include "library/internal.h"
 #include "offscreen/picture.h"
 
-int main(int argc, char **argv) { return BatchMain(argc, argv, WritePicturePNG); }
+int main(int argc, char **argv) { return dla3d::BatchProgram(argc, argv, WritePicturePNG); }
