@@ -1,7 +1,7 @@
 // Growth speed: steps per second at several aggregate sizes against the
-// step's floor (its random draws and square roots alone), and whole batch
-// runs from one root with the index, once with the plain scan, and with the
-// fast walk.
+// step's floor (its random draws and square roots alone), the fast walk's
+// steps, and whole batch runs from one root with the index, once with the
+// plain scan, and with the fast walk.
 #include <benchmark/benchmark.h>
 #include <math.h>
 #include <stdio.h>
