@@ -236,8 +236,13 @@ __attribute__((noinline)) static void Stick(SIMULATION &sim, int best, XYZ q, in
 // values are not needed); the plain scan makes them, as the reference.
 // With atorigin set (one root at the origin, no association, draws owed)
 // the drift takes a shorter road to the same numbers.
-static inline int MoveParticle(SIMULATION &sim, XYZ *p, XYZ q, double branchlength, double limit, double bias,
-                               int nroots, int associate, double rotation, int owe, int atorigin) {
+// Always in line: as a call it took twelve arguments, the simulation among
+// them, and the particle through memory, every step; in line the settings
+// and the generator's state stay in registers (the same operations in the
+// same order, so the same cells).
+__attribute__((always_inline)) static inline int MoveParticle(SIMULATION &sim, XYZ *p, XYZ q, double branchlength,
+                                                              double limit, double bias, int nroots, int associate,
+                                                              double rotation, int owe, int atorigin) {
   // 3. One random step of one branch length.
   XYZ u;
   u.x = GrowthDrand48(sim.random) - 0.5;
