@@ -9,6 +9,7 @@
 #include "growth/walk.h"
 #include "surface/constraint.h"
 #include "surface/stl.h"
+#include "surface/surfaceindex.h"
 
 long long growthvetoes[NVETOES];
 
@@ -91,31 +92,23 @@ static int CrossesBranchHoisted(int best) {
   return 0;
 }
 
-static int CutsSurface(int best) {
-  XYZ p;
-  for (int f = 0; f < nstltri; f++)
-    if (LinePlaneIntersect(f, &p, growthstate.particle, cells[best].p)) return 1;
-  return 0;
+// The cutting and gap vetoes: through the surface's index, or over every
+// facet for the plain search (the reference the index must match).
+static int CutsSurface(int best, int indexed) {
+  if (!indexed) return ScanCutsSurface(stltri.data(), nstltri, growthstate.particle, cells[best].p);
+  if (!SurfaceIndexCurrent(&surfaceindex, stltri.data(), nstltri))
+    BuildSurfaceIndex(&surfaceindex, stltri.data(), nstltri);
+  return SurfaceIndexCuts(&surfaceindex, stltri.data(), nstltri, growthstate.particle, cells[best].p, NULL);
 }
 
 // 1 when the particle sits on the normal's side of a facet, near one of its
 // edges: it would slip through the gap between two facets.
-static int PokesThroughGap(void) {
-  XYZ particle = growthstate.particle;
-  for (int f = 0; f < nstltri; f++) {
-    const FACET &t = stltri[f];
-    for (int k = 0; k < 3; k++) {
-      XYZ closest;
-      double mu;
-      double dist = PointLine3D(&closest, &mu, particle, t.p[k], t.p[(k + 1) % 3]);
-      if (mu >= 0 && mu <= 1 && dist < growthstate.branchlength) {
-        XYZ v = {particle.x - t.mid.x, particle.y - t.mid.y, particle.z - t.mid.z};
-        if (DotProduct(v, t.n) > 0) return 1;
-        break;  // the first close edge decides for this facet
-      }
-    }
-  }
-  return 0;
+static int PokesThroughGap(int indexed) {
+  GROWTHSTATE &g = growthstate;
+  if (!indexed) return ScanPokesThroughGap(stltri.data(), nstltri, g.particle, g.branchlength);
+  if (!SurfaceIndexCurrent(&surfaceindex, stltri.data(), nstltri))
+    BuildSurfaceIndex(&surfaceindex, stltri.data(), nstltri);
+  return SurfaceIndexGap(&surfaceindex, stltri.data(), nstltri, g.particle, g.branchlength, NULL);
 }
 
 // Steps 9 to 11: 1 when a veto puts the particle back at q, where it was
@@ -126,9 +119,9 @@ static int Vetoed(int best, XYZ q, int indexed) {
   int veto = 0;
   if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(best) : CrossesBranch(best)))
     why = "*** Self intersection\n", veto = VETO_BRANCH;
-  else if (CutsSurface(best))
+  else if (CutsSurface(best, indexed))
     why = "*** Cuts constraint surface\n", veto = VETO_SURFACE;
-  else if (PokesThroughGap())
+  else if (PokesThroughGap(indexed))
     why = "*** Gap poke through\n", veto = VETO_GAP;
   if (why == NULL) return 0;
   growthvetoes[veto]++;

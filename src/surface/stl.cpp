@@ -7,6 +7,7 @@ int nstltri = 0;
 XYZ stlmin = {1e32, 1e32, 1e32};
 XYZ stlmax = {-1e32, -1e32, -1e32};
 XYZ stlmid = {0, 0, 0};
+SURFACEINDEX surfaceindex;  // global until the simulation record holds it
 
 void ReserveFacets(int n) {
   if ((int)stltri.size() < n) stltri.resize(n);
@@ -26,6 +27,7 @@ static int BadFacet(const FACET &f) {
 }
 
 void UpdateSTL(void) {
+  surfaceindex.valid = 0;
   int removed = 0;
   int i = 0;
   while (i < nstltri) {

@@ -8,6 +8,7 @@
 
 #include "app/records.h"
 #include "lib/vector.h"
+#include "surface/surfaceindex.h"
 
 struct FACET {
   XYZ p[3];     // vertices in file order; orientation comes from this order
@@ -20,6 +21,9 @@ struct FACET {
 extern std::vector<FACET> stltri;
 extern int nstltri;
 extern XYZ stlmin, stlmax, stlmid;
+// The index of stltri for the growth step's vetoes, built on first use after
+// UpdateSTL (a field of the simulation record to come).
+extern SURFACEINDEX surfaceindex;
 
 // Makes room for n facets (stltri.size() >= n).
 void ReserveFacets(int n);
@@ -29,7 +33,8 @@ void ReserveFacets(int n);
 void AppendFacet(XYZ p0, XYZ p1, XYZ p2);
 
 // Removes facets with coincident vertices (the last facet moves into the
-// gap), fills n, mid and plane, recomputes the bounds and the midpoint.
+// gap), fills n, mid and plane, recomputes the bounds and the midpoint, and
+// marks surfaceindex stale. Whatever changes the facets calls it.
 void UpdateSTL(void);
 
 // Reads an ASCII or binary STL file as the new surface. Returns 1 on success,
