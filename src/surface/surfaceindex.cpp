@@ -1,6 +1,7 @@
 #include "surface/surfaceindex.h"
 
-#include <math.h>  // fabs()
+#include <float.h>  // FLT_MAX
+#include <math.h>   // fabs(), nextafterf(), INFINITY
 
 #include <algorithm>  // std::nth_element
 
@@ -83,13 +84,21 @@ static int Tame(const FACET &f) {
 
 static double Norm1(XYZ p) { return fabs(p.x) + fabs(p.y) + fabs(p.z); }
 
-// Floats on the safe side of a double (infinite beyond the float range).
+// A double as a float, infinite beyond the float range (where a plain
+// conversion is undefined).
+static float Float(double v) {
+  if (v > FLT_MAX) return INFINITY;
+  if (v < -FLT_MAX) return -INFINITY;
+  return (float)v;
+}
+
+// Floats on the safe side of a double.
 static float Down(double v) {
-  float f = (float)v;
+  float f = Float(v);
   return f > v ? nextafterf(f, -INFINITY) : f;
 }
 static float Up(double v) {
-  float f = (float)v;
+  float f = Float(v);
   return f < v ? nextafterf(f, INFINITY) : f;
 }
 
@@ -238,7 +247,7 @@ static void BuildTree(const FACET *facets, XYZ centre, ITEMKEY key, const double
   for (int item : *order) {
     double lo[KEYS], hi[KEYS], most;
     key(facets, centre, item, lo, hi, &most);
-    for (int d = 0; d < 6; d++) b.centres[6 * (size_t)item + d] = (float)(0.5 * lo[d] + 0.5 * hi[d]);
+    for (int d = 0; d < 6; d++) b.centres[6 * (size_t)item + d] = Float(0.5 * lo[d] + 0.5 * hi[d]);
   }
   for (int d = 0; d < 6; d++) b.weight[d] = weight[d];
   b.nodes = nodes;
