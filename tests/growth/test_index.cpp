@@ -1,17 +1,18 @@
 // The growth's spatial index must give exactly the cells of the plain
-// newest-first scan, step by step and in runs of steps.
+// newest-first scan, step by step and in runs of steps, whatever changes
+// between them.
 #include "growth/growth.h"
 #include "growth/index.h"
+#include "surface/samples.h"
 #include "test_util.h"
 
 namespace {
 
 using SearchIndex = Fresh;
 
-// The hash of n cells grown with the batch program's options step by step or
-// in runs, with maxweight and radius at every stick.
-uint64_t Grow(SIMULATION &sim, const char *options, int n, int search, int runs) {
-  StartGrowth(sim, options);
+// Grows on to n cells with the search given, step by step or in runs: the
+// hash of the cells, with maxweight and radius at every stick.
+uint64_t Grow(SIMULATION &sim, int n, int search, int runs) {
   sim.growthsearch = search;
   GROWTHSTATE &g = sim.growthstate;
   uint64_t h = 0;
@@ -24,11 +25,37 @@ uint64_t Grow(SIMULATION &sim, const char *options, int n, int search, int runs)
       seen = sim.ncells;
     }
   }
-  EXPECT_GT(sim.ncells, g.nroots) << options << ": nothing grew";
+  EXPECT_GT(sim.ncells, g.nroots) << "nothing grew";
   return h ^ AggregateHash(sim);
 }
 
-TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
+// Changes made between steps, as the settings form and the menus make them:
+// the index must follow a new branch length, restarts and new roots; owed
+// draws come due for roots added without a restart (drift picks random
+// roots) and for a surface source (random facets), and a reseed drops them.
+uint64_t GrowWithChanges(SIMULATION &sim, int search, int runs) {
+  StartGrowth(sim, "--seed 77");
+  GROWTHSTATE &g = sim.growthstate;
+  uint64_t h = Grow(sim, 250, search, runs);
+  g.branchlength = 0.6;  // mid-run, no restart
+  h = h * 31 + Grow(sim, 350, search, runs);
+  g.branchlength = 1.7;
+  h = h * 31 + Grow(sim, 420, search, runs);
+  g.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
+  InitialiseGrowth(sim);
+  h = h * 31 + Grow(sim, 520, search, runs);
+  g.nroots = 3;  // without a restart
+  h = h * 31 + Grow(sim, 600, search, runs);
+  g.nroots = 1;
+  g.sourcetype = SOURCE_STL;
+  MakeSampleSurface(sim, SAMPLE_SPHERE);
+  h = h * 31 + Grow(sim, 700, search, runs);
+  InitialiseGrowth(sim);  // reseeds mid-aggregate
+  g.sourcetype = SOURCE_SPHERE;
+  return h * 31 + Grow(sim, 800, search, runs);
+}
+
+TEST_F(SearchIndex, GivesTheScansAggregateForManySettingsAndChangesBetweenSteps) {
   struct {
     int n;
     const char *options;
@@ -44,10 +71,17 @@ TEST_F(SearchIndex, GivesTheScansAggregateForManySettings) {
                {300, "--seed 12 --sample 21"},
                {350, "--seed 13 --sample 31 --source 8"}};
   for (auto &c : cases) {
-    uint64_t scan = Grow(sim, c.options, c.n, SEARCH_SCAN, 0);
-    EXPECT_EQ(Grow(sim, c.options, c.n, SEARCH_INDEX, 0), scan) << c.options;
-    EXPECT_EQ(Grow(sim, c.options, c.n, SEARCH_INDEX, 1), scan) << c.options << ", in runs";
+    uint64_t scan[3];
+    for (int k = 0; k < 3; k++) {  // the scan step by step, the index step by step, the index in runs
+      StartGrowth(sim, c.options);
+      scan[k] = Grow(sim, c.n, k ? SEARCH_INDEX : SEARCH_SCAN, k == 2);
+    }
+    EXPECT_EQ(scan[1], scan[0]) << c.options;
+    EXPECT_EQ(scan[2], scan[0]) << c.options << ", in runs";
   }
+  uint64_t scan = GrowWithChanges(sim, SEARCH_SCAN, 0);
+  EXPECT_EQ(GrowWithChanges(sim, SEARCH_INDEX, 0), scan);
+  EXPECT_EQ(GrowWithChanges(sim, SEARCH_INDEX, 1), scan) << "in runs";
 }
 
 // A ball proven empty around a particle far from the root must be forgotten

@@ -1,6 +1,5 @@
-// The walk: runs of steps owing rand draws across changes made between
-// them, jumps across space the index proves empty, and the batch program's
-// choice between the two walks.
+// The fast walk: jumps across space the index proves empty, its agreement
+// with the exact walk, its life spans and its shares.
 #include <limits.h>  // INT_MAX
 
 #include "batch/batch.h"
@@ -15,50 +14,6 @@
 namespace {
 
 using Walks = Fresh;
-
-// Changes made between steps, as the settings form and the menus make them: the
-// index must follow a new branch length, restarts and new roots; owed draws come
-// due for roots added without a restart (drift picks random roots) and for a
-// surface source (random facets), and a reseed drops them.
-TEST_F(Walks, ChangesBetweenStepsGiveThePlainScansAggregate) {
-  uint64_t h[3];
-  for (int k = 0; k < 3; k++) {  // the scan step by step, the index step by step, the index in runs
-    ResetProgram(sim);
-    sim.growthsearch = k ? SEARCH_INDEX : SEARCH_SCAN;
-    sim.growthstate.seed = 77;
-    InitialiseGrowth(sim);
-    uint64_t sum = 0;
-    auto growto = [&](int n) {
-      for (long steps = 0; steps < 3000000 && sim.ncells < n;) steps += Steps(sim, k == 2 ? steps % 700 + 1 : 0);
-      EXPECT_EQ(sim.ncells, n);
-      sum = sum * 31 + AggregateHash(sim) + (uint64_t)(sim.growthstate.radius * 1e9);
-    };
-    growto(250);
-    sim.growthstate.branchlength = 0.6;  // mid-run, no restart
-    growto(350);
-    sim.growthstate.branchlength = 1.7;
-    growto(420);
-    sim.growthstate.nroots = 5;  // a restart on cells 1 to 4 as roots, weights kept
-    InitialiseGrowth(sim);
-    growto(520);
-    sim.growthstate.nroots = 3;  // without a restart
-    growto(600);
-    sim.growthstate.nroots = 1;
-    sim.growthstate.sourcetype = SOURCE_STL;
-    MakeSampleSurface(sim, SAMPLE_SPHERE);
-    growto(700);
-    InitialiseGrowth(sim);  // reseeds mid-aggregate
-    sim.growthstate.sourcetype = SOURCE_SPHERE;
-    growto(800);
-    sim.growthstate.nroots = 1;
-    InitialiseGrowth(sim);
-    ResetSeeds(sim);
-    growto(900);
-    h[k] = sum;
-  }
-  EXPECT_EQ(h[1], h[0]);
-  EXPECT_EQ(h[2], h[0]);
-}
 
 double Nearest(SIMULATION &sim, XYZ p) {
   double best = 1e300;
