@@ -152,7 +152,7 @@ TEST_F(Model, PovRayRadiiCameraTexturesByRootAndSurface) {
   std::string s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
   for (const char *part : {" Number of particles: 7\n Maximum radius: 10\n", "#local MINR = 0.1;\n#local MAXR = 0.5;\n",
                            "#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n", "\n angle 50 // Aperture in degrees\n",
-                           "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n",
+                           "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
                            "\n triangle {\n  <0,0,-2>, <1,0,-2>, <0,1,-2>\n  }\n triangle {\n  <0,0,-2>, <0,1,-2>, <0,0,-1>\n"})
     EXPECT_NE(s.find(part), std::string::npos) << part;
   // A cone from the parent and a sphere at the cell, in the texture of the cell's root.
