@@ -1,6 +1,6 @@
 // The surface's index must give the full scans' answers for the cutting and
 // the gap veto on any surface, also where a not-a-number angle sum makes a
-// facet cut far from itself, and the growth must stay the same cells.
+// facet cut far from itself (growth with each: tests/growth/test_index.cpp).
 #include <math.h>
 #include <stdlib.h>
 
@@ -8,12 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "growth/index.h"
 #include "surface/constraint.h"
 #include "surface/samples.h"
 #include "surface/stl.h"
 #include "surface/surfaceindex.h"
-#include "surface/transform.h"
 #include "test_util.h"
 
 namespace {
@@ -185,60 +183,6 @@ TEST_F(SurfaceIndex, AnswersAsTheFullScansOnEverySurface) {
     farcuts += t.farcuts;
   }
   EXPECT_GE(farcuts, 20);  // cuts that no box around the facet would have found
-}
-
-// Deep inside a convex surface no plane separates the ends of a segment:
-// the index asks no facet at all, where the scans ask all of them.
-TEST_F(SurfaceIndex, AsksNoFacetFarFromTheSurface) {
-  MakeSampleSurface(sim, SAMPLE_SPHERE);
-  BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
-  int asked = 0, cutasked = 0, gapasked = 0;
-  for (int i = 0; i < 200; i++) {
-    XYZ a = V(0.01 * i, 3 - 0.02 * i, 1), b = V(a.x + 0.6, a.y, a.z - 0.7);
-    EXPECT_EQ(SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, b, &asked), 0);
-    cutasked += asked;
-    EXPECT_EQ(SurfaceIndexGap(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, 1, &asked), 0);
-    gapasked += asked;
-  }
-  EXPECT_EQ(cutasked, 0);
-  EXPECT_EQ(gapasked, 0);
-  // Through the wall: found among a few facets.
-  EXPECT_EQ(SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, V(19.5, 0.3, 0.2), V(20.5, 0.3, 0.2), &asked), 1);
-  EXPECT_LT(asked, sim.nstltri / 20);
-}
-
-// Growth against a surface with the index and with the full scans: the same
-// cells and the same veto messages, also after the surface is transformed in
-// place (same storage, same count) half-way.
-TEST_F(SurfaceIndex, GrowsTheScansCellsAndVetoes) {
-  Scratch s;
-  WriteFile(s / "s.scad", "sphere(r=6, $fn=40);\n");
-  std::string cmd = "openscad -q -o '" + s / "s.stl" + "' --export-format binstl '" + s / "s.scad" + "' 2>&1";
-  ASSERT_EQ(system(cmd.c_str()), 0) << "openscad (scripts/install-deps.sh --test) is needed";
-  std::string out[2];
-  uint64_t hash[2];
-  long long vetoes[2][NVETOES];
-  for (int search : {SEARCH_SCAN, SEARCH_INDEX}) {
-    StartGrowth(sim, "--seed 31 --stickiness 70 --stl " + s / "s.stl");
-    sim.growthsearch = search;
-    for (int i = 0; i < NVETOES; i++) sim.growthvetoes[i] = 0;
-    bool moved = false;
-    out[search] = DebugOutput(sim, [&] {
-      for (long k = 0; k < 20000000 && sim.ncells < 700; k++) {
-        IterateSystemSteps(sim, 1000);
-        if (sim.ncells >= 350 && !moved) TransformSTL(sim, V(1.2, 1.2, 0.9), V(0.3, 0, 0), V(0, 0, 10)), moved = true;
-      }
-    });
-    hash[search] = AggregateHash(sim);
-    for (int i = 0; i < NVETOES; i++) vetoes[search][i] = sim.growthvetoes[i];
-    EXPECT_EQ(sim.ncells, 700);
-  }
-  EXPECT_EQ(hash[SEARCH_INDEX], hash[SEARCH_SCAN]);
-  EXPECT_TRUE(out[SEARCH_INDEX] == out[SEARCH_SCAN]);
-  for (int i : {VETO_SURFACE, VETO_GAP}) {
-    EXPECT_EQ(vetoes[SEARCH_INDEX][i], vetoes[SEARCH_SCAN][i]) << i;
-    EXPECT_GT(vetoes[SEARCH_SCAN][i], 20) << i;
-  }
 }
 
 }  // namespace
