@@ -52,53 +52,51 @@ TEST_F(StlRead, AsciiBinaryAndTheSixCharacterRule) {
   EXPECT_EQ(sim.stlmax.z, 7.25);
   EXPECT_EQ(err.substr(0, 87), "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
                                "Bounds");
-  EXPECT_EQ(ReadBytes(sim, " solid x\nendsolid x\n", &msg), 1);  // "solid" within six characters: ASCII, no loops
-  EXPECT_EQ(sim.nstltri, 0);
-  EXPECT_EQ(ReadBytes(sim, "  solid x\n" + std::string(100, 'f'), &msg), 0);  // binary, an implausible count
-  EXPECT_EQ(Lines(msg), "File Error|Read an unexpected number of faces in STL header|");
-  EXPECT_EQ(ReadBytes(sim, Header("solid binary") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}), &msg), 1);
-  EXPECT_EQ(sim.nstltri, 0);  // a binary header beginning with "solid" is read as ASCII
 }
 
+// From one facet read, each file: its result, message (and " fatal") and the
+// facets then held (-1: the program ends).
 TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
-  FILEMESSAGE msg;
-  std::string text;
   const std::string one = Header("b") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0});
-  ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
+  const std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
+  const char *count = "File Error|Read an unexpected number of faces in STL header|";
+  const struct {
+    std::string bytes;
+    int ok;
+    std::string message;
+    int facets;
+  } cases[] = {
+      {" solid x\nendsolid x\n", 1, "||", 0},                // "solid" within six characters: ASCII, no loops
+      {"  solid x\n" + std::string(100, 'f'), 0, count, 0},  // binary, an implausible count
+      {Header("solid binary") + one.substr(80), 1, "||", 0},  // a binary header beginning with "solid": ASCII
+      {std::string(79, 'x'), 0, "File Error|Failed to read an expected STL header| fatal", -1},
+      {"solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", 0,
+       "File Error|Error reading vertices in ascii STL file| fatal", -1},
+      {Header("b") + Le32(10000001), 0, count, 0},     // one above the limit
+      {Header("b") + Le32(0xffffffffu), 0, count, 0},  // negative seen unsigned
+      {Header("b") + Le32(0), 1, "||", 0},
+      {Header("b") + "\xff\xff\xff", 1, "||", 0},
+      // NaN vertices make a facet degenerate; an infinite one stays.
+      {"solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
+       " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n",
+       1, "||", 1},
+      // A last line without its line end is not read: cut off in its "outer loop", what came before.
+      {"solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", 1, "||", 1},
+      // Ten million promised, two complete facets and most of a third: the two.
+      {Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), 1, "||", 2}};
+  FILEMESSAGE msg;
+  for (auto &c : cases) {
+    ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
+    EXPECT_EQ(ReadBytes(sim, c.bytes, &msg), c.ok) << c.message;
+    EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), c.message);
+    if (c.facets >= 0) EXPECT_EQ(sim.nstltri, c.facets) << c.message;
+  }
+  EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
+  EXPECT_LE(sim.stltri.size(), 1000u);  // storage follows the file, not the count promised
   Scratch s;
   EXPECT_EQ(ReadSTLFile(sim, (s / "none.stl").c_str(), &msg), 0);
   EXPECT_EQ(Lines(msg), "File Error|Failed to read STL file|" + s / "none.stl");
-  EXPECT_EQ(sim.nstltri + msg.fatal, 1);  // the old surface stays
-  EXPECT_EQ(ReadBytes(sim, std::string(79, 'x'), &msg), 0);
-  EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Failed to read an expected STL header| fatal");
-  EXPECT_EQ(ReadBytes(sim, "solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", &msg), 0);
-  EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Error reading vertices in ascii STL file| fatal");
-  for (uint32_t count : {10000001u, 0xffffffffu}) {  // one above the limit; negative seen unsigned
-    ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
-    EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(count), &msg), 0);
-    EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Read an unexpected number of faces in STL header|");
-    EXPECT_EQ(sim.nstltri, 0);
-  }
-  for (std::string bytes : {Header("b") + Le32(0), Header("b") + Le32(10000000), Header("b") + "\xff\xff\xff"}) {
-    EXPECT_EQ(ReadBytes(sim, bytes, &msg) + msg.set + sim.nstltri, 1);  // no facet, no message
-  }
-  // Ten million promised, two complete facets and most of a third: the two,
-  // and storage follows the file.
-  size_t storage = sim.stltri.size();
-  std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
-  EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg),
-            1);
-  ASSERT_EQ(sim.nstltri, 2);
-  EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
-  EXPECT_LE(sim.stltri.size(), storage > 1000 ? storage : 1000);
-  text = "solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
-         " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n";
-  EXPECT_EQ(ReadBytes(sim, text, &msg), 1);
-  ASSERT_EQ(sim.nstltri, 1);  // NaN vertices make a facet degenerate; an infinite one stays
-  EXPECT_EQ(sim.stlmax.x, HUGE_VAL);
-  // A last line without its line end is not read: a file cut off in its "outer loop" keeps what came before.
-  EXPECT_EQ(ReadBytes(sim, "solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", &msg), 1);
-  EXPECT_EQ(sim.nstltri, 1);
+  EXPECT_EQ(sim.nstltri + msg.fatal, 2);  // the old surface stays
 }
 
 TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
