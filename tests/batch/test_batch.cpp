@@ -98,7 +98,8 @@ TEST_F(BatchRun, CameraRotateTurnsThePictureAloneAsTheKeysDo) {
   struct {
     const char *angles;
     XYZ vp, vu;
-  } cases[] = {{"30,0,0", {c, h, 0}, {0, 0, 1}}, {"0,30,0", {c, 0, -h}, {0.5, 0, c / 60}},
+  } cases[] = {{"30,0,0", {c, h, 0}, {0, 0, 1}},
+               {"0,30,0", {c, 0, -h}, {0.5, 0, c / 60}},
                {"0,0,30", {60, 0, 0}, {0, 0.5, c / 60}}};
   for (auto &t : cases) {
     SCOPED_TRACE(t.angles);
@@ -134,9 +135,10 @@ TEST_F(BatchRun, FileErrorsEndTheRunWithTheirMessage) {
   // A full disk: each file is reported, the run goes on and ends with the error.
   EXPECT_EQ(Batch(sim, "--cells 30 --csv /dev/full --vrml /dev/full --summary /dev/full --geom " + ok, &err),
             BATCH_FILEERROR);
-  EXPECT_EQ(err, "dla3d-batch: --csv: cannot write \"/dev/full\": No space left on device\n"
-                 "dla3d-batch: --vrml: cannot create \"/dev/full\": No space left on device\n"
-                 "dla3d-batch: --summary: cannot create \"/dev/full\": No space left on device\n")
+  EXPECT_EQ(err,
+            "dla3d-batch: --csv: cannot write \"/dev/full\": No space left on device\n"
+            "dla3d-batch: --vrml: cannot create \"/dev/full\": No space left on device\n"
+            "dla3d-batch: --summary: cannot create \"/dev/full\": No space left on device\n")
       << "a full disk not reported";
   EXPECT_NE(ReadFile(ok), "(missing)");
 }

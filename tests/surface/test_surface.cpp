@@ -37,21 +37,24 @@ TEST_F(StlRead, AsciiBinaryAndTheSixCharacterRule) {
   CopyName(sim.growthstate.stlname, "Sample", sizeof(sim.growthstate.stlname));
   FILEMESSAGE msg;
   std::string err;
-  std::string text = "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
-                     " endloop\nouterloop\rvertex -1 0 1.5\rvertex -1 3 1.5\rvertex -1 0 -6\rendloop\r";
+  std::string text =
+      "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
+      " endloop\nouterloop\rvertex -1 0 1.5\rvertex -1 3 1.5\rvertex -1 0 -6\rendloop\r";
   EXPECT_EQ(ReadBytes(sim, text, &msg, &err), 1);
   EXPECT_STREQ(sim.growthstate.stlname, "None");  // a surface read from a file is called "None"
   ASSERT_EQ(sim.nstltri, 2);
   EXPECT_XYZ(sim.stltri[0].n, 0, 0, 1, 0);  // counter-clockwise seen from +z; the file's normal unused
   EXPECT_XYZ(sim.stltri[1].n, -1, 0, 0, 0);
-  EXPECT_EQ(err, "ASCII stl file\nParsing ascii stl file\nRead 2 triangle faces\nBounds: -1 <= x <= 2\n"
-                 "        0 <= y <= 4\n        -6 <= z <= 1.5\nMidpoint: 0.5 2 -2.25\n");
+  EXPECT_EQ(err,
+            "ASCII stl file\nParsing ascii stl file\nRead 2 triangle faces\nBounds: -1 <= x <= 2\n"
+            "        0 <= y <= 4\n        -6 <= z <= 1.5\nMidpoint: 0.5 2 -2.25\n");
   std::string bytes = Header("b") + Le32(2) + Facet({0.1f, 0.2f, 0.3f, 1.7f, 0, 0, 0, 2.9f, 0});
   EXPECT_EQ(ReadBytes(sim, bytes + Facet({-5, 0, 0, 5, 0, 0, 0, 0, 7.25f}), &msg, &err), 1);
   EXPECT_EQ(sim.stltri[0].p[0].x, (double)0.1f);  // floats widened exactly
   EXPECT_EQ(sim.stlmax.z, 7.25);
-  EXPECT_EQ(err.substr(0, 87), "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
-                               "Bounds");
+  EXPECT_EQ(err.substr(0, 87),
+            "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
+            "Bounds");
 }
 
 // From one facet read, each file: its result, message (and " fatal") and the
@@ -65,31 +68,30 @@ TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
     int ok;
     std::string message;
     int facets;
-  } cases[] = {
-      {" solid x\nendsolid x\n", 1, "||", 0},                // "solid" within six characters: ASCII, no loops
-      {"  solid x\n" + std::string(100, 'f'), 0, count, 0},  // binary, an implausible count
-      {Header("solid binary") + one.substr(80), 1, "||", 0},  // a binary header beginning with "solid": ASCII
-      {std::string(79, 'x'), 0, "File Error|Failed to read an expected STL header| fatal", -1},
-      {"solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", 0,
-       "File Error|Error reading vertices in ascii STL file| fatal", -1},
-      {Header("b") + Le32(10000001), 0, count, 0},     // one above the limit
-      {Header("b") + Le32(0xffffffffu), 0, count, 0},  // negative seen unsigned
-      {Header("b") + Le32(0), 1, "||", 0},
-      {Header("b") + "\xff\xff\xff", 1, "||", 0},
-      // NaN vertices make a facet degenerate; an infinite one stays.
-      {"solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
-       " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n",
-       1, "||", 1},
-      // A last line without its line end is not read: cut off in its "outer loop", what came before.
-      {"solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", 1, "||", 1},
-      // Ten million promised, two complete facets and most of a third: the two.
-      {Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), 1, "||", 2}};
+  } cases[] = {{" solid x\nendsolid x\n", 1, "||", 0},                 // "solid" within six characters: ASCII, no loops
+               {"  solid x\n" + std::string(100, 'f'), 0, count, 0},   // binary, an implausible count
+               {Header("solid binary") + one.substr(80), 1, "||", 0},  // a binary header beginning with "solid": ASCII
+               {std::string(79, 'x'), 0, "File Error|Failed to read an expected STL header| fatal", -1},
+               {"solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", 0,
+                "File Error|Error reading vertices in ascii STL file| fatal", -1},
+               {Header("b") + Le32(10000001), 0, count, 0},     // one above the limit
+               {Header("b") + Le32(0xffffffffu), 0, count, 0},  // negative seen unsigned
+               {Header("b") + Le32(0), 1, "||", 0},
+               {Header("b") + "\xff\xff\xff", 1, "||", 0},
+               // NaN vertices make a facet degenerate; an infinite one stays.
+               {"solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
+                " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n",
+                1, "||", 1},
+               // A last line without its line end is not read: cut off in its "outer loop", what came before.
+               {"solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", 1, "||", 1},
+               // Ten million promised, two complete facets and most of a third: the two.
+               {Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), 1, "||", 2}};
   FILEMESSAGE msg;
   for (auto &c : cases) {
     ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
     EXPECT_EQ(ReadBytes(sim, c.bytes, &msg), c.ok) << c.message;
     EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), c.message);
-    if (c.facets >= 0) EXPECT_EQ(sim.nstltri, c.facets) << c.message;
+    EXPECT_TRUE(c.facets < 0 || sim.nstltri == c.facets) << c.message << ": " << sim.nstltri;
   }
   EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
   EXPECT_LE(sim.stltri.size(), 1000u);  // storage follows the file, not the count promised
@@ -117,8 +119,9 @@ TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
   sim.nstltri = 1;
   sim.stltri[0].p[1] = sim.stltri[0].p[0];
   err = DebugOutput(sim, [&] { UpdateSTL(sim); });  // none left: bounds at +-1e32, the midpoint at the origin
-  EXPECT_EQ(err, "Removed 1 bad faces\nBounds: 1e+32 <= x <= -1e+32\n        1e+32 <= y <= -1e+32\n"
-                 "        1e+32 <= z <= -1e+32\nMidpoint: 0 0 0\n");
+  EXPECT_EQ(err,
+            "Removed 1 bad faces\nBounds: 1e+32 <= x <= -1e+32\n        1e+32 <= y <= -1e+32\n"
+            "        1e+32 <= z <= -1e+32\nMidpoint: 0 0 0\n");
 }
 
 void OneFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
@@ -134,9 +137,9 @@ TEST_F(Surface, SegmentAgainstFacetAndBox) {
   EXPECT_XYZ(p, 1, 1.5, 0, 0);
   EXPECT_EQ(
       LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
-      2);                                                                // ends count
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);  // short of the plane...
-  EXPECT_XYZ(p, 1, 3, 0, 0);                                           // ...the crossing still written
+      2);                                                                   // ends count
+  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);     // short of the plane...
+  EXPECT_XYZ(p, 1, 3, 0, 0);                                                // ...the crossing still written
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 9e-6)), 0);  // |denom| < 1e-5, even in the plane
