@@ -5,7 +5,6 @@
 
 #include "export/model.h"
 #include "export/report.h"
-#include "growth/growth.h"
 #include "surface/stl.h"
 #include "test_util.h"
 

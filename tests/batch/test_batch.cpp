@@ -1,12 +1,7 @@
 // dla3d-batch: its options, what its runs write, its camera for --png, its
 // file errors and its progress line.
 #include <sstream>
-#include <vector>
 
-#include "batch/batch.h"
-#include "export/model.h"
-#include "growth/growth.h"
-#include "surface/stl.h"
 #include "test_util.h"
 
 namespace {

@@ -1,5 +1,4 @@
 // Statistics and box counting, the model writers and the report.
-#include <math.h>
 
 #include "export/model.h"
 #include "export/report.h"

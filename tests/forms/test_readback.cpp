@@ -1,7 +1,6 @@
 // What the forms store when an input comes back: clamps, negation,
 // truncation, empty text, and the restarts of the root settings.
 #include "forms/readback.h"
-#include "growth/growth.h"
 #include "test_util.h"
 
 namespace {

@@ -2,9 +2,6 @@
 // numbers a seed reproduces a run with.
 #include <limits.h>
 
-#include <vector>
-
-#include "growth/growth.h"
 #include "growth/idle.h"
 #include "growth/index.h"
 #include "growth/random.h"

@@ -1,7 +1,6 @@
 // The growth's spatial index must give exactly the cells of the plain
 // newest-first scan, step by step and in runs of steps, whatever changes
 // between them.
-#include "growth/growth.h"
 #include "growth/index.h"
 #include "surface/samples.h"
 #include "surface/transform.h"

@@ -2,13 +2,9 @@
 // with the exact walk, its life spans and its shares.
 #include <limits.h>  // INT_MAX
 
-#include "batch/batch.h"
 #include "export/summary.h"
-#include "growth/growth.h"
 #include "growth/index.h"
-#include "growth/random.h"
 #include "growth/walk.h"
-#include "surface/samples.h"
 #include "test_util.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // The window dumps' TGA writer (run-length coded, 24 bits): its packets, its
 // header and its row order; the dumps' names and numbers are tests/gui/dumps.sh's.
 // (The rest of the library is tested through its users.)
-#include <vector>
 
 #include "lib/bitmap.h"
 #include "test_util.h"

@@ -2,8 +2,6 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-
 #include "surface/slice.h"
 #include "test_util.h"
 

@@ -1,6 +1,5 @@
 // The constraint surface: reading STL, preparing the facets, the geometric
 // tests, the sample surfaces and the transform.
-#include <vector>
 
 #include "surface/constraint.h"
 #include "surface/samples.h"

@@ -1,12 +1,8 @@
 // The surface's index must give the full scans' answers for the cutting and
 // the gap veto on any surface, also where a not-a-number angle sum makes a
 // facet cut far from itself (growth with each: tests/growth/test_index.cpp).
-#include <math.h>
-#include <stdlib.h>
 
 #include <random>
-#include <string>
-#include <vector>
 
 #include "surface/constraint.h"
 #include "surface/samples.h"
