@@ -49,32 +49,11 @@ void Slivers(SIMULATION &sim) {
 
 XYZ Add(XYZ a, XYZ b, double s) { return V(a.x + s * b.x, a.y + s * b.y, a.z + s * b.z); }
 
-struct Tally {
-  int queries = 0, cuts = 0, gaps = 0, wrong = 0;
-};
-
-void Compare(SIMULATION &sim, XYZ a, XYZ b, double branchlength, Tally *t, const std::string &name) {
-  int asked;
-  int cut = ScanCutsSurface(sim.stltri.data(), sim.nstltri, a, b);
-  int gap = ScanPokesThroughGap(sim.stltri.data(), sim.nstltri, a, branchlength);
-  int icut = SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, b, &asked);
-  int igap = SurfaceIndexGap(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, branchlength, &asked);
-  t->queries++;
-  t->cuts += cut;
-  t->gaps += gap;
-  if (cut != icut || gap != igap) {
-    if (t->wrong++ < 5)
-      ADD_FAILURE() << name << ": segment (" << a.x << " " << a.y << " " << a.z << ") (" << b.x << " " << b.y << " "
-                    << b.z << ") branch length " << branchlength << ": scans " << cut << gap << ", index " << icut
-                    << igap;
-  }
-}
-
 // Random segments and particles: anywhere in and around the surface; near
 // vertices; on the lines of edges, inside and beyond the edge, crossing the
 // facet's plane there; from a facet's plane; beside edges at about a branch
-// length.
-Tally Table(SIMULATION &sim, const std::string &name, int queries) {
+// length. Every kind of answer must come up, or the comparison proves little.
+void CompareWithTheScans(SIMULATION &sim, const std::string &name, int queries) {
   BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
   std::mt19937_64 rng(2024);
   std::uniform_real_distribution<double> u(0, 1);
@@ -86,7 +65,7 @@ Tally Table(SIMULATION &sim, const std::string &name, int queries) {
   const double lengths[] = {0.3, 1, 2.5};
   XYZ lo = sim.stlmin, hi = sim.stlmax;
   if (hi.x - lo.x > 100) lo = V(-5, -5, -5), hi = V(8, 5, 5);  // the slivers' giant
-  Tally t;
+  int cuts = 0, gaps = 0, wrong = 0, asked;
   for (int q = 0; q < queries; q++) {
     double bl = lengths[q % 3];
     const FACET &f = sim.stltri[rng() % sim.nstltri];
@@ -129,35 +108,34 @@ Tally Table(SIMULATION &sim, const std::string &name, int queries) {
         b = Add(a, unit(), bl * (0.2 + u(rng)));
         break;
     }
-    Compare(sim, a, b, bl, &t, name);
+    int cut = ScanCutsSurface(sim.stltri.data(), sim.nstltri, a, b);
+    int gap = ScanPokesThroughGap(sim.stltri.data(), sim.nstltri, a, bl);
+    int icut = SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, b, &asked);
+    int igap = SurfaceIndexGap(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, a, bl, &asked);
+    cuts += cut;
+    gaps += gap;
+    if ((cut != icut || gap != igap) && wrong++ < 5)
+      ADD_FAILURE() << name << ": segment (" << a.x << " " << a.y << " " << a.z << ") (" << b.x << " " << b.y << " "
+                    << b.z << ") branch length " << bl << ": scans " << cut << gap << ", index " << icut << igap;
   }
-  EXPECT_EQ(t.wrong, 0) << name << " of " << t.queries;
-  return t;
+  EXPECT_EQ(wrong, 0) << name << " of " << queries;
+  EXPECT_GT(cuts, queries / 50) << name;
+  EXPECT_GT(gaps, queries / 50) << name;
+  EXPECT_GT(queries - cuts, queries / 50) << name;
 }
 
 TEST_F(SurfaceIndex, AnswersAsTheFullScansOnEverySurface) {
   struct {
-    int sample;  // 0: slivers, -1: openscad
+    int sample;  // 0: slivers, -1: a sphere from openscad
     int queries;
-  } surfaces[] = {{1, 3000}, {11, 3000}, {21, 1000}, {22, 1000}, {23, 1000}, {31, 3000}, {-1, 1000}, {0, 20000}};
+  } surfaces[] = {{1, 3000}, {11, 3000}, {21, 1000}, {22, 1000}, {23, 1000}, {31, 3000}, {0, 20000}, {-1, 1000}};
   for (auto &s : surfaces) {
-    std::string name = "sample " + std::to_string(s.sample);
-    if (s.sample == 0) {
-      Slivers(sim);
-      name = "slivers";
-    } else if (s.sample < 0) {
-      OpenscadSphere(sim, 7, 60);
-      name = "openscad sphere";
-      ASSERT_GT(sim.nstltri, 3000);
-    } else {
-      MakeSampleSurface(sim, s.sample);
-    }
-    Tally t = Table(sim, name, s.queries);
-    // Every kind of answer comes up, or the comparison proves little.
-    EXPECT_GT(t.cuts, t.queries / 50) << name;
-    EXPECT_GT(t.gaps, t.queries / 50) << name;
-    EXPECT_GT(t.queries - t.cuts, t.queries / 50) << name;
+    if (s.sample == 0) Slivers(sim);
+    if (s.sample < 0) OpenscadSphere(sim, 7, 60);
+    if (s.sample > 0) MakeSampleSurface(sim, s.sample);
+    CompareWithTheScans(sim, s.sample ? "sample " + std::to_string(s.sample) : "slivers", s.queries);
   }
+  EXPECT_GT(sim.nstltri, 3000) << "the openscad sphere, last";
 }
 
 }  // namespace
