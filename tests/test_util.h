@@ -50,12 +50,8 @@ struct Scratch {
 };
 
 inline std::string ReadFile(const std::string &path) {
-  FILE *fp = fopen(path.c_str(), "rb");
-  if (fp == NULL) return "(missing)";
-  std::string s;
-  for (int c; (c = fgetc(fp)) != EOF;) s += (char)c;
-  fclose(fp);
-  return s;
+  std::ifstream in(path, std::ios::binary);
+  return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
 }
 
 // Writes content to path; returns path.

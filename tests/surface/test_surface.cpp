@@ -129,20 +129,20 @@ void OneFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
   UpdateSTL(sim);
 }
 
+// Segments against the facet (0,0,0) (4,0,0) (0,4,0), cut or not: crossing; ending on the plane from
+// either side; short of it; outside the triangle; on an edge; |denom| below 1e-5 (even in the plane), above.
 TEST_F(Surface, SegmentAgainstFacetAndBox) {
   OneFacet(sim, V(0, 0, 0), V(4, 0, 0), V(0, 4, 0));
-  XYZ p = V(9, 9, 9);
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1)), 1);
+  const double segments[][7] = {{1, 1, 1, 1, 2, -1, 1},   {1, 1, 2, 1, 1, 0, 1},   {1, 1, 0, 1, 1, 5, 1},
+                                {1, 3, 2, 1, 3, 1, 0},    {3, 3, 1, 3, 3, -1, 0},  {2, 0, 1, 2, 0, -1, 1},
+                                {1, 1, 0, 3, 1, 9e-6, 0}, {1, 1, 0, 3, 1, 2e-5, 1}};
+  XYZ p;
+  for (auto &g : segments)
+    EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(g[0], g[1], g[2]), V(g[3], g[4], g[5])), g[6]) << g[0] << g[1] << g[2];
+  LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1));
   EXPECT_XYZ(p, 1, 1.5, 0, 0);
-  EXPECT_EQ(
-      LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
-      2);                                                                   // ends count
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);     // short of the plane...
-  EXPECT_XYZ(p, 1, 3, 0, 0);                                                // ...the crossing still written
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 9e-6)), 0);  // |denom| < 1e-5, even in the plane
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 2e-5)), 1);
+  LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1));
+  EXPECT_XYZ(p, 1, 3, 0, 0);  // short of the plane, the crossing still written
   EXPECT_EQ(PointPlaneDist(sim, 0, V(5, -7, 3)), 3);
   OneFacet(sim, V(0, 0, 0), V(1, 1, 0), V(2, 2, 0));  // zero normal: never cut
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 1, -1)), 0);

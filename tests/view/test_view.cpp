@@ -37,10 +37,7 @@ TEST_F(Camera, HomeKeepsWindowAndStereoAndBothOrbitsShareTheFirstRightVector) {
   EXPECT_XYZ(sim.camera.vp, -60 * sim.camera.vd.x, -60 * sim.camera.vd.y, -60 * sim.camera.vd.z, 1e-9);
   for (int i = 0; i < 500; i++) RotateCamera(sim, 0.01, -0.013, 0.007);
   EXPECT_NEAR(Modulus(sim.camera.vp), 60, 1e-8);
-  EXPECT_NEAR(Modulus(sim.camera.vu), 1, 1e-12);
-  DollyCamera(sim, DOLLY_CLOSER);  // along its own direction, vd left alone
-  XYZ vd = sim.camera.vd;
-  EXPECT_XYZ(sim.camera.vp, -57 * vd.x, -57 * vd.y, -57 * vd.z, 1e-8);
+  EXPECT_NEAR(Modulus(sim.camera.vu), 1, 1e-12);  // (the keys' turns and dollies: tests/gui/drawing.sh)
 }
 
 // Side by side stereo gives each eye half the window (1601: 800), the right eye the right half; each eye sits
