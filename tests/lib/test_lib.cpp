@@ -1,5 +1,5 @@
 // The window dumps' TGA writer (run-length coded, 24 bits): its packets, its
-// header and its row order; the dumps' names and numbers are tests/gui/dumps.sh's.
+// header and its row order; the dumps' names and numbers are tests/gui/startup.sh's.
 // (The rest of the library is tested through its users.)
 
 #include "lib/bitmap.h"
