@@ -50,8 +50,12 @@ struct Scratch {
 };
 
 inline std::string ReadFile(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
+  FILE *fp = fopen(path.c_str(), "rb");
+  if (fp == NULL) return "(missing)";
+  std::string s;
+  for (int c; (c = fgetc(fp)) != EOF;) s += (char)c;
+  fclose(fp);
+  return s;
 }
 
 // Writes content to path; returns path.
