@@ -1,6 +1,6 @@
 """The Python module against dla3d-batch: the same cells bit for bit, views
 on them, threads, the lock released while growing, errors with the batch
-program's messages (their texts: tests/batch), Ctrl-C.
+program's messages, Ctrl-C.
 
 PYTHONPATH=build/python /usr/bin/python3 -m pytest python/tests
 (DLA3D_BATCH names the batch program; build/dla3d-batch by default.)"""
@@ -112,6 +112,11 @@ def test_refusals_carry_the_batch_programs_messages(tmp_path):
         (dict(bias=2), "dla3d-batch: --bias: 2 is out of range (allowed: 0 to 1)"),
         (dict(walk="slow"), 'dla3d-batch: --walk: "slow" is not allowed (allowed: exact or fast)'),
         (dict(thickness=0.4), "dla3d-batch: --thickness needs two values START END (allowed: 0 or more)"),
+        (dict(root_distribution=10), "dla3d-batch: no root is placed (--roots 1, --root-distribution 10): "
+         "no cell can ever stick (give --steps N to run anyway)"),
+        (dict(seed_file=tmp_path / "none.txt"), f'dla3d-batch: --seed-file: cannot read "{tmp_path}/none.txt": '
+         "Failed to read seed file (No such file or directory)"),
+        (dict(frobnicate=1), 'dla3d-batch: unknown option "--frobnicate" (see --help)'),
         (dict(cells=5), 'dla3d: "cells" is a limit of the growth, not a setting (give it to Grow)'),
         (dict(csv="a.csv"), 'dla3d: "csv" is an output, not a setting (Write writes files after growth, '
          "Statistics runs the statistics)"),
