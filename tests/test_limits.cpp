@@ -1,11 +1,10 @@
-// The limits of real use: a million roots, a million facets, paths longer
-// than the 256-byte name buffers, and files aimed at directories that do
-// not exist or cannot be written.
+// The limits of real use: a million roots, paths longer than the 256-byte
+// name buffers, and files aimed at directories that do not exist or cannot
+// be written. (Ten million facets: the STL reader's count in tests/surface.)
 #include <sys/stat.h>
 
 #include "export/model.h"
 #include "export/report.h"
-#include "growth/growth.h"
 #include "surface/stl.h"
 #include "test_util.h"
 
@@ -13,16 +12,7 @@ namespace {
 
 using Limits = Fresh;
 
-long ResidentKb(void) {
-  long kb = 0;
-  char line[256];
-  FILE *fp = fopen("/proc/self/status", "r");
-  while (fp && fgets(line, sizeof(line), fp) && sscanf(line, "VmRSS: %ld", &kb) != 1) {}
-  if (fp) fclose(fp);
-  return kb;
-}
-
-TEST_F(Limits, AMillionRootsAndAMillionFacets) {
+TEST_F(Limits, AMillionRoots) {
   Scratch s;
   FILE *fp = fopen((s / "roots.txt").c_str(), "w");
   for (int i = 0; i < 1000000; i++) fprintf(fp, "%d %d 0.5\n", i % 1000, -(i / 1000));
@@ -33,23 +23,6 @@ TEST_F(Limits, AMillionRootsAndAMillionFacets) {
   ASSERT_EQ(sim.ncells, 1000000);
   EXPECT_XYZ(sim.roots[123456], 456, -123, 0.5, 0);
   EXPECT_DOUBLE_EQ(sim.growthstate.radius, sqrt(999.0 * 999.0 * 2 + 0.25));
-  EXPECT_LE(sim.cells.capacity(), 2000016u);  // amortised: at most double
-  fp = fopen((s / "big.stl").c_str(), "wb");  // facet i at x = i % 1000, z = i / 1000, facing +z
-  uint32_t n = 1000000;
-  fwrite(std::string(80, ' ').data(), 80, 1, fp);
-  fwrite(&n, 4, 1, fp);
-  for (uint32_t i = 0; i < n; i++) {
-    float x = (float)(i % 1000), z = (float)(i / 1000), v[12] = {0, 0, 0, x, 0, z, x + 1, 0, z, x, 1, z};
-    fwrite(v, 4, 12, fp);
-    fwrite("\0", 2, 1, fp);
-  }
-  fclose(fp);
-  long before = ResidentKb();
-  ASSERT_EQ(ReadSTLFile(sim, (s / "big.stl").c_str(), &msg), 1);
-  ASSERT_EQ(sim.nstltri, 1000000);
-  EXPECT_EQ(sim.stltri[n - 1].plane.d + sim.stlmax.z, 0);
-  EXPECT_LE(sim.stltri.capacity(), 2000016u);
-  EXPECT_LT(ResidentKb() - before, 2 * 160 * 1024L);  // a FACET is 152 bytes
 }
 
 TEST_F(Limits, LongPathsAndUnwritableDirectories) {

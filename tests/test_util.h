@@ -85,13 +85,6 @@ inline std::string DebugOutput(SIMULATION &sim, const std::function<void()> &f) 
   return testing::internal::GetCapturedStderr();
 }
 
-// One step of the plain walk if run is 0, else IterateSystemSteps(run): the steps taken.
-inline long Steps(SIMULATION &sim, long run) {
-  if (run) return IterateSystemSteps(sim, run);
-  IterateSystem(sim);
-  return 1;
-}
-
 // dla3d-batch with the words of line (split at spaces) as its arguments:
 // parsed into *parsed (when given), then run unless parse_only or refused,
 // drawing --png with picture. Its status; what it writes in *err.

@@ -1,12 +1,12 @@
 """The Python module against dla3d-batch: the same cells bit for bit, views
-on them, threads, errors with the batch program's messages, Ctrl-C.
+on them, threads, the lock released while growing, errors with the batch
+program's messages, Ctrl-C.
 
 PYTHONPATH=build/python /usr/bin/python3 -m pytest python/tests
 (DLA3D_BATCH names the batch program; build/dla3d-batch by default.)"""
 import concurrent.futures
 import csv
 import gc
-import hashlib
 import os
 import signal
 import subprocess
@@ -79,17 +79,13 @@ def test_views_share_the_cells_and_keep_the_simulation():
     assert other.grow(cells=3100) == "done" and other.cells == 3100
 
 
-def aggregate(seed):
-    sim = dla3d.grow(cells=10000, seed=seed, walk="fast")
-    return hashlib.sha256(sim.positions.tobytes() + sim.weight.tobytes()).hexdigest()
+def test_threads_grow_at_once_and_release_the_gil():
+    def grow(seed):
+        return dla3d.grow(cells=10000, seed=seed, walk="fast").positions.tobytes()
 
-
-def test_threads_grow_at_once_and_give_the_same_aggregates():
-    seeds = [1, 2, 3, 4]
-    alone = [aggregate(seed) for seed in seeds]
+    alone = [grow(seed) for seed in (1, 2)]
     with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
-        together = list(pool.map(aggregate, seeds))
-    assert together == alone and len(set(alone)) == 4
+        assert list(pool.map(grow, (1, 2))) == alone
     # While a growth runs no Python code (no progress callback), another
     # thread runs Python and finds the Simulation busy: the GIL was released.
     sim = dla3d.Simulation(seed=5, walk="fast")
@@ -115,8 +111,6 @@ def test_refusals_carry_the_batch_programs_messages(tmp_path):
     rows = [
         (dict(bias=2), "dla3d-batch: --bias: 2 is out of range (allowed: 0 to 1)"),
         (dict(walk="slow"), 'dla3d-batch: --walk: "slow" is not allowed (allowed: exact or fast)'),
-        (dict(walk="fast", search="scan"),
-         "dla3d-batch: --walk fast jumps where the index proves space free: it needs --search index"),
         (dict(thickness=0.4), "dla3d-batch: --thickness needs two values START END (allowed: 0 or more)"),
         (dict(root_distribution=10), "dla3d-batch: no root is placed (--roots 1, --root-distribution 10): "
          "no cell can ever stick (give --steps N to run anyway)"),

@@ -31,7 +31,6 @@ expect() {  # expect STATUS TEXT ARGS...: the status, TEXT on standard error, an
   [ "$want" != 2 ] || [ -z "$(ls "$dir/out")" ] || { echo "FAIL: $*: files written"; fail=1; }
 }
 files=(--csv "$dir/out/c.csv" --info "$dir/out/i.txt" --pov "$dir/out/p.pov")
-expect 2 "dla3d-batch: unknown option \"on\" (see --help)" --stats on "${files[@]}"
 # Unreachable: 3 associated roots, one placed; no root placed.
 expect 2 "dla3d-batch: --associate with 3 roots but 1 placed: the next cell must join root class 1, which has no cell (give --steps N to run anyway)" \
   --roots 3 --root-distribution 1 --associate --cells 300 "${files[@]}"

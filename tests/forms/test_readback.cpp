@@ -1,7 +1,6 @@
 // What the forms store when an input comes back: clamps, negation,
 // truncation, empty text, and the restarts of the root settings.
 #include "forms/readback.h"
-#include "growth/growth.h"
 #include "test_util.h"
 
 namespace {
@@ -64,7 +63,7 @@ TEST_F(FormReadBack, SliceNormalStoredAsTyped) {
   ReadSliceNormalText(sim, 2, "");
   EXPECT_XYZ(SliceNormalForCut(sim), 0.6, -0.8, 0, 1e-15);
   EXPECT_XYZ(sim.options.slicenormal, 3, -4, 0, 0);  // the stored field is not normalised
-  for (const char *x : {"6e-6", "0"}) {          // below 1e-5 in length: z becomes 1 and stays, x stays
+  for (const char *x : {"6e-6", "0"}) {              // below 1e-5 in length: z becomes 1 and stays, x stays
     ReadSliceNormalText(sim, 0, x);
     ReadSliceNormalText(sim, 1, "0");
     ReadSliceNormalText(sim, 2, "0");

@@ -2,9 +2,6 @@
 // numbers a seed reproduces a run with.
 #include <limits.h>
 
-#include <vector>
-
-#include "growth/growth.h"
 #include "growth/idle.h"
 #include "growth/index.h"
 #include "growth/random.h"
@@ -122,32 +119,31 @@ TEST_F(Roots, SeedFilesGoodAndBad) {
 }
 
 // Each source's release points over many draws: the unit direction's
-// component along the source's axis at least least in size, of the sign
-// given (0: both signs seen).
+// component along the source's axis at least least[kind] in size, of the
+// sign given (0: both signs seen). The sphere, unknown codes and, with no
+// surface, the surface source: any direction.
 TEST_F(Source, EachCodeReleasesFromItsSide) {
-  struct {
-    int code, axis;
-    double least;
-    int sign;
-  } cases[] = {{SOURCE_PLUSX, 0, 0.99, 1},   {SOURCE_MINUSX, 0, 0.99, -1}, {SOURCE_DOUBLEX, 0, 0.99, 0},
-               {SOURCE_PLUSY, 1, 0.99, 1},   {SOURCE_MINUSY, 1, 0.99, -1}, {SOURCE_DOUBLEY, 1, 0.99, 0},
-               {SOURCE_PLUSZ, 2, 0.99, 1},   {SOURCE_MINUSZ, 2, 0.99, -1}, {SOURCE_DOUBLEZ, 2, 0.99, 0},
-               {SOURCE_PLANEX, 0, 0.577, 1}, {SOURCE_PLANEY, 1, 0.577, 1}, {SOURCE_PLANEZ, 2, 0.577, 1},
-               {SOURCE_HEMIX, 0, 0, 1},      {SOURCE_HEMIY, 1, 0, 1},      {SOURCE_HEMIZ, 2, 0, 1},
-               {SOURCE_SPHERE, 0, 0, 0},     {0, 2, 0, 0},                 {18, 1, 0, 0},
-               {SOURCE_STL, 2, 0, 0}};  // no surface: the sphere
-  for (auto &c : cases) {
-    double lo = 2, hi = -2;
-    for (int k = 0; k < 400; k++) {
-      XYZ p = GetNewParticle(sim, c.code, 7.5);
-      ASSERT_NEAR(Modulus(p), 7.5, 1e-12) << c.code;
-      double v = (c.axis == 0 ? p.x : c.axis == 1 ? p.y : p.z) / 7.5;
-      lo = fmin(lo, v);
-      hi = fmax(hi, v);
-      ASSERT_GE(fabs(v), c.least) << c.code;
+  const int codes[4][5] = {{SOURCE_PLUSX, SOURCE_MINUSX, SOURCE_DOUBLEX, SOURCE_PLANEX, SOURCE_HEMIX},
+                           {SOURCE_PLUSY, SOURCE_MINUSY, SOURCE_DOUBLEY, SOURCE_PLANEY, SOURCE_HEMIY},
+                           {SOURCE_PLUSZ, SOURCE_MINUSZ, SOURCE_DOUBLEZ, SOURCE_PLANEZ, SOURCE_HEMIZ},
+                           {SOURCE_SPHERE, 0, 18, SOURCE_STL, -3}};
+  const double least[5] = {0.99, 0.99, 0.99, 0.577, 0};
+  const int signs[5] = {1, -1, 0, 1, 1};
+  for (int axis = 0; axis < 4; axis++)
+    for (int kind = 0; kind < 5; kind++) {
+      int code = codes[axis][kind], sign = axis < 3 ? signs[kind] : 0;
+      double lo = 2, hi = -2;
+      for (int k = 0; k < 400; k++) {
+        XYZ p = GetNewParticle(sim, code, 7.5);
+        ASSERT_NEAR(Modulus(p), 7.5, 1e-12) << code;
+        double v = (axis == 0 ? p.x : axis == 1 ? p.y : p.z) / 7.5;
+        lo = fmin(lo, v);
+        hi = fmax(hi, v);
+        ASSERT_GE(fabs(v), axis < 3 ? least[kind] : 0) << code;
+      }
+      bool side = sign ? sign * lo >= 0 && sign * hi >= 0 : lo < -0.5 && hi > 0.5;
+      EXPECT_TRUE(side) << code << ": " << lo << " to " << hi;
     }
-    EXPECT_TRUE(c.sign > 0 ? lo >= 0 : c.sign < 0 ? hi <= 0 : lo < -0.5 && hi > 0.5) << c.code << ": " << lo << " to " << hi;
-  }
   // The surface source: towards the centroid of a facet, each facet in turn by chance.
   AppendFacet(sim, V(3, 0, 0), V(3, 3, 0), V(3, 0, 3));     // centroid (3, 1, 1)
   AppendFacet(sim, V(0, -6, 0), V(0, -6, 3), V(3, -6, 0));  // centroid (1, -6, 1)
@@ -185,18 +181,19 @@ void Quiet(SIMULATION &sim, const char *roots) {
 
 // Worked out by hand from a step that ends at (3, 4, 0), 5 from the root at
 // the origin: the drift moves it bias percent of a branch length further
-// away; the swirl turns it counter-clockwise seen from +z.
+// away (b = bias 0.01 branch length); the swirl turns it counter-clockwise
+// seen from +z.
 TEST_F(Step, DriftPushesAwayFromTheRootAndTheSwirlTurnsCounterClockwise) {
   Quiet(sim, NULL);
+  const double c5 = cos(5 * M_PI / 180), s5 = sin(5 * M_PI / 180);
   struct {
     double bias, rotation, branchlength;
     XYZ want;
   } cases[] = {{0, 0, 1, {3, 4, 0}},
                {1, 0, 1, {3.006, 4.008, 0}},
-               {0.5, 0, 2, {3.006, 4.008, 0}},  // b = bias 0.01 branch length
+               {0.5, 0, 2, {3.006, 4.008, 0}},
                {0, 90, 1, {-4, 3, 0}},
-               {0, -5, 1, {3 * cos(5 * M_PI / 180) + 4 * sin(5 * M_PI / 180),
-                           4 * cos(5 * M_PI / 180) - 3 * sin(5 * M_PI / 180), 0}}};
+               {0, -5, 1, {3 * c5 + 4 * s5, 4 * c5 - 3 * s5, 0}}};
   for (auto &c : cases) {
     sim.growthstate.bias = c.bias;
     sim.growthstate.rotation = c.rotation;
@@ -275,12 +272,8 @@ TEST_F(Step, AssociationSearchesOneIndexClassAndDriftsFromItsRoot) {
 }
 
 TEST_F(Step, ReleasesLifeSpanEscapeAndRadius) {
-  StartGrowth(sim, "--root-distribution 10");  // no cells: a fresh particle every 10000 steps at radius + 2
-  sim.growthstate.bias = 0;
-  for (int i = 0; i < 10001; i++) IterateSystem(sim);
-  EXPECT_EQ(sim.nseeds, 2);
-  EXPECT_EQ(sim.growthstate.lifespan, 10001);
-  EXPECT_NEAR(Modulus(sim.seeds[1]), 12, 1e-12);
+  // No cells: released at radius + 2 = 12 (every 10000 steps: test_walks.cpp).
+  StartGrowth(sim, "--root-distribution 10 --bias 0");
   int stayed = 0;
   for (int k = 0; k < 40; k++) {  // a first step outward is refused: the particle stays where it was released
     sim.growthstate.lifespan = 0;
@@ -358,12 +351,10 @@ TEST_F(Step, IdleCallsGrowOneHundredStepsUnlessPausedOrCounting) {
 // frame, and the next frame counted from it.
 TEST(Idle, RedisplaysAtTheFramerateAndPollsFormsAfterTwentyMilliseconds) {
   double last = -1;
-  const struct {
-    double now;
-    int due;
-  } calls[] = {{5, 0},      {5.01, 0}, {5.021, IDLE_POLLFORMS}, {5.034, IDLE_POLLFORMS | IDLE_REDISPLAY},
-               {5.044, 0},  {5.06, IDLE_POLLFORMS}, {5.068, IDLE_POLLFORMS | IDLE_REDISPLAY}};
-  for (auto &c : calls) EXPECT_EQ(IdleDue(30, c.now, &last), c.due) << "at " << c.now;
+  const int P = IDLE_POLLFORMS, R = IDLE_POLLFORMS | IDLE_REDISPLAY;
+  const double now[] = {5, 5.01, 5.021, 5.034, 5.044, 5.06, 5.068};
+  const int due[] = {0, 0, P, R, 0, P, R};
+  for (int i = 0; i < 7; i++) EXPECT_EQ(IdleDue(30, now[i], &last), due[i]) << "at " << now[i];
   EXPECT_EQ(last, 5.068);
   EXPECT_EQ(IdleDue(2, 5.5, &last), IDLE_POLLFORMS);  // framerate 2: half a second
   EXPECT_EQ(IdleDue(2, 5.569, &last), IDLE_POLLFORMS | IDLE_REDISPLAY);

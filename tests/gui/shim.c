@@ -33,7 +33,10 @@ static void Log(int group, int start, const char *fmt, ...) {
 }
 
 // Inputs by their form (counted from 1) and place, for fl_set_input.
-static struct INPUT { void *object; int form, x, y; } inputs[256];
+static struct INPUT {
+  void *object;
+  int form, x, y;
+} inputs[256];
 static int ninputs, nforms;
 
 void *fl_bgn_form(int type, int w, int h) {

@@ -1,7 +1,6 @@
 // The window dumps' TGA writer (run-length coded, 24 bits): its packets, its
-// header and its row order; the dumps' names and numbers are tests/gui/dumps.sh's.
+// header and its row order; the dumps' names and numbers are tests/gui/startup.sh's.
 // (The rest of the library is tested through its users.)
-#include <vector>
 
 #include "lib/bitmap.h"
 #include "test_util.h"
@@ -59,11 +58,11 @@ TEST(Bitmap, RunLengthPacketsOfRows) {
 }
 
 TEST(Bitmap, HeaderAndRowsFromTheBottom) {
-  EXPECT_EQ(Image({A}, 1, 1),
-            BYTES({0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 24, 0, 0x80, 30, 20, 10}));
+  EXPECT_EQ(Image({A}, 1, 1), BYTES({0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 24, 0, 0x80, 30, 20, 10}));
   BYTES out = Image(std::vector<PIX>(600, A), 300, 2);
   EXPECT_EQ(BYTES(out.begin() + 12, out.begin() + 18), BYTES({0x2c, 1, 2, 0, 24, 0}));  // 300 x 2
-  // Rows A B over C D, as glReadPixels gives them (bottom row first): written in that order, for an origin at the bottom.
+  // Rows A B over C D, as glReadPixels gives them (bottom row first): written in that order, for an origin at the
+  // bottom.
   BYTES body = Image({A, B, C, D}, 2, 2);
   EXPECT_EQ(BYTES(body.begin() + 18, body.end()), Packets({{0x01, {A, B}}, {0x01, {C, D}}}));
 }

@@ -2,8 +2,6 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-
 #include "surface/slice.h"
 #include "test_util.h"
 
@@ -53,9 +51,10 @@ TEST_F(Slicing, EveryCaseOfTheTableAcrossThreeSlabs) {
   EXPECT_EQ(Slice(sim, s.dir, 3, V(0, 0, 1), &err),
             "2 4 20 1 3 10\n2 4 20 0 0 25\n12 4 20 11 3 10\n|1 3 10 -1 1 -10\n11 3 10 9 1 -10\n|"
             "-1 1 -10 -2 0 -20\n9 1 -10 8 0 -20\n8 0 -20 8 0 -25\n|");
-  EXPECT_EQ(err, "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
-                 "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
-                 "Slice 2, distance: -10 to -30\n");
+  EXPECT_EQ(err,
+            "Slice 0, distance: 30 to 10\n   Processing seed node 0\n      Tracing branch node from 0 -> 1\n"
+            "   Processing seed node 2\n      Tracing branch node from 2 -> 3\nSlice 1, distance: 10 to -10\n"
+            "Slice 2, distance: -10 to -30\n");
 }
 
 TEST_F(Slicing, SeedsOnlyNoCellsExactlyNFilesAndAFileThatCannotBeMade) {

@@ -1,6 +1,5 @@
 // The constraint surface: reading STL, preparing the facets, the geometric
 // tests, the sample surfaces and the transform.
-#include <vector>
 
 #include "surface/constraint.h"
 #include "surface/samples.h"
@@ -37,68 +36,68 @@ TEST_F(StlRead, AsciiBinaryAndTheSixCharacterRule) {
   CopyName(sim.growthstate.stlname, "Sample", sizeof(sim.growthstate.stlname));
   FILEMESSAGE msg;
   std::string err;
-  std::string text = "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
-                     " endloop\nouterloop\rvertex -1 0 1.5\rvertex -1 3 1.5\rvertex -1 0 -6\rendloop\r";
+  std::string text =
+      "solid t\nfacet normal 0 0 0\n outer loop\n  vertex 0 0 0\n  vertex 2 0 0\n  vertex 0 4 0\n"
+      " endloop\nouterloop\rvertex -1 0 1.5\rvertex -1 3 1.5\rvertex -1 0 -6\rendloop\r";
   EXPECT_EQ(ReadBytes(sim, text, &msg, &err), 1);
   EXPECT_STREQ(sim.growthstate.stlname, "None");  // a surface read from a file is called "None"
   ASSERT_EQ(sim.nstltri, 2);
   EXPECT_XYZ(sim.stltri[0].n, 0, 0, 1, 0);  // counter-clockwise seen from +z; the file's normal unused
   EXPECT_XYZ(sim.stltri[1].n, -1, 0, 0, 0);
-  EXPECT_EQ(err, "ASCII stl file\nParsing ascii stl file\nRead 2 triangle faces\nBounds: -1 <= x <= 2\n"
-                 "        0 <= y <= 4\n        -6 <= z <= 1.5\nMidpoint: 0.5 2 -2.25\n");
+  EXPECT_EQ(err,
+            "ASCII stl file\nParsing ascii stl file\nRead 2 triangle faces\nBounds: -1 <= x <= 2\n"
+            "        0 <= y <= 4\n        -6 <= z <= 1.5\nMidpoint: 0.5 2 -2.25\n");
   std::string bytes = Header("b") + Le32(2) + Facet({0.1f, 0.2f, 0.3f, 1.7f, 0, 0, 0, 2.9f, 0});
   EXPECT_EQ(ReadBytes(sim, bytes + Facet({-5, 0, 0, 5, 0, 0, 0, 0, 7.25f}), &msg, &err), 1);
   EXPECT_EQ(sim.stltri[0].p[0].x, (double)0.1f);  // floats widened exactly
   EXPECT_EQ(sim.stlmax.z, 7.25);
-  EXPECT_EQ(err.substr(0, 87), "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
-                               "Bounds");
-  EXPECT_EQ(ReadBytes(sim, " solid x\nendsolid x\n", &msg), 1);  // "solid" within six characters: ASCII, no loops
-  EXPECT_EQ(sim.nstltri, 0);
-  EXPECT_EQ(ReadBytes(sim, "  solid x\n" + std::string(100, 'f'), &msg), 0);  // binary, an implausible count
-  EXPECT_EQ(Lines(msg), "File Error|Read an unexpected number of faces in STL header|");
-  EXPECT_EQ(ReadBytes(sim, Header("solid binary") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}), &msg), 1);
-  EXPECT_EQ(sim.nstltri, 0);  // a binary header beginning with "solid" is read as ASCII
+  EXPECT_EQ(err.substr(0, 87),
+            "Binary stl file\nParsing binary stl file\nExpecting 2 facets\nRead 2 triangle faces\n"
+            "Bounds");
 }
 
+// From one facet read, each file: its result, message (and " fatal") and the
+// facets then held (-1: the program ends).
 TEST_F(StlRead, FailuresAndFilesThatEndEarly) {
-  FILEMESSAGE msg;
-  std::string text;
   const std::string one = Header("b") + Le32(1) + Facet({0, 0, 0, 1, 0, 0, 0, 1, 0});
-  ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
+  const std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
+  const char *count = "File Error|Read an unexpected number of faces in STL header|";
+  const struct {
+    std::string bytes;
+    int ok;
+    std::string message;
+    int facets;
+  } cases[] = {{" solid x\nendsolid x\n", 1, "||", 0},                 // "solid" within six characters: ASCII, no loops
+               {"  solid x\n" + std::string(100, 'f'), 0, count, 0},   // binary, an implausible count
+               {Header("solid binary") + one.substr(80), 1, "||", 0},  // a binary header beginning with "solid": ASCII
+               {std::string(79, 'x'), 0, "File Error|Failed to read an expected STL header| fatal", -1},
+               {"solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", 0,
+                "File Error|Error reading vertices in ascii STL file| fatal", -1},
+               {Header("b") + Le32(10000001), 0, count, 0},     // one above the limit
+               {Header("b") + Le32(0xffffffffu), 0, count, 0},  // negative seen unsigned
+               {Header("b") + Le32(0), 1, "||", 0},
+               {Header("b") + "\xff\xff\xff", 1, "||", 0},
+               // NaN vertices make a facet degenerate; an infinite one stays.
+               {"solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
+                " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n",
+                1, "||", 1},
+               // A last line without its line end is not read: cut off in its "outer loop", what came before.
+               {"solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", 1, "||", 1},
+               // Ten million promised, two complete facets and most of a third: the two.
+               {Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), 1, "||", 2}};
+  FILEMESSAGE msg;
+  for (auto &c : cases) {
+    ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
+    EXPECT_EQ(ReadBytes(sim, c.bytes, &msg), c.ok) << c.message;
+    EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), c.message);
+    EXPECT_TRUE(c.facets < 0 || sim.nstltri == c.facets) << c.message << ": " << sim.nstltri;
+  }
+  EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
+  EXPECT_LE(sim.stltri.size(), 1000u);  // storage follows the file, not the count promised
   Scratch s;
   EXPECT_EQ(ReadSTLFile(sim, (s / "none.stl").c_str(), &msg), 0);
   EXPECT_EQ(Lines(msg), "File Error|Failed to read STL file|" + s / "none.stl");
-  EXPECT_EQ(sim.nstltri + msg.fatal, 1);  // the old surface stays
-  EXPECT_EQ(ReadBytes(sim, std::string(79, 'x'), &msg), 0);
-  EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Failed to read an expected STL header| fatal");
-  EXPECT_EQ(ReadBytes(sim, "solid s\nouter loop\nvertex 1 2 3\nvertex 1 x 3\n", &msg), 0);
-  EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Error reading vertices in ascii STL file| fatal");
-  for (uint32_t count : {10000001u, 0xffffffffu}) {  // one above the limit; negative seen unsigned
-    ASSERT_EQ(ReadBytes(sim, one, &msg), 1);
-    EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(count), &msg), 0);
-    EXPECT_EQ(Lines(msg) + (msg.fatal ? " fatal" : ""), "File Error|Read an unexpected number of faces in STL header|");
-    EXPECT_EQ(sim.nstltri, 0);
-  }
-  for (std::string bytes : {Header("b") + Le32(0), Header("b") + Le32(10000000), Header("b") + "\xff\xff\xff"}) {
-    EXPECT_EQ(ReadBytes(sim, bytes, &msg) + msg.set + sim.nstltri, 1);  // no facet, no message
-  }
-  // Ten million promised, two complete facets and most of a third: the two,
-  // and storage follows the file.
-  size_t storage = sim.stltri.size();
-  std::string two = Facet({0, 0, 0, 1, 0, 0, 0, 1, 0}) + Facet({0, 0, 0, 2, 0, 0, 0, 0.5f, 0});
-  EXPECT_EQ(ReadBytes(sim, Header("b") + Le32(10000000) + two + Facet({5, 5, 0, 6, 5, 0, 5, 6, 0}).substr(0, 49), &msg),
-            1);
-  ASSERT_EQ(sim.nstltri, 2);
-  EXPECT_XYZ(sim.stlmax, 2, 1, 0, 0);
-  EXPECT_LE(sim.stltri.size(), storage > 1000 ? storage : 1000);
-  text = "solid x\n outer loop\n vertex nan nan nan\n vertex nan 1 0\n vertex 0 nan 1\n"
-         " outer loop\n vertex inf 0 0\n vertex 0 1 0\n vertex 0 0 1\n";
-  EXPECT_EQ(ReadBytes(sim, text, &msg), 1);
-  ASSERT_EQ(sim.nstltri, 1);  // NaN vertices make a facet degenerate; an infinite one stays
-  EXPECT_EQ(sim.stlmax.x, HUGE_VAL);
-  // A last line without its line end is not read: a file cut off in its "outer loop" keeps what came before.
-  EXPECT_EQ(ReadBytes(sim, "solid c\n outer loop\n vertex 0 0 0\n vertex 1 0 0\n vertex 0 1 0\n outer loop", &msg), 1);
-  EXPECT_EQ(sim.nstltri, 1);
+  EXPECT_EQ(sim.nstltri + msg.fatal, 2);  // the old surface stays
 }
 
 TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
@@ -119,8 +118,9 @@ TEST_F(Surface, BadFacesTakeTheLastFacetAndTheDerivedFields) {
   sim.nstltri = 1;
   sim.stltri[0].p[1] = sim.stltri[0].p[0];
   err = DebugOutput(sim, [&] { UpdateSTL(sim); });  // none left: bounds at +-1e32, the midpoint at the origin
-  EXPECT_EQ(err, "Removed 1 bad faces\nBounds: 1e+32 <= x <= -1e+32\n        1e+32 <= y <= -1e+32\n"
-                 "        1e+32 <= z <= -1e+32\nMidpoint: 0 0 0\n");
+  EXPECT_EQ(err,
+            "Removed 1 bad faces\nBounds: 1e+32 <= x <= -1e+32\n        1e+32 <= y <= -1e+32\n"
+            "        1e+32 <= z <= -1e+32\nMidpoint: 0 0 0\n");
 }
 
 void OneFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
@@ -129,20 +129,20 @@ void OneFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2) {
   UpdateSTL(sim);
 }
 
+// Segments against the facet (0,0,0) (4,0,0) (0,4,0), cut or not: crossing; ending on the plane from
+// either side; short of it; outside the triangle; on an edge; |denom| below 1e-5 (even in the plane), above.
 TEST_F(Surface, SegmentAgainstFacetAndBox) {
   OneFacet(sim, V(0, 0, 0), V(4, 0, 0), V(0, 4, 0));
-  XYZ p = V(9, 9, 9);
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1)), 1);
+  const double segments[][7] = {{1, 1, 1, 1, 2, -1, 1},   {1, 1, 2, 1, 1, 0, 1},   {1, 1, 0, 1, 1, 5, 1},
+                                {1, 3, 2, 1, 3, 1, 0},    {3, 3, 1, 3, 3, -1, 0},  {2, 0, 1, 2, 0, -1, 1},
+                                {1, 1, 0, 3, 1, 9e-6, 0}, {1, 1, 0, 3, 1, 2e-5, 1}};
+  XYZ p;
+  for (auto &g : segments)
+    EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(g[0], g[1], g[2]), V(g[3], g[4], g[5])), g[6]) << g[0] << g[1] << g[2];
+  LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 2, -1));
   EXPECT_XYZ(p, 1, 1.5, 0, 0);
-  EXPECT_EQ(
-      LinePlaneIntersect(sim, 0, &p, V(1, 1, 2), V(1, 1, 0)) + LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(1, 1, 5)),
-      2);                                                                // ends count
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1)), 0);  // short of the plane...
-  EXPECT_XYZ(p, 1, 3, 0, 0);                                           // ...the crossing still written
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(3, 3, 1), V(3, 3, -1)), 0);    // outside the triangle
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(2, 0, 1), V(2, 0, -1)), 1);    // on an edge
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 9e-6)), 0);  // |denom| < 1e-5, even in the plane
-  EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 0), V(3, 1, 2e-5)), 1);
+  LinePlaneIntersect(sim, 0, &p, V(1, 3, 2), V(1, 3, 1));
+  EXPECT_XYZ(p, 1, 3, 0, 0);  // short of the plane, the crossing still written
   EXPECT_EQ(PointPlaneDist(sim, 0, V(5, -7, 3)), 3);
   OneFacet(sim, V(0, 0, 0), V(1, 1, 0), V(2, 2, 0));  // zero normal: never cut
   EXPECT_EQ(LinePlaneIntersect(sim, 0, &p, V(1, 1, 1), V(1, 1, -1)), 0);
