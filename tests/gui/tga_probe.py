@@ -7,7 +7,7 @@ a line ("error" if it fails); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
   colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
   raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
   greys FILE            lit grey pixels and their levels
-  same FILE1 FILE2 / having R G B FILE... (files holding it)
+  having R G B FILE... (files holding it)
   brightest BOX FILE... per file, the brightest grey in the box
 """
 import os
@@ -56,8 +56,6 @@ def main(cmd, a):
         im = load(a[0])
         box = im.getbbox() or (0, 0, 0, 0)
         print(box[0], box[1], box[2] - 1, box[3] - 1, *im.size)
-    elif cmd == "same":
-        print("same" if load(a[0]).tobytes() == load(a[1]).tobytes() else "differ")
     elif cmd == "having":
         c = tuple(map(int, a[0:3]))
         print(sum(any(p == c for n, p in colours(f)) for f in a[3:]))
