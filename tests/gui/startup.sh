@@ -72,7 +72,6 @@ for i in 0 1; do echo keep$i >"$W/000$i.tga"; done
 gui_start -d
 DUMPNO=2
 dump first
-[ "$(od -An -tu1 -N18 -w18 "$W/first.tga" | tr -s ' ')" = " 0 0 10 0 0 0 0 0 0 0 0 0 32 3 88 2 24 0" ] || gui_fail "header"
 [ "$(cat "$W/0000.tga" "$W/0001.tga")" = $'keep0\nkeep1' ] || gui_fail "a dump overwrote an earlier one"
 # The next free name cannot be written (a link into a missing directory).
 ln -s "$W/missing/0003.tga" "$W/0003.tga"
