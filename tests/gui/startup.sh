@@ -33,7 +33,7 @@ for size in 800x600 700x500; do
   xdotool windowsize "$WID" ${size/x/ }
   wait_for 30 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
   dump "$size"; [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
-  read -r x0 y0 x1 y1 < <(probe extent "$size.tga" 128 255 128)
+  read -r x0 y0 x1 y1 _ < <(probe box "$size.tga" 128 255 128)
   [ $((x1 - x0 - y1 + y0)) -le 2 ] && [ $((y1 - y0 - x1 + x0)) -le 2 ] && [ $((x1 - x0)) -gt 100 ] ||
     gui_fail "$size: the circles span $((x1 - x0)) x $((y1 - y0)) pixels"
 done
