@@ -17,7 +17,7 @@ cmake --build build-asan -j"$(nproc)"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j2 -L unit)
 
 # The same under ThreadSanitizer, optimised as released: two simulations
-# grown at once in two threads (dla_threads_tests) must touch no memory in
+# grown at once in two threads (Threads.* in dla_tests) must touch no memory in
 # common. A race reported fails the test it shows in (exit code 66).
 cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDLA_TSAN=ON -DDLA_BUILD_GUI=OFF -DDLA_BUILD_BENCH=OFF >/dev/null
 cmake --build build-tsan -j"$(nproc)"

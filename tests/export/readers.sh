@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Real readers of every file dla3d-batch writes (the GUI tests read the
 # window dumps); a missing reader fails the check.
-# Usage: readers.sh BATCH models|gltf|ply|vtp|summary: POV-Ray, VRML, DXF and
-# STL readers; Khronos's validator, Blender and assimp; MeshLab and a reader
-# of the bytes; VTK; the summary against the CSV and report of its run.
+# Usage: readers.sh BATCH models|gltf|ply|summary: POV-Ray, VRML, DXF and
+# STL readers; Khronos's validator, Blender and assimp; MeshLab, a reader
+# of the bytes and VTK; the summary against the CSV and report of its run.
 set -u
 bin=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)
@@ -65,21 +65,18 @@ gltf)
   done
   ;;
 ply)
-  # Default drawing (lines): the associated roots' colours; tubes colour by weight.
+  # Default drawing (lines): the associated roots' colours; tubes colour by weight. VTK reads the .vtp.
   for run in "root" "weight --dla-draw 5"; do
     read -r colouring opts <<<"$run"
-    "$bin" --cells 300 --no-progress "${roots[@]}" $opts --csv "$dir/$colouring.csv" --ply "$dir/$colouring.ply" ||
-      { fail "dla3d-batch $opts"; continue; }
+    "$bin" --cells 300 --no-progress "${roots[@]}" $opts --csv "$dir/$colouring.csv" --ply "$dir/$colouring.ply" \
+      --vtp "$dir/$colouring.vtp" || { fail "dla3d-batch $opts"; continue; }
+    /usr/bin/python3 "$here/cells_check.py" "$dir/$colouring.vtp" "$dir/$colouring.csv" || status=1
     # MeshLab needs a display even as a server; its -m vc vq keeps vertex colour and quality it read.
     xvfb-run -a -s '-screen 0 640x480x24' meshlabserver -i "$dir/$colouring.ply" -o "$dir/$colouring.meshlab.ply" -m vc vq \
       >"$dir/meshlab.out" 2>&1 || fail "meshlabserver: $(tail -3 "$dir/meshlab.out")"
     /usr/bin/python3 "$here/cells_check.py" "$dir/$colouring.ply" "$dir/$colouring.csv" "$dir/$colouring.meshlab.ply" \
       "$colouring" || status=1
   done
-  ;;
-vtp)
-  "$bin" --cells 300 --no-progress "${roots[@]}" --csv "$dir/a.csv" --vtp "$dir/a.vtp" || fail "dla3d-batch"
-  /usr/bin/python3 "$here/cells_check.py" "$dir/a.vtp" "$dir/a.csv" || status=1
   ;;
 summary)
   # 100,000 cells from one root: the dimension of three-dimensional DLA.

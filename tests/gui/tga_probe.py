@@ -2,12 +2,12 @@
 """Reads pictures with Pillow (which rejects run-length packets that cross a
 row) in the directory given: a command a line from standard input, an answer
 a line ("error" if it fails); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
-  size FILE / lit FILE [BOX] / count FILE R G B [BOX] / extent FILE R G B
-  litbox FILE           the box of every lit pixel (inclusive), then width and height
+  size FILE / lit FILE [BOX] / count FILE R G B [BOX]
+  box FILE [R G B]      the box (inclusive) of every lit pixel or of the colour, then width and height
   colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
   raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
   greys FILE            lit grey pixels and their levels
-  same FILE1 FILE2 / having R G B FILE... (files holding it)
+  having R G B FILE... (files holding it)
   brightest BOX FILE... per file, the brightest grey in the box
 """
 import os
@@ -46,18 +46,14 @@ def main(cmd, a):
     elif cmd == "greys":
         g = [n for n, p in colours(a[0]) if p != black and p[0] == p[1] == p[2]]
         print(sum(g), len(g))
-    elif cmd == "extent":
+    elif cmd == "box":
         im = load(a[0])
-        diff = ImageChops.difference(im, Image.new("RGB", im.size, tuple(map(int, a[1:4]))))
-        zero = [ch.point(lambda v: 255 if v == 0 else 0) for ch in diff.split()]
-        box = ImageChops.darker(ImageChops.darker(zero[0], zero[1]), zero[2]).getbbox()
-        print(*(box[0], box[1], box[2] - 1, box[3] - 1) if box else (0, 0, 0, 0))
-    elif cmd == "litbox":
-        im = load(a[0])
+        if a[1:]:  # where the colour is: where the difference from it is 0 in all three channels
+            diff = ImageChops.difference(im, Image.new("RGB", im.size, tuple(map(int, a[1:4]))))
+            zero = [ch.point(lambda v: 255 if v == 0 else 0) for ch in diff.split()]
+            im = ImageChops.darker(ImageChops.darker(zero[0], zero[1]), zero[2])
         box = im.getbbox() or (0, 0, 0, 0)
         print(box[0], box[1], box[2] - 1, box[3] - 1, *im.size)
-    elif cmd == "same":
-        print("same" if load(a[0]).tobytes() == load(a[1]).tobytes() else "differ")
     elif cmd == "having":
         c = tuple(map(int, a[0:3]))
         print(sum(any(p == c for n, p in colours(f)) for f in a[3:]))
