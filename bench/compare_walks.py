@@ -7,13 +7,21 @@ within the exact walk's seed-to-seed spread (one standard deviation).
 
 One table per setting: by default the program's defaults and --bias 0
 (pure DLA, no drift); --setting OPTIONS (repeatable) replaces them, and the
-extra options after -- go to every run.
+extra options after -- go to every run. "Rg dimension" is fitted over the
+whole growth, "last decade" over its last tenfold in cells.
+
+The exact walk's cells never change (bench/README.md keeps the checksum of
+its million-cell aggregate), so --keep DIR stores the exact runs' figures
+there and reuses them: at a million cells they take minutes each. --walks
+exact grows only those (to fill DIR ahead of time).
 
 Usage: bench/compare_walks.py [--batch build/dla3d-batch] [--cells 100000]
-                              [--seeds 10] [--first-seed 1]
+                              [--seeds 10] [--first-seed 1] [--keep DIR]
+                              [--walks exact|fast|both]
                               [--setting "--bias 0" ...] [-- extra options]
 """
 import argparse
+import json
 import math
 import os
 import subprocess
@@ -41,11 +49,13 @@ def gyration_radius(cells):
     return math.sqrt(sum((x - sx) ** 2 + (y - sy) ** 2 + (z - sz) ** 2 for _, x, y, z in cells) / n)
 
 
-def gyration_dimension(cells):
+def gyration_dimension(cells, first=None):
     """Slope of log(n) against log(Rg(n)) over the first n cells, n from
-    1000 (or a hundredth) to all, twelve sizes spaced evenly in log n."""
+    first (default 1000, or a hundredth) to all, twelve sizes spaced evenly
+    in log n."""
     n = len(cells)
-    first = max(50, min(1000, n // 100))
+    if first is None:
+        first = max(50, min(1000, n // 100))
     sizes = sorted({int(round(first * (n / first) ** (k / 11))) for k in range(12)})
     sx = sy = sz = s2 = 0.0
     points = []
@@ -75,7 +85,8 @@ def statistics(cells):
     for c in children:
         shares[min(c, 4)] += 1
     radius = max(math.sqrt(x * x + y * y + z * z) for _, x, y, z in cells)
-    out = {"Rg": gyration_radius(cells), "Rg dimension": gyration_dimension(cells), "final radius": radius}
+    out = {"Rg": gyration_radius(cells), "Rg dimension": gyration_dimension(cells),
+           "last decade": gyration_dimension(cells, len(cells) // 10), "final radius": radius}
     for k in range(5):
         out["children %s" % (k if k < 4 else "4+")] = shares[k] / len(cells)
     return out
@@ -94,21 +105,43 @@ def mean_sd(values):
     return m, sd
 
 
+def run(args, walk, seed, options, csv):
+    """The figures of one run and its seconds, from --keep's store when the
+    exact walk grew it before."""
+    kept = None
+    if args.keep and walk == "exact":
+        name = "exact_%d_%d_%s.json" % (args.cells, seed, "_".join(options).replace("-", "") or "defaults")
+        kept = os.path.join(args.keep, name)
+        if os.path.exists(kept):
+            with open(kept) as f:
+                stored = json.load(f)
+            return stored["figures"], stored["seconds"]
+    seconds = grow(args.batch, walk, seed, args.cells, options, csv)
+    figures = statistics(read_cells(csv))
+    if kept:
+        os.makedirs(args.keep, exist_ok=True)
+        with open(kept, "w") as f:
+            json.dump({"figures": figures, "seconds": seconds}, f)
+    return figures, seconds
+
+
 def compare(args, setting):
     """Grows both walks for every seed with the options of setting, prints
     the table; returns the number of statistics that differ."""
     options = setting + args.extra
+    walks = ("exact", "fast") if args.walks == "both" else (args.walks,)
     results = {"exact": [], "fast": []}
     seconds = {"exact": [], "fast": []}
     with tempfile.TemporaryDirectory() as tmp:
         csv = os.path.join(tmp, "cells.csv")
         for seed in range(args.first_seed, args.first_seed + args.seeds):
-            for walk in ("exact", "fast"):
-                seconds[walk].append(grow(args.batch, walk, seed, args.cells, options, csv))
-                results[walk].append(statistics(read_cells(csv)))
-            print("%s seed %d: exact %.1f s, fast %.1f s" % (" ".join(options) or "defaults", seed,
-                                                            seconds["exact"][-1], seconds["fast"][-1]),
-                  file=sys.stderr)
+            for walk in walks:
+                figures, took = run(args, walk, seed, options, csv)
+                results[walk].append(figures)
+                seconds[walk].append(took)
+                print("%s seed %d: %s %.1f s" % (" ".join(options) or "defaults", seed, walk, took), file=sys.stderr)
+    if len(walks) < 2:
+        return 0
 
     print("%d cells, seeds %d to %d, %s" % (args.cells, args.first_seed, args.first_seed + args.seeds - 1,
                                             ("options " + " ".join(options)) if options else "defaults"))
@@ -134,6 +167,8 @@ def main():
     ap.add_argument("--cells", type=int, default=100000)
     ap.add_argument("--seeds", type=int, default=10)
     ap.add_argument("--first-seed", type=int, default=1)
+    ap.add_argument("--keep", metavar="DIR", help="store and reuse the exact walk's figures here")
+    ap.add_argument("--walks", choices=("both", "exact", "fast"), default="both")
     ap.add_argument("--setting", action="append", metavar="OPTIONS",
                     help='dla3d-batch options of one table (default: the defaults, then "--bias 0")')
     ap.add_argument("extra", nargs="*", help="further dla3d-batch options for every run, after --")

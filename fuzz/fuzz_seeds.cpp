@@ -3,30 +3,21 @@
 #include <string.h>
 
 #include "app/simulation.h"
+#include "app/startup.h"
 #include "fuzz_common.h"
 #include "growth/growth.h"
 #include "surface/stl.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static int started = 0;
-  if (!started) {
-    started = 1;
-    SetOptionDefaults();
-    InitialiseGrowth();
-  }
   // Every input starts from a fresh program.
-  SetOptionDefaults();
-  SetGrowthDefaults();
-  sim.nstltri = 0;
-  UpdateSTL();
-  InitialiseGrowth();
-  ResetSeeds();
+  SIMULATION sim;
+  ResetProgram(sim);
 
   std::vector<char> copy;
   FILE *fp = OpenInput(data, size, &copy);
   FILEMESSAGE msg;
   memset(&msg, 0, sizeof(msg));
-  int ok = ReadRootsStream(fp, "fuzz.seeds", &msg);
+  int ok = ReadRootsStream(sim, fp, "fuzz.seeds", &msg);
   fclose(fp);
 
   if (ok) {
@@ -43,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   FUZZ_CHECK(sim.growthstate.growing == 1);
 
   // A few steps of growth from these roots: bounded work, no crash.
-  for (int i = 0; i < 64; i++) IterateSystem();
+  for (int i = 0; i < 64; i++) IterateSystem(sim);
   FUZZ_CHECK(sim.ncells >= sim.growthstate.nroots && sim.ncells <= sim.growthstate.nroots + 64);
   return 0;
 }

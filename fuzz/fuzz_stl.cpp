@@ -24,12 +24,9 @@ static int LooksAscii(const uint8_t *data, size_t size) {
 static uint32_t Le32(const uint8_t *b) { return b[0] | (b[1] << 8) | (b[2] << 16) | ((uint32_t)b[3] << 24); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static int started = 0;
-  if (!started) {
-    started = 1;
-    SetOptionDefaults();
-    InitialiseGrowth();
-  }
+  SIMULATION sim;
+  SetOptionDefaults(sim);
+  InitialiseGrowth(sim);
   sim.options.debug = 0;
   sim.options.stlswap = 0;
 
@@ -37,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   FILE *fp = OpenInput(data, size, &copy);
   FILEMESSAGE msg;
   memset(&msg, 0, sizeof(msg));
-  int ok = ReadSTLStream(fp, "fuzz.stl", &msg);
+  int ok = ReadSTLStream(sim, fp, "fuzz.stl", &msg);
   fclose(fp);
 
   FUZZ_CHECK(sim.nstltri >= 0 && (size_t)sim.nstltri <= sim.stltri.size());

@@ -1,6 +1,7 @@
 // The records of the growth's search index (growth/index.h has its
-// functions): a hash grid of the cells, coarser occupancy levels and two
-// distance fields. Plain data, held in the simulation.
+// functions: a hash grid of the cells, coarser occupancy levels and two
+// distance fields) and of the constraint surface's index. Plain data, held
+// in the simulation.
 #ifndef DLA_APP_INDEXRECORDS_H
 #define DLA_APP_INDEXRECORDS_H
 
@@ -86,6 +87,50 @@ struct SEARCHINDEX {
   int maxweightknown;
   FIELD fine, coarse;
   double standinreach;  // how far a cell may lie from its stand-in
+};
+
+// The constraint surface's index for the growth step's vetoes
+// (surface/surfaceindex.h has its functions).
+struct FACET;
+
+#define KEYS 11
+
+// A node of a bounding volume hierarchy over items with keys of up to eleven
+// numbers. An inner node's first child follows it; right is the second.
+struct SURFACENODE {
+  float lo[KEYS], hi[KEYS];  // bounds of the keys below, rounded outward
+  float most;                // the largest per-item figure below (see SURFACEINDEX)
+  int first, count;          // a leaf (count > 0): the items order[first .. first + count - 1]
+  int right;
+};
+
+struct SURFACEINDEX {
+  int valid;
+  const FACET *facets;  // the storage and count it was built for
+  int n;
+  // Every tree keeps the planes of its facets, about centre, as keys 6 to 9
+  // (n.x, n.y, n.z, n.centre + d), and n.(mid - centre) as key 10.
+  // Facet boxes (the vertices' bounds, keys 0 to 2); most: how far outside
+  // its box a facet can still be cut without a not-a-number angle.
+  std::vector<SURFACENODE> boxes;
+  std::vector<int> boxorder;
+  // Edges (item 3 f + k: from vertex k to k + 1 of facet f): the box of
+  // their ends (keys 0 to 2) and their direction (3 to 5, its largest
+  // component positive); most: 1 / length. Not-a-number angles happen
+  // only near an edge's line, beyond its ends.
+  std::vector<SURFACENODE> edges;
+  std::vector<int> edgeorder;
+  // Facets with an edge too short for that to bound anything: their planes
+  // alone (also as keys 0 to 3).
+  std::vector<SURFACENODE> planes;
+  std::vector<int> planeorder;
+  XYZ centre;
+  // Largest |coordinate| sum, |normal component|, |normal| and |d| or
+  // |n.centre + d| of the facets in the trees: they scale the rounding
+  // allowances and bound the planes.
+  double reach, nmax, nnorm, dmax;
+  // Facets with a number too large or not finite: every query asks them.
+  std::vector<int> always;
 };
 
 #endif

@@ -112,6 +112,8 @@ struct SIMULATION {
   std::vector<FACET> stltri;
   int nstltri = 0;
   XYZ stlmin = {1e32, 1e32, 1e32}, stlmax = {-1e32, -1e32, -1e32}, stlmid = {0, 0, 0};
+  // The surface's index for the vetoes, built on first use after UpdateSTL.
+  SURFACEINDEX surfaceindex = {};
 
   GROWTHRANDOM random = FreshGrowthRandom();
   int growthsearch = 0;  // SEARCH_INDEX (growth/index.h)

@@ -175,7 +175,7 @@ static const BATCHOPTION batchoptions[] = {
 static_assert(sizeof(batchoptions) / sizeof(batchoptions[0]) <= BATCH_MAXOPTIONS,
               "BATCHRUN.given is too small");
 
-static const char *programname = "dla3d-batch";
+static const char *const programname = "dla3d-batch";
 
 // The name ResetSeeds gives a root distribution code.
 static const char *RootDistributionName(int code) { return code == ROOT_SPHERICAL9 ? "Spherical" : RootMenuName(code); }
@@ -814,7 +814,7 @@ int GrowAggregate(SIMULATION &sim, BATCHGROWTH *g) {
 void WriteStallMessage(SIMULATION &sim, const BATCHGROWTH *g, FILE *err) {
   // The veto that refused the most sticks since the last new cell is the
   // likely cause; with none, no particle came within reach at all.
-  static const char *causes[NVETOES] = {
+  static const char *const causes[NVETOES] = {
       "the intersection range (--intersect-range) refused every stick",
       "the constraint surface refused every stick that would cross it",
       "the constraint surface refused every stick near a gap between its facets"};

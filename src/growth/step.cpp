@@ -8,6 +8,7 @@
 #include "growth/walk.h"
 #include "surface/constraint.h"
 #include "surface/stl.h"
+#include "surface/surfaceindex.h"
 
 static void Veto(SIMULATION &sim, const char *why) {
   if (sim.options.debug) fwrite(why, strlen(why), 1, stderr);
@@ -88,31 +89,24 @@ static int CrossesBranchHoisted(SIMULATION &sim, int best) {
   return 0;
 }
 
-static int CutsSurface(SIMULATION &sim, int best) {
-  XYZ p;
-  for (int f = 0; f < sim.nstltri; f++)
-    if (LinePlaneIntersect(sim, f, &p, sim.growthstate.particle, sim.cells[best].p)) return 1;
-  return 0;
+// The cutting and gap vetoes: through the surface's index, or over every
+// facet for the plain search (the reference the index must match).
+static int CutsSurface(SIMULATION &sim, int best, int indexed) {
+  if (!indexed) return ScanCutsSurface(sim.stltri.data(), sim.nstltri, sim.growthstate.particle, sim.cells[best].p);
+  if (!SurfaceIndexCurrent(&sim.surfaceindex, sim.stltri.data(), sim.nstltri))
+    BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
+  return SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, sim.growthstate.particle,
+                          sim.cells[best].p, NULL);
 }
 
 // 1 when the particle sits on the normal's side of a facet, near one of its
 // edges: it would slip through the gap between two facets.
-static int PokesThroughGap(SIMULATION &sim) {
-  XYZ particle = sim.growthstate.particle;
-  for (int f = 0; f < sim.nstltri; f++) {
-    const FACET &t = sim.stltri[f];
-    for (int k = 0; k < 3; k++) {
-      XYZ closest;
-      double mu;
-      double dist = PointLine3D(&closest, &mu, particle, t.p[k], t.p[(k + 1) % 3]);
-      if (mu >= 0 && mu <= 1 && dist < sim.growthstate.branchlength) {
-        XYZ v = {particle.x - t.mid.x, particle.y - t.mid.y, particle.z - t.mid.z};
-        if (DotProduct(v, t.n) > 0) return 1;
-        break;  // the first close edge decides for this facet
-      }
-    }
-  }
-  return 0;
+static int PokesThroughGap(SIMULATION &sim, int indexed) {
+  GROWTHSTATE &g = sim.growthstate;
+  if (!indexed) return ScanPokesThroughGap(sim.stltri.data(), sim.nstltri, g.particle, g.branchlength);
+  if (!SurfaceIndexCurrent(&sim.surfaceindex, sim.stltri.data(), sim.nstltri))
+    BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
+  return SurfaceIndexGap(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, g.particle, g.branchlength, NULL);
 }
 
 // Steps 9 to 11: 1 when a veto puts the particle back at q, where it was
@@ -123,9 +117,9 @@ static int Vetoed(SIMULATION &sim, int best, XYZ q, int indexed) {
   int veto = 0;
   if (g.intersectrange > 0 && (indexed ? CrossesBranchHoisted(sim, best) : CrossesBranch(sim, best)))
     why = "*** Self intersection\n", veto = VETO_BRANCH;
-  else if (CutsSurface(sim, best))
+  else if (CutsSurface(sim, best, indexed))
     why = "*** Cuts constraint surface\n", veto = VETO_SURFACE;
-  else if (PokesThroughGap(sim))
+  else if (PokesThroughGap(sim, indexed))
     why = "*** Gap poke through\n", veto = VETO_GAP;
   if (why == NULL) return 0;
   sim.growthvetoes[veto]++;
@@ -236,8 +230,13 @@ __attribute__((noinline)) static void Stick(SIMULATION &sim, int best, XYZ q, in
 // values are not needed); the plain scan makes them, as the reference.
 // With atorigin set (one root at the origin, no association, draws owed)
 // the drift takes a shorter road to the same numbers.
-static inline int MoveParticle(SIMULATION &sim, XYZ *p, XYZ q, double branchlength, double limit, double bias,
-                               int nroots, int associate, double rotation, int owe, int atorigin) {
+// Always in line: as a call it took twelve arguments, the simulation among
+// them, and the particle through memory, every step; in line the settings
+// and the generator's state stay in registers (the same operations in the
+// same order, so the same cells).
+__attribute__((always_inline)) static inline int MoveParticle(SIMULATION &sim, XYZ *p, XYZ q, double branchlength,
+                                                              double limit, double bias, int nroots, int associate,
+                                                              double rotation, int owe, int atorigin) {
   // 3. One random step of one branch length.
   XYZ u;
   u.x = GrowthDrand48(sim.random) - 0.5;

@@ -3,7 +3,10 @@
 #include "surface/stl.h"
 
 int LinePlaneIntersect(SIMULATION &sim, int i, XYZ *p, XYZ p1, XYZ p2) {
-  const FACET &f = sim.stltri[i];
+  return SegmentCutsFacet(sim.stltri[i], p, p1, p2);
+}
+
+int SegmentCutsFacet(const FACET &f, XYZ *p, XYZ p1, XYZ p2) {
   XYZ n = f.n;
   double d = f.plane.d;
   XYZ dp = {p2.x - p1.x, p2.y - p1.y, p2.z - p1.z};
@@ -31,6 +34,32 @@ int LinePlaneIntersect(SIMULATION &sim, int i, XYZ *p, XYZ p1, XYZ p2) {
   // Written so that a not-a-number total counts as inside.
   if (total < -1e-5 || total > 1e-5) return 0;
   return 1;
+}
+
+int FacetGapVeto(const FACET &t, XYZ particle, double branchlength) {
+  for (int k = 0; k < 3; k++) {
+    XYZ closest;
+    double mu;
+    double dist = PointLine3D(&closest, &mu, particle, t.p[k], t.p[(k + 1) % 3]);
+    if (mu >= 0 && mu <= 1 && dist < branchlength) {
+      XYZ v = {particle.x - t.mid.x, particle.y - t.mid.y, particle.z - t.mid.z};
+      return DotProduct(v, t.n) > 0;  // the first close edge decides for this facet
+    }
+  }
+  return 0;
+}
+
+int ScanCutsSurface(const FACET *facets, int n, XYZ p1, XYZ p2) {
+  XYZ p;
+  for (int f = 0; f < n; f++)
+    if (SegmentCutsFacet(facets[f], &p, p1, p2)) return 1;
+  return 0;
+}
+
+int ScanPokesThroughGap(const FACET *facets, int n, XYZ particle, double branchlength) {
+  for (int f = 0; f < n; f++)
+    if (FacetGapVeto(facets[f], particle, branchlength)) return 1;
+  return 0;
 }
 
 double PointPlaneDist(SIMULATION &sim, int i, XYZ p) {

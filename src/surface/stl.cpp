@@ -20,6 +20,7 @@ static int BadFacet(const FACET &f) {
 }
 
 void UpdateSTL(SIMULATION &sim) {
+  sim.surfaceindex.valid = 0;
   int removed = 0;
   int i = 0;
   while (i < sim.nstltri) {

@@ -17,7 +17,8 @@ void ReserveFacets(SIMULATION &sim, int n);
 void AppendFacet(SIMULATION &sim, XYZ p0, XYZ p1, XYZ p2);
 
 // Removes facets with coincident vertices (the last facet moves into the
-// gap), fills n, mid and plane, recomputes the bounds and the midpoint.
+// gap), fills n, mid and plane, recomputes the bounds and the midpoint, and
+// marks the surface index stale. Whatever changes the facets calls it.
 void UpdateSTL(SIMULATION &sim);
 
 // Reads an ASCII or binary STL file as the new surface. Returns 1 on success,

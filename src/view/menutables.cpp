@@ -104,7 +104,7 @@ int SaveMenuFormat(int value, int *format, int *variant) {
 }
 
 const char *RootMenuName(int value) {
-  static const char *names[8] = {"Origin",
+  static const char *const names[8] = {"Origin",
                                  "Spherical",
                                  "Random: x axis plane",
                                  "Random: y axis plane",

@@ -6,7 +6,7 @@
 #include "app/simulation.h"
 #include "surface/stl.h"
 
-static const char *sourcetypes[18] = {
+static const char *const sourcetypes[18] = {
     "Source type: Unknown",
     "Source type: Sphere",
     "Source type: Single axis (+x)",

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # A sweep run with GNU parallel (2 biases x 3 seeds), its summaries gathered
-# into one table: the runs' settings and results in their columns, the means
-# over the seeds of each bias, and the refusal of a file that is no summary.
+# into one table: a row a run, its settings and results in their columns, and
+# the mean and sd over the seeds of each bias, worked out here from the JSON
+# files; a file that is no summary refused, an empty directory a header.
 # Usage: gather.sh DLA3D-BATCH scripts/gather_summaries.py
 set -u
 bin=$1 gather=$2
@@ -15,39 +16,27 @@ mkdir "$dir/out" "$dir/empty"
 parallel --will-cite -j2 "$bin" --cells 300 --seed {2} --bias {1} --summary "$dir/out/b{1}_s{2}.json" \
   ::: 0.2 0.9 ::: 5 6 7 || bad "parallel: status $?"
 "$gather" --mean "$dir/out" -o "$dir/t.csv" || bad "gather: status $?"
-sed '/^$/q' "$dir/t.csv" | sed '/^$/d' >"$dir/runs.csv"
-sed '1,/^$/d' "$dir/t.csv" >"$dir/mean.csv"
-
-want=file,seed,bias,branchlength,stickiness,rotation,thickstart,thickend,nroots,rootrange,rootdistribution,rootname
-want+=,associate,intersectrange,sourcetype,sourcename,stlname,nstltri,cells,steps,radius,radius_of_gyration
-want+=,dimension_gyration,dimension_boxcount,wall_seconds.growth
-[ "$(head -1 "$dir/runs.csv")" = "$want" ] || bad "header: $(head -1 "$dir/runs.csv")"
-# Columns: 1 file, 2 seed, 3 bias, 19 cells, 20 steps, 22 radius_of_gyration, 24 dimension_boxcount.
-got=$(awk -F, 'NR > 1 { print $2, $3, $19, $24 }' "$dir/runs.csv")
-[ "$got" = "$(printf '5 0.2 300 \n6 0.2 300 \n7 0.2 300 \n5 0.9 300 \n6 0.9 300 \n7 0.9 300 ')" ] ||
-  bad "seed, bias, cells, dimension_boxcount: $got"
-# Each row holds its own file's figures (steps and Rg as numbers: the JSON has 17 digits).
-while IFS=, read -r file seed bias rest; do
-  [ "$file" = "$dir/out/b${bias}_s$seed.json" ] || bad "row of seed $seed, bias $bias from $file"
-  json=$(tr -d '\n ' <"$file")
-  steps=$(echo "$json" | sed 's/.*"steps":\([0-9]*\),.*/\1/')
-  rg=$(echo "$json" | sed 's/.*"radius_of_gyration":\([0-9.e+-]*\),"gyration.*/\1/')
-  echo "$rest" | awk -F, -v s="$steps" -v g="$rg" '{ exit !($17 == s && $19 == g + 0) }' ||
-    bad "$file: steps $steps, Rg $rg, row: $rest"
-done < <(tail -n +2 "$dir/runs.csv")
-
-# The means: one row a bias, n = 3, worked out here from the rows above (sd over n - 1).
-[ "$(head -1 "$dir/mean.csv" | cut -d, -f1-6,9-10)" = bias,n,cells.mean,cells.sd,steps.mean,steps.sd,radius_of_gyration.mean,radius_of_gyration.sd ] ||
-  bad "mean header: $(head -1 "$dir/mean.csv")"
-[ "$(tail -n +2 "$dir/mean.csv" | cut -d, -f1-2)" = "$(printf '0.2,3\n0.9,3')" ] || bad "groups: $(cat "$dir/mean.csv")"
-awk -F, 'NR == FNR { if (FNR > 1) { n[$3]++; s[$3] += $20; ss[$3] += $20 * $20; g[$3] += $22 } next }
-  FNR > 1 { b = $1; m = s[b] / n[b]; sd = sqrt((ss[b] - n[b] * m * m) / (n[b] - 1))
-    if (!($3 == 300 && $4 == 0 && $5 == m && (($6 - sd) ^ 2) < 1e-12 * sd * sd && (($9 - g[b] / n[b]) ^ 2) < 1e-24)) {
-      printf "FAIL: bias %s: steps mean %s sd %s, Rg mean %s; want %.17g %.17g %.17g\n", b, $5, $6, $9, m, sd, g[b] / n[b]
-      bad = 1 } }
-  END { exit bad }' "$dir/runs.csv" "$dir/mean.csv" || fail=1
-
-# A file that is no summary is named, status 1; an empty directory gives the header alone.
+/usr/bin/python3 - "$dir/t.csv" "$dir/out" <<'PY' || fail=1
+import csv, glob, json, statistics, sys
+table = open(sys.argv[1]).read().split("\n\n")
+runs, means = list(csv.DictReader(table[0].splitlines())), list(csv.DictReader(table[1].splitlines()))
+bad = []
+if list(runs[0])[:3] != ["file", "seed", "bias"] or list(runs[0])[-7:] != ["cells", "steps", "radius",
+        "radius_of_gyration", "dimension_gyration", "dimension_boxcount", "wall_seconds.growth"]:
+    bad.append("columns %s" % list(runs[0]))
+for f in sorted(glob.glob(sys.argv[2] + "/*.json")):
+    s, row = json.load(open(f)), [r for r in runs if r["file"] == f]
+    if len(row) != 1 or [float(row[0][k]) for k in ("seed", "bias", "steps", "radius_of_gyration")] != \
+            [s["settings"]["seed"], s["settings"]["bias"], s["steps"], s["radius_of_gyration"]] or row[0]["dimension_boxcount"]:
+        bad.append("%s: rows %s" % (f, row))
+for bias, m in zip(("0.2", "0.9"), means):
+    steps = [json.load(open(f))["steps"] for f in glob.glob("%s/b%s_s*.json" % (sys.argv[2], bias))]
+    if [m["bias"], m["n"]] != [bias, "3"] or abs(float(m["steps.mean"]) - statistics.mean(steps)) > 1e-9 * max(steps) or \
+            abs(float(m["steps.sd"]) - statistics.stdev(steps)) > 1e-9 * max(steps):
+        bad.append("bias %s: %s, steps %s" % (bias, m, steps))
+for b in bad: print("FAIL:", b)
+sys.exit(1 if bad or len(means) != 2 else 0)
+PY
 echo '{"cells": 300}' >"$dir/out/other.json"
 "$gather" "$dir/out" >/dev/null 2>"$dir/err"
 [ $? = 1 ] && [ "$(cat "$dir/err")" = "gather_summaries.py: $dir/out/other.json: not a dla3d summary (no \"program\": \"dla3d\" with \"settings\")" ] ||

@@ -1,12 +1,13 @@
 """A --summary file against the CSV (and report) of its run, KEY=VALUE against its
 fields or settings. Usage: /usr/bin/python3 summary_check.py SUMMARY CSV [REPORT [KEY=VALUE...]]"""
-import collections
 import json
-import math
 import sys
 
+import numpy as np
+
 s = json.load(open(sys.argv[1]))
-rows = [[float(v) for v in l.split(",")] for l in open(sys.argv[2]).read().splitlines()[1:]]
+csv = np.loadtxt(sys.argv[2], delimiter=",", skiprows=1, ndmin=2)
+parent, pos = csv[:, 1].astype(int), csv[:, 2:5]
 fails = []
 
 
@@ -15,41 +16,34 @@ def check(what, got, want, tol=1e-12):
         fails.append("%s: %s, expected %s" % (what, got, want))
 
 
-def gyration(n):
-    c = [sum(r[k] for r in rows[:n]) / n for k in (2, 3, 4)]
-    return math.sqrt(sum((r[2] - c[0]) ** 2 + (r[3] - c[1]) ** 2 + (r[4] - c[2]) ** 2 for r in rows[:n]) / n)
+def gyration(n):  # the first N rows are the aggregate at N cells: they are appended in order
+    return np.sqrt(((pos[:n] - pos[:n].mean(0)) ** 2).sum(1).mean())
 
 
 def slope(x, y):
-    mx, my = sum(x) / len(x), sum(y) / len(y)
-    return sum((a - mx) * (b - my) for a, b in zip(x, y)) / sum((a - mx) ** 2 for a in x)
+    return np.polyfit(x, y, 1)[0]
 
 
-check("cells", s["cells"], len(rows), 0)
-check("radius", s["radius"], max([10] + [math.sqrt(r[2] ** 2 + r[3] ** 2 + r[4] ** 2) for r in rows]))
-check("radius_of_gyration", s["radius_of_gyration"], gyration(len(rows)))
-# The cells are appended in order: the first N rows are the aggregate at N cells.
+check("cells", s["cells"], len(csv), 0)
+check("radius", s["radius"], max(10, np.sqrt((pos ** 2).sum(1)).max()))
+check("radius_of_gyration", s["radius_of_gyration"], gyration(len(csv)))
 points = s["gyration_checkpoints"]
-for k, p in enumerate(points):
+n = [p["cells"] for p in points]
+for p in points:
     check("gyration at %d cells" % p["cells"], p["radius_of_gyration"], gyration(p["cells"]))
-    if k and not 1.2 < p["cells"] / points[k - 1]["cells"] < 1.33:
-        fails.append("checkpoints %d and %d are not a tenth of a decade apart" % (points[k - 1]["cells"], p["cells"]))
-if points and points[0]["cells"] != 100:
-    fails.append("the first checkpoint is at %d cells" % points[0]["cells"])
+if n[:1] != [100] or not all(1.2 < b / a < 1.33 for a, b in zip(n, n[1:])):
+    fails.append("checkpoints at %s, not from 100 a tenth of a decade apart" % n)
 if len(points) >= 2:
     check("dimension_gyration", s["dimension_gyration"],
-          1 / slope([math.log(p["cells"]) for p in points], [math.log(p["radius_of_gyration"]) for p in points]), 1e-9)
+          1 / slope(np.log(n), np.log([p["radius_of_gyration"] for p in points])), 1e-9)
 if len(sys.argv) > 3:
     # The report's box counting lines: size, N, log(1/size), log(N).
     text = open(sys.argv[3]).read().splitlines()
-    check("version", s["version"], float(text[0].split()[1]), 0)
-    levels = [l.split() for l in text[text.index("   Box counting [ size, N, log(1/size), log(N) ]") + 1:]]
-    if [b["n"] for b in s["box_counts"]] != [int(l[1]) for l in levels]:
+    levels = np.array([l.split() for l in text[text.index("   Box counting [ size, N, log(1/size), log(N) ]") + 1:]], float)
+    if [b["n"] for b in s["box_counts"]] != levels[:, 1].astype(int).tolist():
         fails.append("box counts %s, the report's %s" % (s["box_counts"], levels))
-    check("dimension_boxcount", s["dimension_boxcount"],
-          slope([float(l[2]) for l in levels], [float(l[3]) for l in levels]), 1e-5)
-    kids = collections.Counter(int(r[1]) for r in rows)  # roots under -1
-    want = [sum(1 for i in range(len(rows)) if min(kids[i], 9) == n) for n in range(10)]
+    check("dimension_boxcount", s["dimension_boxcount"], slope(levels[:, 2], levels[:, 3]), 1e-5)
+    want = np.bincount(np.minimum(np.bincount(parent[parent >= 0], minlength=len(csv)), 9), minlength=10).tolist()
     if s["branch_distribution"] != want:
         fails.append("branch_distribution %s, from the CSV %s" % (s["branch_distribution"], want))
 elif s["dimension_boxcount"] is not None or s["branch_distribution"] is not None:

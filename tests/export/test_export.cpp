@@ -61,8 +61,12 @@ TEST_F(BoxCount, BranchDistributionAddsUpOnEveryRequestNineForMore) {
   EXPECT_EQ(sim.stats.branchcount[9] * 100 + sim.stats.branchcount[0], 111);  // ten or more children count as nine
 }
 
-TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
-  // One segment in the far corner of the scanned cube.
+// One segment in the far corner of the scanned cube, radius 9: edges 4.5,
+// 3, 2, 4/3, then 8/9, below 2 * branchlength, ends the count. Boxes a side:
+// 6 from -13.5; 8 from -13.5, then from -12 after each reset (the old
+// edge's offset); 11 from -12, then -11. Only the offset first row of level
+// 1 reaches the segment.
+TEST_F(BoxCount, LevelsWalkFromTheOldEdgesOffsetAndEndBelowTwoBranchLengths) {
   sim.ncells = 0;
   AppendCell(sim, V(-13, -13, -13), 1, -1);
   AppendCell(sim, V(-12.8, -13, -13), 0, 0);
@@ -72,45 +76,20 @@ TEST_F(BoxCount, LevelsSizesAndTheOldEdgeOffsets) {
   sim.options.dladrawmode = DLADRAW_POINTS;
   donecalls = 0;
   sim.boxcountdone = [] { donecalls++; };
-  Statistics(sim);  // start and the first box, [-13.5,-9]^3, which holds the segment
+  Statistics(sim);  // the first box
   EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode, DLADRAW_LINES);  // the surface off, lines
-  EXPECT_EQ(sim.stats.boxsize[0], 4.5);
-  EXPECT_EQ(sim.stats.boxcount[0], 1);
-  for (int k = 1; k < 10; k++) EXPECT_EQ(sim.stats.boxcount[k], -1);
-  ASSERT_EQ(sim.boxcountstate.nboxes, 1);
-  EXPECT_EQ(sim.boxcountstate.boxes[0].low.x, -13.5);
-  EXPECT_EQ(sim.boxcountstate.boxes[0].high.z, -9);
-  // Positions per axis: edge 4.5 from -13.5: 6; edge 3 from -13.5 (then -12
-  // after each reset, the old edge's offset): 8; edge 2 from -12 then -11: 11.
-  int steps[10] = {1}, finished = 0;
-  while (!finished && sim.boxcountstate.depth < 3) {
-    int before = sim.boxcountstate.depth;
-    finished = BoxCountStep(sim);
-    steps[before]++;
-    if (sim.boxcountstate.depth == 1 && before == 0) {
-      EXPECT_XYZ(sim.boxcountstate.p0, -13.5, -13.5, -13.5, 0);  // -radius minus the old edge
-      EXPECT_EQ(sim.boxcountstate.nboxes + sim.boxcountstate.scale, 3);
-    }
-    if (sim.boxcountstate.depth == 2 && before == 1) {
-      EXPECT_EQ(sim.boxcountstate.p0.y, -12);
-    }
+  int steps[10] = {1};
+  while (sim.options.calcstats) {
+    steps[sim.boxcountstate.depth]++;
+    BoxCountStep(sim);
   }
-  EXPECT_EQ(steps[0], 216);
-  EXPECT_EQ(steps[1], 512);
-  EXPECT_EQ(steps[2], 1331);
-  EXPECT_EQ(sim.stats.boxcount[1], 1);  // only the offset first row reaches x = -13
-  EXPECT_EQ(sim.stats.boxcount[2], 0);
-  EXPECT_EQ(donecalls, 0);
-  // Edges 4/3 then 8/9: below 2 * branchlength, so the count ends after
-  // level 3, and level 4 keeps its size and a count of 0.
-  while (!finished) finished = BoxCountStep(sim);
+  EXPECT_EQ(std::vector<int>(steps, steps + 3), (std::vector<int>{216, 512, 1331}));
+  EXPECT_EQ(std::vector<int>(sim.stats.boxcount, sim.stats.boxcount + 6), (std::vector<int>{1, 1, 0, 0, 0, -1}));
+  EXPECT_EQ(sim.stats.boxsize[0], 4.5);
   EXPECT_DOUBLE_EQ(sim.stats.boxsize[4], 8.0 / 9.0);
-  EXPECT_EQ(sim.stats.boxcount[4], 0);
-  EXPECT_EQ(sim.stats.boxcount[5], -1);
-  EXPECT_EQ(sim.options.calcstats * 10 + donecalls, 1);
-  EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode,
-            STLDRAW_SOLID * 10 + DLADRAW_POINTS);             // the user's modes back
-  EXPECT_EQ(BoxCountStep(sim) + sim.boxcountstate.depth, 4);  // idle from now on
+  EXPECT_EQ(donecalls, 1);
+  EXPECT_EQ(sim.options.stldrawmode * 10 + sim.options.dladrawmode, STLDRAW_SOLID * 10 + DLADRAW_POINTS);
+  EXPECT_EQ(BoxCountStep(sim), 0);  // idle from now on
   // 2 * branchlength above radius / 2: the count ends after its first box.
   sim.growthstate.branchlength = 3;
   Statistics(sim);
@@ -168,21 +147,15 @@ TEST_F(BoxCount, NoCellsAndTheBatchRunToTheEnd) {
   }
 }
 
-TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
+TEST_F(Model, PovRayRadiiCameraTexturesByRootAndSurface) {
   HandScene(sim);
   std::string s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
-  const char *head[] = {
-      "/*\n 3D DLA structure from morrowglint by Orvantide\n Number of particles: 7\n Maximum radius: 10\n*/\n\n"
-      "#declare DLARADIUS = 10;\n",
-      "\n#local MINR = 0.1;\n#local MAXR = 0.5;\n",
-      "\n#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n",
-      "\n angle 50 // Aperture in degrees\n",
-      "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
-      "DLATEXTURE1 = texture {\n pigment { rgb 1*<185/256,190/256,50/256> }\n finish { thefinish }\n"
-      " normal { thenormal }\n}\n\n// STL surface information\n#declare SHOWSTL = 1; // 0 is off, 1 is on\n"
-      "#declare STLTEXTURE = texture {\n pigment { color rgbt <0.8,0.8,1.0,0.75> }\n}\n\n"
-      "// The DLA structure\n#declare DLA3D = union {\n cone {\n"};
-  for (const char *line : head) EXPECT_NE(s.find(line), std::string::npos) << line;
+  for (const char *part : {" Number of particles: 7\n Maximum radius: 10\n", "#local MINR = 0.1;\n#local MAXR = 0.5;\n",
+                           "#declare VP = <1,2,30>;\n#declare VU = <0,1,0>;\n", "\n angle 50 // Aperture in degrees\n",
+                           "DLATEXTURE0 = texture {\n pigment { rgb 0.5*<185/256,190/256,50/256> }\n",
+                           "\n triangle {\n  <0,0,-2>, <1,0,-2>, <0,1,-2>\n  }\n triangle {\n  <0,0,-2>, <0,1,-2>, <0,0,-1>\n"})
+    EXPECT_NE(s.find(part), std::string::npos) << part;
+  // A cone from the parent and a sphere at the cell, in the texture of the cell's root.
   std::string body;
   const char *seg[5][3] = {{"0,0,0>,   CalcRadius(3,3)", "0,0,1>,   CalcRadius(3,3)", "0"},
                            {"0,0,1>,   CalcRadius(3,3)", "0,1,2>,   CalcRadius(1,3)", "1"},
@@ -192,24 +165,14 @@ TEST_F(Model, PovRayHeadValuesSegmentsFooterAndSurface) {
   for (auto &c : seg)
     body += std::string(" cone {\n  <") + c[0] + "\n  <" + c[1] + "\n  texture { DLATEXTURE" + c[2] +
             " }\n }\n sphere {\n  <" + c[1] + "\n  texture { DLATEXTURE" + c[2] + " }\n }\n";
-  const std::string tail =
-      "}\n// An instance of the dla structure\nobject {\n DLA3D\n /*\n transform {\n  scale <1,1,1>\n"
-      "  rotate <0,0,0>\n  translate <0,0,0>\n }\n */\n}\n\n// Constraint surface\n#if (SHOWSTL)\n union {\n"
-      " triangle {\n  <0,0,-2>, <1,0,-2>, <0,1,-2>\n  }\n triangle {\n  <0,0,-2>, <0,1,-2>, <0,0,-1>\n  }\n"
-      "  texture { STLTEXTURE }\n  /*\n  transform {\n   scale <1,1,1>\n   rotate <0,0,0>\n"
-      "   translate <0,0,0>\n  }\n  */\n }\n#end\n\n";
-  EXPECT_EQ(s.substr(s.find("union {\n") + 8), body + tail);
-  // Association off: one texture for the instance, none per segment.
+  EXPECT_EQ(s.substr(s.find("union {\n") + 8, body.size() + 2), body + "}\n");
+  // Association off: one texture for the instance, none per segment; no surface, no SHOWSTL.
   sim.growthstate.associate = 0;
   sim.nstltri = 0;
   s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
   EXPECT_EQ(s.find("  texture { DLATEXTURE"), std::string::npos);
-  EXPECT_NE(s.find("object {\n DLA3D\n texture { DLATEXTURE0 }\n /*\n"), std::string::npos);
+  EXPECT_NE(s.find("object {\n DLA3D\n texture { DLATEXTURE0 }\n"), std::string::npos);
   EXPECT_EQ(s.find("SHOWSTL"), std::string::npos);
-  sim.growthstate.nroots = 0;  // no texture declared, yet the instance names DLATEXTURE0
-  s = Written(sim, MODEL_POVRAY, MODEL_SEGMENTS);
-  EXPECT_NE(s.find("// Default texture for the branches\n// The DLA structure\n"), std::string::npos);
-  EXPECT_NE(s.find(" DLA3D\n texture { DLATEXTURE0 }\n"), std::string::npos);
 }
 
 TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
@@ -228,10 +191,6 @@ TEST_F(Model, PovRaySphereSweepTracesBranchesFromTheTips) {
             "  <0,-1,0>,  CalcRadius(3,3)\n texture { DLATEXTURE1 }\n }\n\n"
             " // Length: 2\n cone {\n  <10,0,-1>,   CalcRadius(1,3)\n"
             "  <10,0,0>,   CalcRadius(1,min(2*3,3))\n  texture { DLATEXTURE0 }\n }\n\n");
-  for (int i = 0; i < sim.ncells; i++) EXPECT_EQ(sim.cells[i].traced, 1) << i;
-  for (int i = 0; i < sim.ncells; i++) sim.cells[i].traced = 0;
-  EXPECT_EQ(Written(sim, MODEL_GEOM, MODEL_SWEEP), "# 3D DLA by Orvantide");  // walks, writes no body
-  for (int i = 0; i < sim.ncells; i++) EXPECT_EQ(sim.cells[i].traced, 1) << i;
 }
 
 TEST_F(Model, GeomStlAndPointClouds) {
@@ -252,17 +211,12 @@ TEST_F(Model, GeomStlAndPointClouds) {
   sim.ncells = 0;
   AppendCell(sim, V(0, 0, 0), 1, -1);
   AppendCell(sim, V(1, 2, -3), 0, 0);
-  std::string dxf = "0\nSECTION\n2\nENTITIES\n", geom;
-  for (int i = 0; i < 10; i++) {
-    char line[128];
-    snprintf(line, sizeof(line), "0\nPOINT\n8\nLAYER1\n10\n%g\n20\n%g\n30\n%g\n", i / 10.0, 2 * i / 10.0,
-             -3 * i / 10.0);
-    dxf += line;
-    snprintf(line, sizeof(line), "p %g %g %g 1 1 1\n", i / 10.0, 2 * i / 10.0, -3 * i / 10.0);
-    geom += line;
-  }
-  EXPECT_EQ(Written(sim, MODEL_DXFPOINTS, MODEL_SEGMENTS), dxf + " 0\nENDSEC\n 0\nEOF\n");
-  EXPECT_EQ(Written(sim, MODEL_GEOMPOINTS, MODEL_SEGMENTS), geom);
+  std::string dxf = Written(sim, MODEL_DXFPOINTS, MODEL_SEGMENTS), geom = Written(sim, MODEL_GEOMPOINTS, MODEL_SEGMENTS);
+  EXPECT_EQ(dxf.substr(0, 61), "0\nSECTION\n2\nENTITIES\n0\nPOINT\n8\nLAYER1\n10\n0\n20\n0\n30\n0\n0\nPOINT\n");
+  EXPECT_EQ(dxf.substr(dxf.size() - 39), "10\n0.9\n20\n1.8\n30\n-2.7\n 0\nENDSEC\n 0\nEOF\n");
+  EXPECT_EQ(std::count(dxf.begin(), dxf.end(), '\n'), 4 + 10 * 10 + 4);
+  EXPECT_EQ(geom.substr(0, 35), "p 0 0 0 1 1 1\np 0.1 0.2 -0.3 1 1 1\n");
+  EXPECT_EQ(std::count(geom.begin(), geom.end(), '\n'), 10);
   sim.nstltri = 0;
   EXPECT_EQ(Written(sim, MODEL_STL, MODEL_SWEEP) + Written(sim, 6, MODEL_SEGMENTS), "");
   sim.growthstate.maxweight = 0;  // as a restart leaves it: thickend throughout, not ln 1's infinite radii
@@ -302,25 +256,14 @@ TEST_F(Wrl, ConePointsAndIndexLists) {
   // Axis (0,1,0) has no x or z: the x helper, B = (0,0,1), A = (1,0,0).
   s = Capture([&](FILE *fp) { WRLCone2(fp, 1, 0, V(0, 1, 0), V(0, 0, 0), red, 2, 1); });
   EXPECT_NE(s.find("   point [\n    2 1 0,\n    1 0 0,\n    0 1 0,\n    0 0 0\n   ]\n"), std::string::npos) << s;
-  s = Capture([&](FILE *fp) { WRLCone2(fp, 0, 1, V(1, 2, 3), V(4, 5, 6), red, 1, 1); });
-  EXPECT_NE(s.find("   point [\n    1 2 3,\n    4 5 6\n   ]\n  }\n  coordIndex [\n  ]\n"), std::string::npos) << s;
   s = Capture([&](FILE *fp) { WRLCone2(fp, 10, 1, V(0, 0, 0), V(3, 4, 0), red, 0.5, 0.25); });
   std::string idx = s.substr(s.find("coordIndex [\n") + 13);
   EXPECT_EQ(idx.substr(0, idx.find('\n') + 1), "    1,21,3,-1,    0,20,2,-1,    0,1,3,2,-1,\n");
   EXPECT_NE(idx.find("\n    19,21,1,-1,    18,20,0,-1,    18,19,1,0,-1 \n  ]\n"), std::string::npos) << idx;
 }
 
-// Settings as start-up leaves them.
-const char *kStartReport =
-    "Version: 1.02\nSeed: 12345\nBias towards origin: 0.1% of step length\nBranch length: 1\nStickiness: 100%\n"
-    "Rotation: 0 degrees about z axis\nBranch thickness: 0.4 to 0.01\nIntersection range: 0% of branch length\n"
-    "Seed association: Off\nNumber of roots: 1\nSource type: Sphere\nConstraint surface: None\nNumber of particles: 1\n"
-    "Current radius: 10\n";
-
-TEST_F(Report, AtStartUpAndWithRootsSurfaceAndStatistics) {
-  Scratch s;
-  EXPECT_EQ(SaveInformationFile(sim, (s / "r.txt").c_str()), 1);
-  EXPECT_EQ(ReadFile(s / "r.txt"), kStartReport);
+// The start-up settings are the forms' texts at start-up (tests/gui/startup.sh).
+TEST_F(Report, WithRootsSurfaceAndStatistics) {
   HandScene(sim);
   GROWTHSTATE &g = sim.growthstate;
   g.nroots = 3;

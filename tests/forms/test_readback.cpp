@@ -2,7 +2,6 @@
 // truncation, empty text, and the restarts of the root settings.
 #include "forms/readback.h"
 #include "growth/growth.h"
-#include "surface/stl.h"
 #include "test_util.h"
 
 namespace {
@@ -59,7 +58,7 @@ TEST_F(FormReadBack, RootSettingsRestartOnNewRoots) {
   EXPECT_EQ(sim.growthstate.associate * 10 + sim.ncells, 14);
 }
 
-TEST_F(FormReadBack, SliceNormalStoredAsTypedAndTransformApplied) {
+TEST_F(FormReadBack, SliceNormalStoredAsTyped) {
   ReadSliceNormalText(sim, 0, "3");
   ReadSliceNormalText(sim, 1, "-4");
   ReadSliceNormalText(sim, 2, "");
@@ -74,13 +73,6 @@ TEST_F(FormReadBack, SliceNormalStoredAsTypedAndTransformApplied) {
   }
   ReadSliceNormalText(sim, 2, "-2e-5");  // just above: kept
   EXPECT_XYZ(SliceNormalForCut(sim), 0, 0, -1, 1e-12);
-  AppendFacet(sim, V(0, 0, 0), V(1, 0, 0), V(0, 1, 0));
-  UpdateSTL(sim);
-  const char *text[9] = {"2", "3", "4", "1", "0", "-1", "0", "0", "180"};
-  ApplyTransformText(sim, text);  // half a turn about z, scaled by (2,3,4), shifted by (1,0,-1)
-  EXPECT_XYZ(sim.stltri[0].p[1], -1, 0, -1, 1e-6);
-  EXPECT_XYZ(sim.stltri[0].p[2], 1, -3, -1, 1e-6);
-  EXPECT_NEAR(sim.stlmid.y, -1.5, 1e-6);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# What the frames show: text and extras (F2, F1), growth and its pause, the
-# aggregate's and the surface's drawing modes, a surface read while its
-# drawing is off or solid, colours by root, both eyes side by side ("-ss").
+# What the frames show: text and extras (F2, F1), the axes, growth and its
+# pause, the aggregate's and the surface's drawing modes, a surface read
+# while its drawing is off, both eyes side by side ("-ss"). Colours by root:
+# test_png.sh (the window against the batch picture) and the unit tests.
+# The camera's keys and mouse, read from a saved POV-Ray scene's VP, VU and
+# angle: each turns, rolls, zooms or moves the eye by its amount; h goes home.
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 GUI_SCREEN=1700x1000x24
@@ -20,6 +23,8 @@ key F1 F2
 dump lines
 L=$(lit lines)
 [ "$L" -ge 100 ] && [ "$(count lines 255 255 255)" = 0 ] && [ "$(count lines 128 255 128)" = 0 ] || gui_fail "F1 F2: text or circles left"
+for mode in Points "Tubes (Slow)"; do menu "DLA drawing mode" "$mode"; dump "${mode%% *}"; done
+[ "$(lit Points)" -lt "$L" ] && [ "$(lit Tubes)" -gt 0 ] && ! same Tubes lines || gui_fail "points $(lit Points), tubes $(lit Tubes), lines $L"
 menu "DLA drawing mode" "Off"; dump off
 [ "$(lit off)" = 0 ] || gui_fail "Off: $(lit off) lit pixels"
 # The extras alone, from further away: the y axis (green) to the right, z (blue) up.
@@ -44,29 +49,45 @@ read -r grey levels < <(probe greys solid.tga)
 [ "$grey" = "$(lit solid)" ] && [ "$levels" -ge 5 ] && [ "$grey" -gt $((Wire * 3)) ] || gui_fail "solid: $grey grey pixels in $levels levels"
 menu "Constraint surface drawing mode" "Off"; dump nosurface
 [ "$(lit nosurface)" = 0 ] || gui_fail "surface Off"
-# A square facing the eye read while Off is drawn as a wireframe; read
-# while solid it stays solid.
+# A square facing the eye read while Off is drawn as a wireframe.
 printf 'solid s\nouter loop\nvertex 0 -15 -15\nvertex 0 15 -15\nvertex 0 15 15\nendloop\nouter loop\nvertex 0 -15 -15\nvertex 0 15 15\nvertex 0 -15 15\nendloop\n' >"$W/square.stl"
 echo "$W/square.stl" >"$GUI_TMP/answer"; menu "Read constraint surface from STL file"; dump square
 [ "$(count square 128 128 128)" -ge 300 ] && [ "$(other square 128,128,128)" = 0 ] || gui_fail "not a wireframe after reading"
-menu "Constraint surface drawing mode" "Faces, solid"; dump squaresolid
-echo "$W/square.stl" >"$GUI_TMP/answer"; menu "Read constraint surface from STL file"; dump squaresolid2
-[ "$(lit squaresolid)" -gt $(($(lit square) * 10)) ] && same squaresolid squaresolid2 || gui_fail "reading while solid changed the drawing"
 
-# Three roots grown apart, tubes 0.2 thick: points and lines by root (and
-# points fewer than lines), tubes by weight and wider than lines.
-menu "Sample constraint surfaces" "None"; menu "Initial root distribution" "Random: x axis plane"
-menu "Settings"
-for f in "200 365 3" "200 255 0.2" "280 255 0.2"; do field 411 531 $f; done
-press 411 531 185 435; press 411 531 350 495  # associate (a restart), Hide
-sleep 0.5; key F3
-for mode in Points Lines "Tubes (Slow)"; do menu "DLA drawing mode" "$mode"; dump "${mode%% *}"; done
-for mode in Points Lines; do
-  for c in "255 0 0" "0 255 0" "0 0 255"; do [ "$(count $mode $c)" -ge 10 ] || gui_fail "$mode: no $c"; done
-  [ "$(other $mode 255,0,0 0,255,0 0,0,255)" = 0 ] || gui_fail "$mode: not by root"
-done
-[ "$(lit Points)" -lt "$(lit Lines)" ] && [ "$(lit Tubes)" -gt $(($(lit Lines) * 2)) ] || gui_fail "points, lines, tubes: $(lit Points) $(lit Lines) $(lit Tubes)"
-[ "$(probe mixed Tubes.tga)" -ge $(($(lit Tubes) / 2)) ] || gui_fail "tubes coloured by root"
+pov() { save "$W/$1.pov" "Save DLA as" "PovRay (Cylinders + Spheres)"; }
+# camera WANT: the scene's "VP VU angle" as nine numbers and one, against
+# WANT (awk expressions), each within the 6 digits %g gives.
+camera() {
+  pov c
+  local got=$(sed -n 's/^#declare VP = <\(.*\)>;$/\1/p; s/^#declare VU = <\(.*\)>;$/\1/p; s/^ angle \([^ ]*\) .*/\1/p' "$W/c.pov" | tr ',\n' '  ')
+  awk -v got="$got" -v want="$1" 'BEGIN {
+    n = split(got, g, " "); split(want, w, " ")
+    for (i = 1; i <= 7; i++) {
+      e = w[i]; gsub(/c2/, cos(0.02), e); gsub(/s2/, sin(0.02), e)
+      split(e, t, "*"); v = t[1] * (t[2] == "" ? 1 : t[2]) * (t[3] == "" ? 1 : t[3])
+      if (n != 7 || (g[i] - v) ^ 2 > (1e-5 * (v < 0 ? -v : v) + 1e-6) ^ 2) exit 1
+    } }' || gui_fail "camera VP VU angle \"$got\", expected \"$1\""
+}
+# The arrows turn by 0.02 rad: Left about the up vector to -y, Up about the
+# right vector taking the eye down; + and - zoom by 0.95, . and , dolly.
+key Left plus period; camera "57*c2 -57*s2 0 0 0 1 57"
+key h Right minus comma; camera "63.157895*c2 63.157895*s2 0 0 0 1 63.157895"
+key H Up equal greater; camera "57*c2 0 -57*s2 s2 0 c2 57"
+key h Down underscore less; camera "63.157895*c2 0 63.157895*s2 -s2 0 c2 63.157895"
+# The roll keys turn only the up vector; shifted arrows do nothing.
+key h bracketright shift+Left shift+Up; camera "60 0 0 0 s2 c2 60"
+# Zoom stops just below 1 and just above 90; the eye never crosses the origin.
+key h bracketleft $(yes plus | head -90); camera "60 0 0 0 -s2 c2 0.990922"
+key h $(yes minus | head -20) $(yes period | head -150); camera "0.0273333 0 0 0 0 1 90.440386"
+# A left drag turns by -0.01 rad per pixel: 60 right, then 40 down; a
+# middle drag rolls by 1/200 rad per pixel across and ignores up and down;
+# with shift held neither moves.
+key h; drag 300 300 360 300; camera "60*0.825336 -60*0.564642 0 0 0 1 60"
+key h; drag 300 300 300 340; camera "60*0.921061 0 60*0.389418 -0.389418 0 0.921061 60"
+key h; drag 300 300 340 330 2; drag 300 300 340 330 1 shift; camera "60 0 0 0 0.198669 0.980067 60"
+# Autospin: a turns the view like Right, a bit each frame.
+key h a; sleep 0.5; pov spin
+awk -v y="$(sed -n 's/^#declare VP = <[^,]*,\([^,]*\),.*/\1/p' "$W/spin.pov")" 'BEGIN {exit !(y > 0)}' || gui_fail "a: no spin"
 gui_quit q
 
 # Side by side: each eye in its half with the circles and the text; close

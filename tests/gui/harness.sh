@@ -1,15 +1,10 @@
 #!/usr/bin/env bash
 # Drives dla3d under a private Xvfb; source it from a test script, or run
 # "harness.sh PROGRAM ARGS..." for the program on a server of its own.
-#   gui_init DLA3D [SHIM]   temp dir $GUI_TMP, the program's directory $W, cleanup trap
-#   gui_start_xvfb          a server of our own (it picks a free display)
-#   gui_start ARGS...       dla3d in $W with the shim preloaded; waits for its first frame (1: no window)
-#   key KEYS... / drag X1 Y1 X2 Y2 [BUTTON [MODIFIER]]   input in window coordinates
-#   menu LABEL [SUBLABEL]   a menu entry by label (#N: by row), as the shim saw the menus built
-#   save PATH LABEL [SUB]   a menu entry whose file selector the shim answers with PATH; waits for the file
-#   field W H X Y TEXT / press W H X Y   an input or a button at layout X Y of a centred W x H form
-#   dump NAME               w, and the new numbered dump renamed NAME.tga
-#   gui_quit [KEY]          the key ends the program with status 0
+# gui_init DLA3D [SHIM], gui_start_xvfb, gui_start ARGS (waits for the first
+# frame), then key, drag, menu LABEL [SUBLABEL], save PATH LABEL [SUB] (the
+# shim answers the file selector), field/press on a centred form, dump NAME
+# (w, the dump renamed NAME.tga), probe (tga_probe.py), gui_quit [KEY].
 GUI_TMP="" GUI_PID="" GUI_XVFB="" GUI_PROBER="" GUI_RETRIES=0
 PROBE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/tga_probe.py"
 

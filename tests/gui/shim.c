@@ -1,5 +1,5 @@
-// Preloaded into dla3d by the GUI tests. Records in $DLA_SHIM_LOG the forms
-// and menus as built (a line each), the forms' texts, file selector prompts,
+// Preloaded into dla3d by the GUI tests. Records in $DLA_SHIM_LOG the menus
+// as built (a line each), the forms' texts, file selector prompts,
 // message boxes, the cursor, the idle callback set or removed, a
 // not-a-number colour with its frame. A file
 // selector is answered from $DLA_SHIM_ANSWER when it exists (removed once
@@ -14,10 +14,10 @@
 #include <unistd.h>
 
 #define NEXT(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
-enum { OWNLINE, FORM, MENU, SET };
+enum { OWNLINE, MENU, SET };
 
 // A record joins the line of the records before it of the same group,
-// unless it starts a line (a form, a menu).
+// unless it starts a line (a menu).
 static void Log(int group, int start, const char *fmt, ...) {
   static int current = OWNLINE;
   const char *path = getenv("DLA_SHIM_LOG");
@@ -32,29 +32,24 @@ static void Log(int group, int start, const char *fmt, ...) {
   fclose(fp);
 }
 
-// Objects by their form (counted from 1) and place, for fl_set_input.
-static struct { void *object; int form, x, y; } objects[256];
-static int nobjects, nforms;
+// Inputs by their form (counted from 1) and place, for fl_set_input.
+static struct INPUT { void *object; int form, x, y; } inputs[256];
+static int ninputs, nforms;
 
 void *fl_bgn_form(int type, int w, int h) {
-  Log(FORM, 1, "form %d %d", w, h);
   nforms++;
   return NEXT(fl_bgn_form)(type, w, h);
 }
 
-#define ADD(kind)                                                                                 \
-  void *fl_add_##kind(int type, int x, int y, int w, int h, const char *label) {                 \
-    void *ob = NEXT(fl_add_##kind)(type, x, y, w, h, label);                                      \
-    Log(FORM, 0, #kind " %d %d %d %d %s", x, y, w, h, label);                                       \
-    if (nobjects < 256) objects[nobjects].object = ob, objects[nobjects].form = nforms,             \
-      objects[nobjects].x = x, objects[nobjects++].y = y;                                         \
-    return ob;                                                                                    \
-  }
-ADD(box) ADD(frame) ADD(button) ADD(checkbutton) ADD(input) ADD(text)
+void *fl_add_input(int type, int x, int y, int w, int h, const char *label) {
+  void *ob = NEXT(fl_add_input)(type, x, y, w, h, label);
+  if (ninputs < 256) inputs[ninputs++] = (struct INPUT){ob, nforms, x, y};
+  return ob;
+}
 
 void fl_set_input(void *ob, const char *text) {
-  for (int i = 0; i < nobjects; i++)
-    if (objects[i].object == ob) Log(SET, 0, "%d:%d,%d=%s", objects[i].form, objects[i].x, objects[i].y, text);
+  for (int i = 0; i < ninputs; i++)
+    if (inputs[i].object == ob) Log(SET, 0, "%d:%d,%d=%s", inputs[i].form, inputs[i].x, inputs[i].y, text);
   NEXT(fl_set_input)(ob, text);
 }
 

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Soak: random keys and menus for SOAK_SECONDS (60, all included) while it
-# grows; its memory stays in proportion to the cells and does not climb while
-# paused; it quits with 0. SOAK_SEED=N repeats a run. Before a release:
-#   SOAK_SECONDS=3600 SOAK_PAUSE_SECONDS=60 tests/gui/test_soak.sh build/dla3d build/tests/gui/libdla_gui_shim.so
+# Soak: random keys and menus for SOAK_SECONDS (60) while it grows; its memory
+# stays in proportion to the cells and does not climb while paused; it quits
+# with 0. SOAK_SEED=N repeats a run. Before a release: SOAK_SECONDS=3600
+# SOAK_PAUSE_SECONDS=60 tests/gui/test_soak.sh build/dla3d build/tests/gui/libdla_gui_shim.so
 source "$(dirname "$0")/harness.sh"
 gui_init "$1" "$2"
 SOAK_SECONDS=${SOAK_SECONDS:-60} SOAK_PAUSE_SECONDS=${SOAK_PAUSE_SECONDS:-10} RANDOM=${SOAK_SEED:=$((RANDOM + $$))}
 echo "soak: $SOAK_SECONDS s, seed $SOAK_SEED"
-# Bounds (kB). Per cell: its record, a statistics run's boxes, a frame of
-# tubes in the renderer (1 kB); a leak per step would not fit. Fixed: each
-# drawing mode's buffers, the largest sample surface, a dump buffer.
+# Bounds (kB): per cell its record, a statistics run's boxes, a frame of tubes
+# (1 kB), where a leak per step would not fit; fixed: each drawing mode's
+# buffers, the largest sample surface, a dump buffer.
 PER_CELL_KB=4 FIXED_KB=${SOAK_FIXED_KB:-32768} PAUSE_KB=${SOAK_PAUSE_KB:-1024}
 rss() { awk '/^VmRSS:/ {print $2}' /proc/$GUI_PID/status; }
 max=0 peak=0 growing=1 actions=0 dumps=0
@@ -57,10 +57,9 @@ while [ $SECONDS -lt $end ]; do
   sample
   sleep "0.$((RANDOM % 5))"
 done
-# A statistics count goes on while paused, and its boxes take memory. It
-# can take hours at one box a frame, but a restart shrinks the radius its
-# boxes run to, so it soon ends; growth, which it holds back, shows that.
-# No surface first: the closed hemisphere's disc vetoes every cell at the origin root.
+# A statistics count goes on while paused, its boxes taking memory, for hours
+# at one box a frame; a restart shrinks its radius, so that it soon ends, and
+# growth resumes. No surface: a closed hemisphere's disc vetoes every cell.
 menu "Sample constraint surfaces" "None"
 cells; key F4; cells; counted=$CELLS
 wait_for 30 eval 'cells; [ "$CELLS" -gt "$counted" ]' || gui_fail "no growth for 30 s after a restart"

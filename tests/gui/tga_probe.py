@@ -6,7 +6,7 @@ a line ("error" if it fails); rows top down, a box is X0 Y0 X1 Y1 (exclusive).
   litbox FILE           the box of every lit pixel (inclusive), then width and height
   colours FILE / other FILE R,G,B...   colours lit; lit pixels of none of these
   raw FILE OUT          into OUT as glReadPixels reads (RGBA from the bottom row)
-  greys FILE / mixed FILE  lit grey pixels and their levels; pixels with 2+ channels lit
+  greys FILE            lit grey pixels and their levels
   same FILE1 FILE2 / having R G B FILE... (files holding it)
   brightest BOX FILE... per file, the brightest grey in the box
 """
@@ -46,8 +46,6 @@ def main(cmd, a):
     elif cmd == "greys":
         g = [n for n, p in colours(a[0]) if p != black and p[0] == p[1] == p[2]]
         print(sum(g), len(g))
-    elif cmd == "mixed":
-        print(sum(n for n, p in colours(a[0]) if sum(v > 0 for v in p) >= 2))
     elif cmd == "extent":
         im = load(a[0])
         diff = ImageChops.difference(im, Image.new("RGB", im.size, tuple(map(int, a[1:4]))))
