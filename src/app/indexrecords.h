@@ -38,7 +38,10 @@ struct FIELD {
   std::vector<int> directory;
   int half;
   HASHTABLE bricks;  // brick coordinates to brick numbers, outside the directory
-  std::vector<uint8_t> data;
+  // The bricks' voxels, FIELD_PAGE bricks a page: pages are allocated as
+  // bricks come, so no doubling leaves half of the storage unused.
+  std::vector<std::vector<uint8_t> > pages;
+  int nbricks;
   uint64_t lastkey;  // the brick used last
   int lastbrick;
 };
@@ -59,17 +62,22 @@ struct SEARCHINDEX {
   double reach;             // max(1, branchlength)
   double h, invh;           // level-0 bucket size, a little over 2 reach
   int overflow;             // a cell outside the key range: scan instead
+  // Per cell arrays, as long as the cells' storage (cells.capacity()).
   std::vector<int> next;    // per cell: the next older cell of its bucket
   std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
-  std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
   // per cell: the cell within standin of it that the coarse field holds
   // for it (itself when it is in the field)
   std::vector<int> standin;
-  // The fast walk's shares not yet added along the way to the root: per
-  // cell, the sum of 1/d of the cells that stuck to it (empty for the
-  // exact walk).
-  std::vector<double> owed;
+  // Per cell: its parent, packed for the exact walk's walk to the root.
+  // Made by the first stick that walks there (IndexParents); the fast walk
+  // does without.
+  std::vector<int> parent;
+  int parents;  // 1 while parent is kept
+  // The fast walk's shares not yet added along the way to the root: every
+  // cell from owedfrom on stuck in the fast walk and owes its parent its
+  // 1/d, which follows from hops (SettleWeights).
   int owing;
+  int owedfrom;
   HASHTABLE buckets;   // level 0: newest cell of the bucket
   HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
   // Levels 4 and up, which the fast walk climbs far from the cells: one bit

@@ -107,6 +107,7 @@ static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
 #define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
 #define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
+#define FIELD_PAGE 1024    // bricks a page of a field's storage (512 KB)
 #define STANDIN_REACHES 4   // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP:
@@ -136,7 +137,8 @@ static void FieldReset(FIELD *f, int tag, double v) {
   Clear(&f->bricks);
   f->half = DIRECTORY_FIRST;
   f->directory.assign((size_t)8 * f->half * f->half * f->half, -1);
-  f->data.clear();
+  f->pages.clear();
+  f->nbricks = 0;
   f->lastkey = EMPTYKEY;
   f->lastbrick = -1;
 }
@@ -163,7 +165,7 @@ static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
 // costs its bricks, not 64 MB. The bricks it held keep their numbers;
 // those the hash table held that now fall inside are entered too.
 static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
-  size_t nbricks = f->data.size() / FIELD_VOXELS;
+  size_t nbricks = f->nbricks;
   int half = f->half;
   while (half < DIRECTORY_MOST && SpanIndex(half, bx, by, bz) < 0 && (size_t)64 * half * half * half <= 128 * nbricks)
     half *= 2;
@@ -186,6 +188,22 @@ static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
   }
 }
 
+// The voxels of brick b.
+static inline uint8_t *BrickData(FIELD *f, int b) {
+  return &f->pages[b / FIELD_PAGE][(size_t)(b % FIELD_PAGE) * FIELD_VOXELS];
+}
+
+// A new brick, every voxel at the cap; its number.
+static int NewBrick(FIELD *f) {
+  int b = f->nbricks++;
+  if (b % FIELD_PAGE == 0) {
+    f->pages.emplace_back();
+    f->pages.back().reserve((size_t)FIELD_PAGE * FIELD_VOXELS);
+  }
+  f->pages.back().resize(f->pages.back().size() + FIELD_VOXELS, FIELD_CAP);
+  return b;
+}
+
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
 static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
   int bx = ix >> 3, by = iy >> 3, bz = iz >> 3;
@@ -195,18 +213,14 @@ static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
     entry = DirectoryEntry(f, bx, by, bz);
   }
   if (entry) {
-    if (*entry < 0 && make) {
-      *entry = (int)(f->data.size() / FIELD_VOXELS);
-      f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
-    }
+    if (*entry < 0 && make) *entry = NewBrick(f);
     return *entry;
   }
   uint64_t key = Key(f->tag, bx, by, bz);
   if (key == f->lastkey) return f->lastbrick;
   int b = Lookup(&f->bricks, key);
   if (b < 0 && make) {
-    b = (int)(f->data.size() / FIELD_VOXELS);
-    f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    b = NewBrick(f);
     Store(&f->bricks, key, b);
   }
   if (b >= 0) {
@@ -272,7 +286,7 @@ static int BrickOutOfReach(const BRICKRANGE &r, double g2[3][20], double cap2) {
 static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2[3][20], double cap2) {
   double scale = (1 - 1e-9) / (f->unit * f->unit);
   int b = Brick(f, lo[0] + r.i0, lo[1] + r.j0, lo[2] + r.k0, 1);
-  uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+  uint8_t *data = BrickData(f, b);
   const uint8_t *fieldroot = FieldRoots();
   for (int i = r.i0; i < r.i1; i++) {
     if (g2[0][i] >= cap2) continue;
@@ -317,7 +331,7 @@ static void FieldAdd(FIELD *f, XYZ p) {
 static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   int vx = (int)floor(p.x * f->invv), vy = (int)floor(p.y * f->invv), vz = (int)floor(p.z * f->invv);
   int b = Brick(f, vx, vy, vz, 0);
-  int q = b < 0 ? FIELD_CAP : f->data[(size_t)b * FIELD_VOXELS + Voxel(vx, vy, vz)];
+  int q = b < 0 ? FIELD_CAP : BrickData(f, b)[Voxel(vx, vy, vz)];
   *saturated = q == FIELD_CAP;
   return q * f->unit - slack;
 }
@@ -381,17 +395,26 @@ static int Occupied(SIMULATION &sim, int k, int bx, int by, int bz) {
   return c->spilled && Lookup(&s.occupiedhigh, Key(k, bx, by, bz)) >= 0;
 }
 
+// Per cell arrays as long as the cells' storage, or at least n: no more
+// than the cells take, and no doubling of their own.
+static void SizePerCell(SIMULATION &sim, int n) {
+  SEARCHINDEX &s = sim.searchindex;
+  size_t size = sim.cells.capacity() > (size_t)n ? sim.cells.capacity() : (size_t)n;
+  if (size < 1024) size = 1024;
+  std::vector<int> *arrays[] = {&s.next, &s.hops, &s.standin, &s.parent};
+  for (std::vector<int> *a : arrays) {
+    if (a == &s.parent && !s.parents) continue;
+    if (a->size() >= (size_t)n) continue;
+    a->reserve(size);
+    a->resize(size, -1);
+  }
+}
+
 static void Insert(SIMULATION &sim, int c) {
   SEARCHINDEX &s = sim.searchindex;
-  if ((int)s.next.size() <= c) {
-    size_t size = c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size();
-    s.next.resize(size);
-    s.hops.resize(size);
-    s.parent.resize(size);
-    s.standin.resize(size);
-  }
+  if ((int)s.next.size() <= c || (s.parents && (int)s.parent.size() <= c)) SizePerCell(sim, c + 1);
   int parent = sim.cells[c].parent;
-  s.parent[c] = parent;
+  if (s.parents) s.parent[c] = parent;
   if (parent < c) {
     s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
   } else {  // not in growth order: walk
@@ -449,11 +472,11 @@ static void Rebuild(SIMULATION &sim) {
   Clear(&s.occupied);
   Clear(&s.occupiedhigh);
   for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
-  s.next.assign(sim.ncells > 1024 ? sim.ncells : 1024, -1);
-  s.hops.assign(s.next.size(), 0);
-  s.parent.assign(s.next.size(), -1);
-  s.standin.assign(s.next.size(), -1);
-  s.owed.clear();  // made by the fast walk's first stick
+  s.next.clear();
+  s.hops.clear();
+  s.standin.clear();
+  s.parent.clear();
+  SizePerCell(sim, sim.ncells);
   s.owing = 0;
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
@@ -683,19 +706,53 @@ int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass
   return 0;
 }
 
+const int *IndexParents(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.parents) {
+    s.parents = 1;
+    s.parent.clear();
+    SizePerCell(sim, s.n);
+    for (int i = 0; i < s.n; i++) s.parent[i] = sim.cells[i].parent;
+  }
+  return s.parent.data();
+}
+
 void SettleWeights(SIMULATION &sim) {
   SEARCHINDEX &s = sim.searchindex;
   if (!s.owing) return;
-  // A cell's share reaches its parent after its own children's: children
-  // come after their parents.
-  double *owed = s.owed.data();
-  int n = s.n < (int)s.owed.size() ? s.n : (int)s.owed.size();
-  for (int j = n - 1; j >= 0; j--) {
-    double share = owed[j];
+  // The cells from owedfrom on came with weight 0 and stuck to older cells:
+  // their weights hold what they are owed until their turn, the older cells'
+  // shares wait in a table of their own. First each owed cell's 1/d goes to
+  // its parent in the order the cells stuck, then a cell's total reaches its
+  // parent after its own children's (children come after their parents):
+  // the additions the walk to the root would have made, in this order.
+  CELL *c = sim.cells.data();
+  int n = s.n, from = s.owedfrom;
+  std::vector<double> older(from > 0 ? from : 0, 0.0);
+  for (int j = from; j < n; j++) {
+    int q = c[j].parent;
+    if (q < 0 || q >= j) continue;
+    double share = 1.0 / (1 + s.hops[q]);
+    if (q >= from)
+      c[q].weight += share;
+    else
+      older[q] += share;
+  }
+  for (int j = n - 1; j >= from; j--) {
+    int q = c[j].parent;
+    double share = c[j].weight;
+    if (share == 0 || q < 0 || q >= j) continue;
+    if (q >= from)
+      c[q].weight += share;
+    else
+      older[q] += share;
+  }
+  for (int j = from - 1; j >= 0; j--) {
+    double share = older[j];
     if (share == 0) continue;
-    owed[j] = 0;
-    sim.cells[j].weight += share;
-    if (s.parent[j] >= 0) owed[s.parent[j]] += share;
+    c[j].weight += share;
+    int q = c[j].parent;
+    if (q >= 0 && q < j) older[q] += share;
   }
   s.owing = 0;
   s.maxweight = 0;
