@@ -78,8 +78,15 @@ struct SEARCHINDEX {
   // 1/d, which follows from hops (SettleWeights).
   int owing;
   int owedfrom;
-  HASHTABLE buckets;   // level 0: newest cell of the bucket
-  HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
+  // Level 0: the newest cell of each bucket, in pages of the 4x4x4
+  // buckets a fine field brick spans (a cell's brick is always made), with
+  // a mask of the buckets holding a cell: levels 1 and 2 read the masks.
+  // Per fine brick its page (-1: none); the pages HEADS_CHUNK a chunk.
+  std::vector<int> headpage;
+  std::vector<std::vector<int> > heads;
+  std::vector<uint64_t> headmask;
+  int npages;
+  HASHTABLE occupied;  // level 3: 1 for a bucket holding a cell
   // Levels 4 and up, which the fast walk climbs far from the cells: one bit
   // a block in a cube around the origin, which stays in cache; the blocks
   // beyond the largest cube go to occupiedhigh.

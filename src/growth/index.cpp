@@ -102,7 +102,9 @@ static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define OCCUPANCY_LOW 3     // the level of the occupied table; 1 and 2 read the head pages
 #define OCCUPANCY_HIGH 4    // the first level of the occupancy cubes
+#define HEADS_CHUNK 1024    // head pages a chunk (256 KB)
 #define CUBE_FIRST 4        // blocks each way from the origin in a new cube
 #define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
@@ -364,9 +366,48 @@ static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
   *c = wide;
 }
 
+// The page of bucket heads holding level-0 bucket (ix, iy, iz), made when
+// make is set; -1 if none. Pages follow the fine field's bricks (voxels of
+// half a bucket, so a brick spans 4x4x4 buckets).
+static int HeadPage(SEARCHINDEX &s, int ix, int iy, int iz, int make) {
+  int b = Brick(&s.fine, 2 * ix, 2 * iy, 2 * iz, 0);
+  if (b < 0 && make) b = Brick(&s.fine, 2 * ix, 2 * iy, 2 * iz, 1);  // FieldAdd made it already
+  if (b < 0) return -1;
+  if (b >= (int)s.headpage.size()) {
+    if (!make) return -1;
+    s.headpage.resize(s.fine.nbricks > 2 * b + 2 ? s.fine.nbricks : 2 * b + 2, -1);
+  }
+  int page = s.headpage[b];
+  if (page >= 0 || !make) return page;
+  page = s.npages++;
+  if (page % HEADS_CHUNK == 0) {
+    s.heads.emplace_back();
+    s.heads.back().reserve((size_t)HEADS_CHUNK * 64);
+  }
+  s.heads.back().resize(s.heads.back().size() + 64, -1);
+  if ((int)s.headmask.size() <= page) s.headmask.resize(2 * (size_t)page + 64, 0);
+  s.headmask[page] = 0;
+  s.headpage[b] = page;
+  return page;
+}
+
+// The bucket's place in its page.
+static inline int HeadSlot(int ix, int iy, int iz) { return ((ix & 3) << 4) | ((iy & 3) << 2) | (iz & 3); }
+
+static inline int *HeadOf(SEARCHINDEX &s, int page, int slot) {
+  return &s.heads[page / HEADS_CHUNK][(size_t)(page % HEADS_CHUNK) * 64 + slot];
+}
+
+// The newest cell of level-0 bucket (ix, iy, iz), -1 when empty.
+static int BucketHead(SEARCHINDEX &s, int ix, int iy, int iz) {
+  int page = HeadPage(s, ix, iy, iz, 0);
+  return page < 0 ? -1 : *HeadOf(s, page, HeadSlot(ix, iy, iz));
+}
+
 // Marks the block of level k (1 and up) at (bx, by, bz) as holding a cell.
 static void MarkOccupied(SIMULATION &sim, int k, int bx, int by, int bz) {
   SEARCHINDEX &s = sim.searchindex;
+  if (k < OCCUPANCY_LOW) return;  // the head pages' masks
   if (k < OCCUPANCY_HIGH) {
     Store(&s.occupied, Key(k, bx, by, bz), 1);
     return;
@@ -387,7 +428,14 @@ static void MarkOccupied(SIMULATION &sim, int k, int bx, int by, int bz) {
 
 // 1 when the block of level k at (bx, by, bz) holds a cell.
 static int Occupied(SIMULATION &sim, int k, int bx, int by, int bz) {
-  const SEARCHINDEX &s = sim.searchindex;
+  SEARCHINDEX &s = sim.searchindex;
+  if (k == 1) {
+    // A 2x2x2 block of buckets inside one page: its eight bits.
+    int page = HeadPage(s, 2 * bx, 2 * by, 2 * bz, 0);
+    int shift = ((bx & 1) << 5) | ((by & 1) << 3) | ((bz & 1) << 1);
+    return page >= 0 && (s.headmask[page] >> shift & 0x330033) != 0;
+  }
+  if (k == 2) return HeadPage(s, 4 * bx, 4 * by, 4 * bz, 0) >= 0;  // the page's buckets
   if (k < OCCUPANCY_HIGH) return Lookup(&s.occupied, Key(k, bx, by, bz)) >= 0;
   const OCCUPANCYCUBE *c = &s.cube[k];
   long bit = SpanIndex(c->half, bx, by, bz);
@@ -431,9 +479,13 @@ static void Insert(SIMULATION &sim, int c) {
     s.standin[c] = c;  // its children look it up
     return;
   }
-  s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(sim, k, ix >> k, iy >> k, iz >> k);
   FieldAdd(&s.fine, sim.cells[c].p);
+  int page = HeadPage(s, ix, iy, iz, 1), slot = HeadSlot(ix, iy, iz);
+  int *head = HeadOf(s, page, slot);
+  s.next[c] = *head;
+  *head = c;
+  s.headmask[page] |= 1ULL << slot;
+  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(sim, k, ix >> k, iy >> k, iz >> k);
   // The coarse field holds one cell of each little cluster: a cell near
   // its parent's stand-in is left out, and the field's bounds are taken
   // that much lower. Most cells are left out, and their update was the
@@ -468,7 +520,10 @@ static void Rebuild(SIMULATION &sim) {
   // to 3 (all their points within 1.5 sqrt(3) 8 h of the particle) still lie.
   s.standinreach = STANDIN_REACHES * s.reach;
   s.overflow = 0;
-  Clear(&s.buckets);
+  s.headpage.clear();
+  s.heads.clear();
+  s.headmask.clear();
+  s.npages = 0;
   Clear(&s.occupied);
   Clear(&s.occupiedhigh);
   for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
@@ -586,7 +641,7 @@ static double BlockAround(SIMULATION &sim, XYZ p, int ix, int iy, int iz, double
 static int BlockHeads(SIMULATION &sim, const int lo[3], int head[8]) {
   int any = 0;
   for (int k = 0; k < 8; k++) {
-    head[k] = Lookup(&sim.searchindex.buckets, Key(0, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2)));
+    head[k] = BucketHead(sim.searchindex, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2));
     any |= head[k] >= 0;
   }
   return any;
