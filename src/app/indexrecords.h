@@ -64,10 +64,10 @@ struct SEARCHINDEX {
   int overflow;             // a cell outside the key range: scan instead
   // Per cell arrays, as long as the cells' storage (cells.capacity()).
   std::vector<int> next;    // per cell: the next older cell of its bucket
-  std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
-  // per cell: the cell within standin of it that the coarse field holds
-  // for it (itself when it is in the field)
-  std::vector<int> standin;
+  // per cell: twice its parent steps down to index 0 or a root, plus 1
+  // when the coarse field holds the cell itself; else it lies within
+  // standinreach of the nearest such ancestor, its stand-in
+  std::vector<int> hops;
   // Per cell: its parent, packed for the exact walk's walk to the root.
   // Made by the first stick that walks there (IndexParents); the fast walk
   // does without.

@@ -449,7 +449,7 @@ static void SizePerCell(SIMULATION &sim, int n) {
   SEARCHINDEX &s = sim.searchindex;
   size_t size = sim.cells.capacity() > (size_t)n ? sim.cells.capacity() : (size_t)n;
   if (size < 1024) size = 1024;
-  std::vector<int> *arrays[] = {&s.next, &s.hops, &s.standin, &s.parent};
+  std::vector<int> *arrays[] = {&s.next, &s.hops, &s.parent};
   for (std::vector<int> *a : arrays) {
     if (a == &s.parent && !s.parents) continue;
     if (a->size() >= (size_t)n) continue;
@@ -458,25 +458,35 @@ static void SizePerCell(SIMULATION &sim, int n) {
   }
 }
 
+// The cell within standinreach of j that the coarse field holds for it:
+// the nearest ancestor (j itself included) that is its own stand-in. A
+// cell left out lies near its parent's stand-in, so the walk is short.
+static int StandIn(SIMULATION &sim, int j) {
+  const int *hops = sim.searchindex.hops.data();
+  while (!(hops[j] & 1)) j = sim.cells[j].parent;
+  return j;
+}
+
 static void Insert(SIMULATION &sim, int c) {
   SEARCHINDEX &s = sim.searchindex;
   if ((int)s.next.size() <= c || (s.parents && (int)s.parent.size() <= c)) SizePerCell(sim, c + 1);
   int parent = sim.cells[c].parent;
   if (s.parents) s.parent[c] = parent;
+  int hops;
   if (parent < c) {
-    s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
+    hops = 1 + (parent > 0 ? s.hops[parent] >> 1 : 0);
   } else {  // not in growth order: walk
     int h = 0, j = c;
     do {
       j = sim.cells[j].parent;
       h++;
     } while (j > 0);
-    s.hops[c] = h;
+    hops = h;
   }
+  s.hops[c] = hops << 1 | 1;  // its own stand-in until found near its parent's
   int ix, iy, iz;
   if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
-    s.standin[c] = c;  // its children look it up
     return;
   }
   FieldAdd(&s.fine, sim.cells[c].p);
@@ -490,15 +500,16 @@ static void Insert(SIMULATION &sim, int c) {
   // its parent's stand-in is left out, and the field's bounds are taken
   // that much lower. Most cells are left out, and their update was the
   // larger part of a stick's cost.
-  int standin = c;
   if (parent >= 0 && parent < c) {
-    int r = s.standin[parent];
+    int r = StandIn(sim, parent);
     double dx = sim.cells[c].p.x - sim.cells[r].p.x, dy = sim.cells[c].p.y - sim.cells[r].p.y,
            dz = sim.cells[c].p.z - sim.cells[r].p.z;
-    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) standin = r;
+    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) {
+      s.hops[c] &= ~1;
+      return;
+    }
   }
-  s.standin[c] = standin;
-  if (standin == c) FieldAdd(&s.coarse, sim.cells[c].p);
+  FieldAdd(&s.coarse, sim.cells[c].p);
 }
 
 static void Rebuild(SIMULATION &sim) {
@@ -529,7 +540,6 @@ static void Rebuild(SIMULATION &sim) {
   for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
   s.next.clear();
   s.hops.clear();
-  s.standin.clear();
   s.parent.clear();
   SizePerCell(sim, sim.ncells);
   s.owing = 0;
@@ -761,6 +771,8 @@ int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass
   return 0;
 }
 
+int IndexHops(SIMULATION &sim, int j) { return sim.searchindex.hops[j] >> 1; }
+
 const int *IndexParents(SIMULATION &sim) {
   SEARCHINDEX &s = sim.searchindex;
   if (!s.parents) {
@@ -787,7 +799,7 @@ void SettleWeights(SIMULATION &sim) {
   for (int j = from; j < n; j++) {
     int q = c[j].parent;
     if (q < 0 || q >= j) continue;
-    double share = 1.0 / (1 + s.hops[q]);
+    double share = 1.0 / (1 + (s.hops[q] >> 1));
     if (q >= from)
       c[q].weight += share;
     else

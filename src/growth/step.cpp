@@ -132,7 +132,7 @@ static int Vetoed(SIMULATION &sim, int best, XYZ q, int indexed) {
 // well as at -1, so cells under root 0 get a larger share than the same
 // shape under another root (kept). The index keeps each cell's count.
 static int HopsFrom(SIMULATION &sim, int best, int fast) {
-  if (fast) return 1 + sim.searchindex.hops[best];
+  if (fast) return 1 + IndexHops(sim, best);
   int d = 1;
   int j = best;
   do {
