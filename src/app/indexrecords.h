@@ -64,10 +64,13 @@ struct SEARCHINDEX {
   int overflow;             // a cell outside the key range: scan instead
   // Per cell arrays, as long as the cells' storage (cells.capacity()).
   std::vector<int> next;    // per cell: the next older cell of its bucket
-  // per cell: twice its parent steps down to index 0 or a root, plus 1
-  // when the coarse field holds the cell itself; else it lies within
-  // standinreach of the nearest such ancestor, its stand-in
+  // Per cell, one bit: 1 when the coarse field holds the cell itself; else
+  // it lies within standinreach of the nearest such ancestor, its stand-in.
+  std::vector<uint64_t> held;
+  // Per cell: parent steps down to index 0 or a root. Made by the first
+  // stick that asks (IndexHops, the exact walk); the fast walk does without.
   std::vector<int> hops;
+  int hopsknown;  // 1 while hops is kept
   // Per cell: its parent, packed for the exact walk's walk to the root.
   // Made by the first stick that walks there (IndexParents); the fast walk
   // does without.

@@ -452,38 +452,49 @@ static void SizePerCell(SIMULATION &sim, int n) {
   std::vector<int> *arrays[] = {&s.next, &s.hops, &s.parent};
   for (std::vector<int> *a : arrays) {
     if (a == &s.parent && !s.parents) continue;
+    if (a == &s.hops && !s.hopsknown) continue;
     if (a->size() >= (size_t)n) continue;
     a->reserve(size);
     a->resize(size, -1);
   }
+  size_t words = (s.next.size() + 63) / 64;  // as long as next
+  if (s.held.size() < words) {
+    s.held.reserve(words);
+    s.held.resize(words, 0);
+  }
+}
+
+// Parent steps from c down to index 0 or a root, from its parent's count.
+static int HopsOf(SIMULATION &sim, const int *hops, int c) {
+  int parent = sim.cells[c].parent;
+  if (parent < c) return 1 + (parent > 0 ? hops[parent] : 0);
+  int h = 0, j = c;  // not in growth order: walk
+  do {
+    j = sim.cells[j].parent;
+    h++;
+  } while (j > 0);
+  return h;
 }
 
 // The cell within standinreach of j that the coarse field holds for it:
-// the nearest ancestor (j itself included) that is its own stand-in. A
-// cell left out lies near its parent's stand-in, so the walk is short.
+// the nearest ancestor (j itself included) that the field holds. A cell
+// left out lies near its parent's stand-in, so the walk is short.
 static int StandIn(SIMULATION &sim, int j) {
-  const int *hops = sim.searchindex.hops.data();
-  while (!(hops[j] & 1)) j = sim.cells[j].parent;
+  const uint64_t *held = sim.searchindex.held.data();
+  while (!(held[j >> 6] >> (j & 63) & 1)) j = sim.cells[j].parent;
   return j;
 }
 
 static void Insert(SIMULATION &sim, int c) {
   SEARCHINDEX &s = sim.searchindex;
-  if ((int)s.next.size() <= c || (s.parents && (int)s.parent.size() <= c)) SizePerCell(sim, c + 1);
+  if ((int)s.next.size() <= c || (s.parents && (int)s.parent.size() <= c) || (s.hopsknown && (int)s.hops.size() <= c))
+    SizePerCell(sim, c + 1);
   int parent = sim.cells[c].parent;
   if (s.parents) s.parent[c] = parent;
-  int hops;
-  if (parent < c) {
-    hops = 1 + (parent > 0 ? s.hops[parent] >> 1 : 0);
-  } else {  // not in growth order: walk
-    int h = 0, j = c;
-    do {
-      j = sim.cells[j].parent;
-      h++;
-    } while (j > 0);
-    hops = h;
-  }
-  s.hops[c] = hops << 1 | 1;  // its own stand-in until found near its parent's
+  if (s.hopsknown) s.hops[c] = HopsOf(sim, s.hops.data(), c);
+  uint64_t &held = s.held[c >> 6];
+  uint64_t bit = 1ULL << (c & 63);
+  held |= bit;  // its own stand-in until found near its parent's
   int ix, iy, iz;
   if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
@@ -505,7 +516,7 @@ static void Insert(SIMULATION &sim, int c) {
     double dx = sim.cells[c].p.x - sim.cells[r].p.x, dy = sim.cells[c].p.y - sim.cells[r].p.y,
            dz = sim.cells[c].p.z - sim.cells[r].p.z;
     if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) {
-      s.hops[c] &= ~1;
+      held &= ~bit;
       return;
     }
   }
@@ -541,6 +552,7 @@ static void Rebuild(SIMULATION &sim) {
   s.next.clear();
   s.hops.clear();
   s.parent.clear();
+  s.held.clear();
   SizePerCell(sim, sim.ncells);
   s.owing = 0;
   s.ball = 0;
@@ -771,7 +783,33 @@ int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass
   return 0;
 }
 
-int IndexHops(SIMULATION &sim, int j) { return sim.searchindex.hops[j] >> 1; }
+int IndexHops(SIMULATION &sim, int j) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.hopsknown) {
+    s.hopsknown = 1;
+    s.hops.clear();
+    SizePerCell(sim, s.n);
+    for (int i = 0; i < s.n; i++) s.hops[i] = HopsOf(sim, s.hops.data(), i);
+  }
+  return s.hops[j];
+}
+
+// The level-0 lists again, after next held something else: every cell
+// linked to its bucket's head in the order Insert took them.
+static void RelinkBuckets(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  for (std::vector<int> &chunk : s.heads) std::fill(chunk.begin(), chunk.end(), -1);
+  for (int c = 0; c < s.n; c++) {
+    int ix, iy, iz;
+    s.next[c] = -1;
+    if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) continue;
+    int page = HeadPage(s, ix, iy, iz, 0);
+    if (page < 0) continue;  // never: Insert made it
+    int *head = HeadOf(s, page, HeadSlot(ix, iy, iz));
+    s.next[c] = *head;
+    *head = c;
+  }
+}
 
 const int *IndexParents(SIMULATION &sim) {
   SEARCHINDEX &s = sim.searchindex;
@@ -793,13 +831,20 @@ void SettleWeights(SIMULATION &sim) {
   // its parent in the order the cells stuck, then a cell's total reaches its
   // parent after its own children's (children come after their parents):
   // the additions the walk to the root would have made, in this order.
+  // The hop counts the shares need: the exact walk's when it keeps them,
+  // else made in the bucket lists' array for the while (the fast walk
+  // keeps no array of its own for them).
   CELL *c = sim.cells.data();
-  int n = s.n, from = s.owedfrom;
+  int n = s.n < sim.ncells ? s.n : sim.ncells, from = s.owedfrom;
+  int relink = !s.hopsknown && s.valid && s.revision == sim.cellsrevision && s.n == sim.ncells;
+  int *hops = s.hopsknown ? s.hops.data() : s.next.data();
+  if (!s.hopsknown)
+    for (int i = 0; i < n; i++) hops[i] = HopsOf(sim, hops, i);
   std::vector<double> older(from > 0 ? from : 0, 0.0);
   for (int j = from; j < n; j++) {
     int q = c[j].parent;
     if (q < 0 || q >= j) continue;
-    double share = 1.0 / (1 + (s.hops[q] >> 1));
+    double share = 1.0 / (1 + hops[q]);
     if (q >= from)
       c[q].weight += share;
     else
@@ -821,6 +866,7 @@ void SettleWeights(SIMULATION &sim) {
     int q = c[j].parent;
     if (q >= 0 && q < j) older[q] += share;
   }
+  if (relink) RelinkBuckets(sim);
   s.owing = 0;
   s.maxweight = 0;
   for (int i = 0; i < sim.ncells; i++)
