@@ -33,9 +33,12 @@ struct FIELD {
   int tag;  // key level of its bricks
   double v, invv, unit;
   // Brick numbers (-1: none) of the bricks -half .. half - 1 along each
-  // axis, x slowest: one read, and small enough to stay in cache. Bricks
-  // beyond go to the hash table.
+  // axis, in tiles of 8x8x8 bricks made only where bricks are: directory
+  // holds the tiles' numbers (-1: none), x slowest, tiles their entries.
+  // Two reads, small enough to stay in cache. Bricks beyond go to the hash
+  // table.
   std::vector<int> directory;
+  std::vector<int> tiles;
   int half;
   HASHTABLE bricks;  // brick coordinates to brick numbers, outside the directory
   // The bricks' voxels, FIELD_PAGE bricks a page: pages are allocated as

@@ -108,7 +108,9 @@ static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
 #define CUBE_FIRST 4        // blocks each way from the origin in a new cube
 #define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
-#define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
+#define DIRECTORY_MOST 128  // and at most (128 KB of tiles, for 131,072 bricks or more)
+#define DIRECTORY_TILE 8    // the directory's tiles: 8x8x8 bricks, made where bricks are
+#define DIRECTORY_TILEENTRIES 512
 #define FIELD_PAGE 1024    // bricks a page of a field's storage (512 KB)
 #define STANDIN_REACHES 4   // how far a cell left out of the coarse field may lie from the cell it holds
 
@@ -131,6 +133,12 @@ static const uint8_t *FieldRoots(void) {
   return table.q;
 }
 
+// Tiles of a directory of bricks -half .. half - 1 along each axis.
+static size_t DirectoryTiles(int half) {
+  size_t n = 2 * half / DIRECTORY_TILE;
+  return n * n * n;
+}
+
 static void FieldReset(FIELD *f, int tag, double v) {
   f->tag = tag;
   f->v = v;
@@ -138,7 +146,8 @@ static void FieldReset(FIELD *f, int tag, double v) {
   f->unit = v / 16;
   Clear(&f->bricks);
   f->half = DIRECTORY_FIRST;
-  f->directory.assign((size_t)8 * f->half * f->half * f->half, -1);
+  f->directory.assign(DirectoryTiles(f->half), -1);
+  f->tiles.clear();
   f->pages.clear();
   f->nbricks = 0;
   f->lastkey = EMPTYKEY;
@@ -154,11 +163,22 @@ static long SpanIndex(int half, int bx, int by, int bz) {
   return ((long)ux * n + uy) * n + uz;
 }
 
-// The directory's entry of brick (bx, by, bz); NULL outside it.
-static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
-  long i = SpanIndex(f->half, bx, by, bz);
-  return i < 0 ? NULL : &f->directory[i];
+// The directory's entry of brick (bx, by, bz), its tile made when make is
+// set; NULL outside the directory's span or in a tile not made.
+static int *DirectoryEntry(FIELD *f, int bx, int by, int bz, int make) {
+  long t = SpanIndex(f->half / DIRECTORY_TILE, bx >> 3, by >> 3, bz >> 3);
+  if (t < 0) return NULL;
+  int tile = f->directory[t];
+  if (tile < 0) {
+    if (!make) return NULL;
+    tile = f->directory[t] = (int)(f->tiles.size() / DIRECTORY_TILEENTRIES);
+    f->tiles.resize(f->tiles.size() + DIRECTORY_TILEENTRIES, -1);
+  }
+  return &f->tiles[(size_t)tile * DIRECTORY_TILEENTRIES + (((bx & 7) << 6) | ((by & 7) << 3) | (bz & 7))];
 }
+
+// 1 when brick (bx, by, bz) lies within the directory's span.
+static int InDirectory(FIELD *f, int bx, int by, int bz) { return SpanIndex(f->half, bx, by, bz) >= 0; }
 
 // Doubles the directory's span towards brick (bx, by, bz), up to
 // DIRECTORY_MOST, while the bricks made are dense enough for it: an entry
@@ -172,21 +192,30 @@ static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
   while (half < DIRECTORY_MOST && SpanIndex(half, bx, by, bz) < 0 && (size_t)64 * half * half * half <= 128 * nbricks)
     half *= 2;
   if (half == f->half) return;
-  std::vector<int> old;
+  std::vector<int> old, oldtiles;
   old.swap(f->directory);
-  int oldhalf = f->half, n = 2 * oldhalf;
+  oldtiles.swap(f->tiles);
+  int oldhalf = f->half, n = 2 * oldhalf / DIRECTORY_TILE;
   f->half = half;
-  f->directory.assign((size_t)8 * half * half * half, -1);
+  f->directory.assign(DirectoryTiles(half), -1);
   for (int i = 0; i < n; i++)
     for (int j = 0; j < n; j++)
-      for (int k = 0; k < n; k++)
-        *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
+      for (int k = 0; k < n; k++) {
+        int tile = old[((size_t)i * n + j) * n + k];
+        if (tile < 0) continue;
+        for (int e = 0; e < DIRECTORY_TILEENTRIES; e++) {
+          int b = oldtiles[(size_t)tile * DIRECTORY_TILEENTRIES + e];
+          if (b < 0) continue;
+          int x = (i - n / 2) * DIRECTORY_TILE + (e >> 6), y = (j - n / 2) * DIRECTORY_TILE + ((e >> 3) & 7),
+              z = (k - n / 2) * DIRECTORY_TILE + (e & 7);
+          *DirectoryEntry(f, x, y, z, 1) = b;
+        }
+      }
   for (const HASHSLOT &slot : f->bricks.slots) {
     if (slot.key == EMPTYKEY) continue;
     int x, y, z;
     KeyCoords(slot.key, &x, &y, &z);
-    int *entry = DirectoryEntry(f, x, y, z);
-    if (entry) *entry = slot.value;
+    if (InDirectory(f, x, y, z)) *DirectoryEntry(f, x, y, z, 1) = slot.value;
   }
 }
 
@@ -209,12 +238,10 @@ static int NewBrick(FIELD *f) {
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
 static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
   int bx = ix >> 3, by = iy >> 3, bz = iz >> 3;
-  int *entry = DirectoryEntry(f, bx, by, bz);
-  if (!entry && make) {
-    WidenDirectory(f, bx, by, bz);
-    entry = DirectoryEntry(f, bx, by, bz);
-  }
-  if (entry) {
+  if (make && !InDirectory(f, bx, by, bz)) WidenDirectory(f, bx, by, bz);
+  if (InDirectory(f, bx, by, bz)) {
+    int *entry = DirectoryEntry(f, bx, by, bz, make);
+    if (!entry) return -1;  // no brick of its tile made
     if (*entry < 0 && make) *entry = NewBrick(f);
     return *entry;
   }
