@@ -33,12 +33,18 @@ struct FIELD {
   int tag;  // key level of its bricks
   double v, invv, unit;
   // Brick numbers (-1: none) of the bricks -half .. half - 1 along each
-  // axis, x slowest: one read, and small enough to stay in cache. Bricks
-  // beyond go to the hash table.
+  // axis, in tiles of 8x8x8 bricks made only where bricks are: directory
+  // holds the tiles' numbers (-1: none), x slowest, tiles their entries.
+  // Two reads, small enough to stay in cache. Bricks beyond go to the hash
+  // table.
   std::vector<int> directory;
+  std::vector<int> tiles;
   int half;
   HASHTABLE bricks;  // brick coordinates to brick numbers, outside the directory
-  std::vector<uint8_t> data;
+  // The bricks' voxels, FIELD_PAGE bricks a page: pages are allocated as
+  // bricks come, so no doubling leaves half of the storage unused.
+  std::vector<std::vector<uint8_t> > pages;
+  int nbricks;
   uint64_t lastkey;  // the brick used last
   int lastbrick;
 };
@@ -59,19 +65,34 @@ struct SEARCHINDEX {
   double reach;             // max(1, branchlength)
   double h, invh;           // level-0 bucket size, a little over 2 reach
   int overflow;             // a cell outside the key range: scan instead
+  // Per cell arrays, as long as the cells' storage (cells.capacity()).
   std::vector<int> next;    // per cell: the next older cell of its bucket
-  std::vector<int> hops;    // per cell: parent steps down to index 0 or a root
-  std::vector<int> parent;  // per cell: its parent, packed for the walk to the root
-  // per cell: the cell within standin of it that the coarse field holds
-  // for it (itself when it is in the field)
-  std::vector<int> standin;
-  // The fast walk's shares not yet added along the way to the root: per
-  // cell, the sum of 1/d of the cells that stuck to it (empty for the
-  // exact walk).
-  std::vector<double> owed;
+  // Per cell, one bit: 1 when the coarse field holds the cell itself; else
+  // it lies within standinreach of the nearest such ancestor, its stand-in.
+  std::vector<uint64_t> held;
+  // Per cell: parent steps down to index 0 or a root. Made by the first
+  // stick that asks (IndexHops, the exact walk); the fast walk does without.
+  std::vector<int> hops;
+  int hopsknown;  // 1 while hops is kept
+  // Per cell: its parent, packed for the exact walk's walk to the root.
+  // Made by the first stick that walks there (IndexParents); the fast walk
+  // does without.
+  std::vector<int> parent;
+  int parents;  // 1 while parent is kept
+  // The fast walk's shares not yet added along the way to the root: every
+  // cell from owedfrom on stuck in the fast walk and owes its parent its
+  // 1/d, which follows from hops (SettleWeights).
   int owing;
-  HASHTABLE buckets;   // level 0: newest cell of the bucket
-  HASHTABLE occupied;  // levels 1 to 3: 1 for a bucket holding a cell
+  int owedfrom;
+  // Level 0: the newest cell of each bucket, in pages of the 4x4x4
+  // buckets a fine field brick spans (a cell's brick is always made), with
+  // a mask of the buckets holding a cell: levels 1 and 2 read the masks.
+  // Per fine brick its page (-1: none); the pages HEADS_CHUNK a chunk.
+  std::vector<int> headpage;
+  std::vector<std::vector<int> > heads;
+  std::vector<uint64_t> headmask;
+  int npages;
+  HASHTABLE occupied;  // level 3: 1 for a bucket holding a cell
   // Levels 4 and up, which the fast walk climbs far from the cells: one bit
   // a block in a cube around the origin, which stays in cache; the blocks
   // beyond the largest cube go to occupiedhigh.

@@ -16,6 +16,12 @@ void ReserveCells(SIMULATION &sim, int n) {
   sim.cellsrevision++;
 }
 
+void ReserveCellRoom(SIMULATION &sim, int n) {
+  size_t room = sim.cells.capacity();
+  if (n <= 0 || (size_t)n <= room) return;
+  sim.cells.reserve((size_t)n >= 2 * room ? (size_t)n : 2 * room);
+}
+
 void AppendCell(SIMULATION &sim, XYZ p, double weight, int parent) {
   ReserveCells(sim, sim.ncells + 1);
   CELL &c = sim.cells[sim.ncells];

@@ -148,6 +148,11 @@ extern const int versionid;
 // entries are roots at the origin.
 void ReserveCells(SIMULATION &sim, int n);
 
+// Room for n cells without a reallocation, cells.size() unchanged: exactly
+// n when n is at least twice the room there was (a run that knows its size
+// at the start wastes nothing), else the doubling ReserveCells would make.
+void ReserveCellRoom(SIMULATION &sim, int n);
+
 // Appends one cell to the aggregate (ncells + 1).
 void AppendCell(SIMULATION &sim, XYZ p, double weight, int parent);
 

@@ -779,6 +779,9 @@ int GrowAggregate(SIMULATION &sim, BATCHGROWTH *g) {
   else
     sim.growthlog.start = GetRunTime() - sim.growthlog.growthseconds;
   long long logged = sim.growthlog.steps;
+  // The storage of the cells asked for at once: grown by doubling it would
+  // end up to half unused, and the index's arrays per cell follow it.
+  if (g->cells > 0) ReserveCellRoom(sim, g->cells);
   while ((g->cells <= 0 || sim.ncells < g->cells) && (g->steps < 0 || step < g->steps)) {
     // A run of steps ends at the latest with a stuck particle, so the cell
     // count is seen after each one; it never passes the step limit.

@@ -102,11 +102,16 @@ static int Bucket(SIMULATION &sim, XYZ p, int *ix, int *iy, int *iz) {
 
 #define FIELD_VOXELS 512  // per brick
 #define FIELD_CAP 96      // 6 voxels: farther cells are not recorded
+#define OCCUPANCY_LOW 3     // the level of the occupied table; 1 and 2 read the head pages
 #define OCCUPANCY_HIGH 4    // the first level of the occupancy cubes
+#define HEADS_CHUNK 1024    // head pages a chunk (256 KB)
 #define CUBE_FIRST 4        // blocks each way from the origin in a new cube
 #define CUBE_MOST 128       // and at most (2 MB a level)
 #define DIRECTORY_FIRST 8   // bricks each way from the origin in a new field's directory
-#define DIRECTORY_MOST 128  // and at most (64 MB, for 131,072 bricks or more)
+#define DIRECTORY_MOST 128  // and at most (128 KB of tiles, for 131,072 bricks or more)
+#define DIRECTORY_TILE 8    // the directory's tiles: 8x8x8 bricks, made where bricks are
+#define DIRECTORY_TILEENTRIES 512
+#define FIELD_PAGE 1024    // bricks a page of a field's storage (512 KB)
 #define STANDIN_REACHES 4   // how far a cell left out of the coarse field may lie from the cell it holds
 
 // The floor of the square root of 0 .. FIELD_CAP^2, capped at FIELD_CAP:
@@ -128,6 +133,12 @@ static const uint8_t *FieldRoots(void) {
   return table.q;
 }
 
+// Tiles of a directory of bricks -half .. half - 1 along each axis.
+static size_t DirectoryTiles(int half) {
+  size_t n = 2 * half / DIRECTORY_TILE;
+  return n * n * n;
+}
+
 static void FieldReset(FIELD *f, int tag, double v) {
   f->tag = tag;
   f->v = v;
@@ -135,8 +146,10 @@ static void FieldReset(FIELD *f, int tag, double v) {
   f->unit = v / 16;
   Clear(&f->bricks);
   f->half = DIRECTORY_FIRST;
-  f->directory.assign((size_t)8 * f->half * f->half * f->half, -1);
-  f->data.clear();
+  f->directory.assign(DirectoryTiles(f->half), -1);
+  f->tiles.clear();
+  f->pages.clear();
+  f->nbricks = 0;
   f->lastkey = EMPTYKEY;
   f->lastbrick = -1;
 }
@@ -150,11 +163,22 @@ static long SpanIndex(int half, int bx, int by, int bz) {
   return ((long)ux * n + uy) * n + uz;
 }
 
-// The directory's entry of brick (bx, by, bz); NULL outside it.
-static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
-  long i = SpanIndex(f->half, bx, by, bz);
-  return i < 0 ? NULL : &f->directory[i];
+// The directory's entry of brick (bx, by, bz), its tile made when make is
+// set; NULL outside the directory's span or in a tile not made.
+static int *DirectoryEntry(FIELD *f, int bx, int by, int bz, int make) {
+  long t = SpanIndex(f->half / DIRECTORY_TILE, bx >> 3, by >> 3, bz >> 3);
+  if (t < 0) return NULL;
+  int tile = f->directory[t];
+  if (tile < 0) {
+    if (!make) return NULL;
+    tile = f->directory[t] = (int)(f->tiles.size() / DIRECTORY_TILEENTRIES);
+    f->tiles.resize(f->tiles.size() + DIRECTORY_TILEENTRIES, -1);
+  }
+  return &f->tiles[(size_t)tile * DIRECTORY_TILEENTRIES + (((bx & 7) << 6) | ((by & 7) << 3) | (bz & 7))];
 }
+
+// 1 when brick (bx, by, bz) lies within the directory's span.
+static int InDirectory(FIELD *f, int bx, int by, int bz) { return SpanIndex(f->half, bx, by, bz) >= 0; }
 
 // Doubles the directory's span towards brick (bx, by, bz), up to
 // DIRECTORY_MOST, while the bricks made are dense enough for it: an entry
@@ -163,50 +187,69 @@ static int *DirectoryEntry(FIELD *f, int bx, int by, int bz) {
 // costs its bricks, not 64 MB. The bricks it held keep their numbers;
 // those the hash table held that now fall inside are entered too.
 static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
-  size_t nbricks = f->data.size() / FIELD_VOXELS;
+  size_t nbricks = f->nbricks;
   int half = f->half;
   while (half < DIRECTORY_MOST && SpanIndex(half, bx, by, bz) < 0 && (size_t)64 * half * half * half <= 128 * nbricks)
     half *= 2;
   if (half == f->half) return;
-  std::vector<int> old;
+  std::vector<int> old, oldtiles;
   old.swap(f->directory);
-  int oldhalf = f->half, n = 2 * oldhalf;
+  oldtiles.swap(f->tiles);
+  int oldhalf = f->half, n = 2 * oldhalf / DIRECTORY_TILE;
   f->half = half;
-  f->directory.assign((size_t)8 * half * half * half, -1);
+  f->directory.assign(DirectoryTiles(half), -1);
   for (int i = 0; i < n; i++)
     for (int j = 0; j < n; j++)
-      for (int k = 0; k < n; k++)
-        *DirectoryEntry(f, i - oldhalf, j - oldhalf, k - oldhalf) = old[((size_t)i * n + j) * n + k];
+      for (int k = 0; k < n; k++) {
+        int tile = old[((size_t)i * n + j) * n + k];
+        if (tile < 0) continue;
+        for (int e = 0; e < DIRECTORY_TILEENTRIES; e++) {
+          int b = oldtiles[(size_t)tile * DIRECTORY_TILEENTRIES + e];
+          if (b < 0) continue;
+          int x = (i - n / 2) * DIRECTORY_TILE + (e >> 6), y = (j - n / 2) * DIRECTORY_TILE + ((e >> 3) & 7),
+              z = (k - n / 2) * DIRECTORY_TILE + (e & 7);
+          *DirectoryEntry(f, x, y, z, 1) = b;
+        }
+      }
   for (const HASHSLOT &slot : f->bricks.slots) {
     if (slot.key == EMPTYKEY) continue;
     int x, y, z;
     KeyCoords(slot.key, &x, &y, &z);
-    int *entry = DirectoryEntry(f, x, y, z);
-    if (entry) *entry = slot.value;
+    if (InDirectory(f, x, y, z)) *DirectoryEntry(f, x, y, z, 1) = slot.value;
   }
+}
+
+// The voxels of brick b.
+static inline uint8_t *BrickData(FIELD *f, int b) {
+  return &f->pages[b / FIELD_PAGE][(size_t)(b % FIELD_PAGE) * FIELD_VOXELS];
+}
+
+// A new brick, every voxel at the cap; its number.
+static int NewBrick(FIELD *f) {
+  int b = f->nbricks++;
+  if (b % FIELD_PAGE == 0) {
+    f->pages.emplace_back();
+    f->pages.back().reserve((size_t)FIELD_PAGE * FIELD_VOXELS);
+  }
+  f->pages.back().resize(f->pages.back().size() + FIELD_VOXELS, FIELD_CAP);
+  return b;
 }
 
 // The brick holding voxel (ix, iy, iz), made when make is set; -1 if none.
 static int Brick(FIELD *f, int ix, int iy, int iz, int make) {
   int bx = ix >> 3, by = iy >> 3, bz = iz >> 3;
-  int *entry = DirectoryEntry(f, bx, by, bz);
-  if (!entry && make) {
-    WidenDirectory(f, bx, by, bz);
-    entry = DirectoryEntry(f, bx, by, bz);
-  }
-  if (entry) {
-    if (*entry < 0 && make) {
-      *entry = (int)(f->data.size() / FIELD_VOXELS);
-      f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
-    }
+  if (make && !InDirectory(f, bx, by, bz)) WidenDirectory(f, bx, by, bz);
+  if (InDirectory(f, bx, by, bz)) {
+    int *entry = DirectoryEntry(f, bx, by, bz, make);
+    if (!entry) return -1;  // no brick of its tile made
+    if (*entry < 0 && make) *entry = NewBrick(f);
     return *entry;
   }
   uint64_t key = Key(f->tag, bx, by, bz);
   if (key == f->lastkey) return f->lastbrick;
   int b = Lookup(&f->bricks, key);
   if (b < 0 && make) {
-    b = (int)(f->data.size() / FIELD_VOXELS);
-    f->data.resize(f->data.size() + FIELD_VOXELS, FIELD_CAP);
+    b = NewBrick(f);
     Store(&f->bricks, key, b);
   }
   if (b >= 0) {
@@ -272,7 +315,7 @@ static int BrickOutOfReach(const BRICKRANGE &r, double g2[3][20], double cap2) {
 static void LowerBrick(FIELD *f, const BRICKRANGE &r, const int lo[3], double g2[3][20], double cap2) {
   double scale = (1 - 1e-9) / (f->unit * f->unit);
   int b = Brick(f, lo[0] + r.i0, lo[1] + r.j0, lo[2] + r.k0, 1);
-  uint8_t *data = &f->data[(size_t)b * FIELD_VOXELS];
+  uint8_t *data = BrickData(f, b);
   const uint8_t *fieldroot = FieldRoots();
   for (int i = r.i0; i < r.i1; i++) {
     if (g2[0][i] >= cap2) continue;
@@ -317,7 +360,7 @@ static void FieldAdd(FIELD *f, XYZ p) {
 static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   int vx = (int)floor(p.x * f->invv), vy = (int)floor(p.y * f->invv), vz = (int)floor(p.z * f->invv);
   int b = Brick(f, vx, vy, vz, 0);
-  int q = b < 0 ? FIELD_CAP : f->data[(size_t)b * FIELD_VOXELS + Voxel(vx, vy, vz)];
+  int q = b < 0 ? FIELD_CAP : BrickData(f, b)[Voxel(vx, vy, vz)];
   *saturated = q == FIELD_CAP;
   return q * f->unit - slack;
 }
@@ -350,9 +393,48 @@ static void WidenCube(OCCUPANCYCUBE *c, int bx, int by, int bz) {
   *c = wide;
 }
 
+// The page of bucket heads holding level-0 bucket (ix, iy, iz), made when
+// make is set; -1 if none. Pages follow the fine field's bricks (voxels of
+// half a bucket, so a brick spans 4x4x4 buckets).
+static int HeadPage(SEARCHINDEX &s, int ix, int iy, int iz, int make) {
+  int b = Brick(&s.fine, 2 * ix, 2 * iy, 2 * iz, 0);
+  if (b < 0 && make) b = Brick(&s.fine, 2 * ix, 2 * iy, 2 * iz, 1);  // FieldAdd made it already
+  if (b < 0) return -1;
+  if (b >= (int)s.headpage.size()) {
+    if (!make) return -1;
+    s.headpage.resize(s.fine.nbricks > 2 * b + 2 ? s.fine.nbricks : 2 * b + 2, -1);
+  }
+  int page = s.headpage[b];
+  if (page >= 0 || !make) return page;
+  page = s.npages++;
+  if (page % HEADS_CHUNK == 0) {
+    s.heads.emplace_back();
+    s.heads.back().reserve((size_t)HEADS_CHUNK * 64);
+  }
+  s.heads.back().resize(s.heads.back().size() + 64, -1);
+  if ((int)s.headmask.size() <= page) s.headmask.resize(2 * (size_t)page + 64, 0);
+  s.headmask[page] = 0;
+  s.headpage[b] = page;
+  return page;
+}
+
+// The bucket's place in its page.
+static inline int HeadSlot(int ix, int iy, int iz) { return ((ix & 3) << 4) | ((iy & 3) << 2) | (iz & 3); }
+
+static inline int *HeadOf(SEARCHINDEX &s, int page, int slot) {
+  return &s.heads[page / HEADS_CHUNK][(size_t)(page % HEADS_CHUNK) * 64 + slot];
+}
+
+// The newest cell of level-0 bucket (ix, iy, iz), -1 when empty.
+static int BucketHead(SEARCHINDEX &s, int ix, int iy, int iz) {
+  int page = HeadPage(s, ix, iy, iz, 0);
+  return page < 0 ? -1 : *HeadOf(s, page, HeadSlot(ix, iy, iz));
+}
+
 // Marks the block of level k (1 and up) at (bx, by, bz) as holding a cell.
 static void MarkOccupied(SIMULATION &sim, int k, int bx, int by, int bz) {
   SEARCHINDEX &s = sim.searchindex;
+  if (k < OCCUPANCY_LOW) return;  // the head pages' masks
   if (k < OCCUPANCY_HIGH) {
     Store(&s.occupied, Key(k, bx, by, bz), 1);
     return;
@@ -373,7 +455,14 @@ static void MarkOccupied(SIMULATION &sim, int k, int bx, int by, int bz) {
 
 // 1 when the block of level k at (bx, by, bz) holds a cell.
 static int Occupied(SIMULATION &sim, int k, int bx, int by, int bz) {
-  const SEARCHINDEX &s = sim.searchindex;
+  SEARCHINDEX &s = sim.searchindex;
+  if (k == 1) {
+    // A 2x2x2 block of buckets inside one page: its eight bits.
+    int page = HeadPage(s, 2 * bx, 2 * by, 2 * bz, 0);
+    int shift = ((bx & 1) << 5) | ((by & 1) << 3) | ((bz & 1) << 1);
+    return page >= 0 && (s.headmask[page] >> shift & 0x330033) != 0;
+  }
+  if (k == 2) return HeadPage(s, 4 * bx, 4 * by, 4 * bz, 0) >= 0;  // the page's buckets
   if (k < OCCUPANCY_HIGH) return Lookup(&s.occupied, Key(k, bx, by, bz)) >= 0;
   const OCCUPANCYCUBE *c = &s.cube[k];
   long bit = SpanIndex(c->half, bx, by, bz);
@@ -381,49 +470,84 @@ static int Occupied(SIMULATION &sim, int k, int bx, int by, int bz) {
   return c->spilled && Lookup(&s.occupiedhigh, Key(k, bx, by, bz)) >= 0;
 }
 
+// Per cell arrays as long as the cells' storage, or at least n: no more
+// than the cells take, and no doubling of their own.
+static void SizePerCell(SIMULATION &sim, int n) {
+  SEARCHINDEX &s = sim.searchindex;
+  size_t size = sim.cells.capacity() > (size_t)n ? sim.cells.capacity() : (size_t)n;
+  if (size < 1024) size = 1024;
+  std::vector<int> *arrays[] = {&s.next, &s.hops, &s.parent};
+  for (std::vector<int> *a : arrays) {
+    if (a == &s.parent && !s.parents) continue;
+    if (a == &s.hops && !s.hopsknown) continue;
+    if (a->size() >= (size_t)n) continue;
+    a->reserve(size);
+    a->resize(size, -1);
+  }
+  size_t words = (s.next.size() + 63) / 64;  // as long as next
+  if (s.held.size() < words) {
+    s.held.reserve(words);
+    s.held.resize(words, 0);
+  }
+}
+
+// Parent steps from c down to index 0 or a root, from its parent's count.
+static int HopsOf(SIMULATION &sim, const int *hops, int c) {
+  int parent = sim.cells[c].parent;
+  if (parent < c) return 1 + (parent > 0 ? hops[parent] : 0);
+  int h = 0, j = c;  // not in growth order: walk
+  do {
+    j = sim.cells[j].parent;
+    h++;
+  } while (j > 0);
+  return h;
+}
+
+// The cell within standinreach of j that the coarse field holds for it:
+// the nearest ancestor (j itself included) that the field holds. A cell
+// left out lies near its parent's stand-in, so the walk is short.
+static int StandIn(SIMULATION &sim, int j) {
+  const uint64_t *held = sim.searchindex.held.data();
+  while (!(held[j >> 6] >> (j & 63) & 1)) j = sim.cells[j].parent;
+  return j;
+}
+
 static void Insert(SIMULATION &sim, int c) {
   SEARCHINDEX &s = sim.searchindex;
-  if ((int)s.next.size() <= c) {
-    size_t size = c + 1 > 2 * (int)s.next.size() ? c + 1 : 2 * s.next.size();
-    s.next.resize(size);
-    s.hops.resize(size);
-    s.parent.resize(size);
-    s.standin.resize(size);
-  }
+  if ((int)s.next.size() <= c || (s.parents && (int)s.parent.size() <= c) || (s.hopsknown && (int)s.hops.size() <= c))
+    SizePerCell(sim, c + 1);
   int parent = sim.cells[c].parent;
-  s.parent[c] = parent;
-  if (parent < c) {
-    s.hops[c] = 1 + (parent > 0 ? s.hops[parent] : 0);
-  } else {  // not in growth order: walk
-    int h = 0, j = c;
-    do {
-      j = sim.cells[j].parent;
-      h++;
-    } while (j > 0);
-    s.hops[c] = h;
-  }
+  if (s.parents) s.parent[c] = parent;
+  if (s.hopsknown) s.hops[c] = HopsOf(sim, s.hops.data(), c);
+  uint64_t &held = s.held[c >> 6];
+  uint64_t bit = 1ULL << (c & 63);
+  held |= bit;  // its own stand-in until found near its parent's
   int ix, iy, iz;
   if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) {
     s.overflow = 1;
-    s.standin[c] = c;  // its children look it up
     return;
   }
-  s.next[c] = Store(&s.buckets, Key(0, ix, iy, iz), c);
-  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(sim, k, ix >> k, iy >> k, iz >> k);
   FieldAdd(&s.fine, sim.cells[c].p);
+  int page = HeadPage(s, ix, iy, iz, 1), slot = HeadSlot(ix, iy, iz);
+  int *head = HeadOf(s, page, slot);
+  s.next[c] = *head;
+  *head = c;
+  s.headmask[page] |= 1ULL << slot;
+  for (int k = 1; k < INDEX_LEVELS; k++) MarkOccupied(sim, k, ix >> k, iy >> k, iz >> k);
   // The coarse field holds one cell of each little cluster: a cell near
   // its parent's stand-in is left out, and the field's bounds are taken
   // that much lower. Most cells are left out, and their update was the
   // larger part of a stick's cost.
-  int standin = c;
   if (parent >= 0 && parent < c) {
-    int r = s.standin[parent];
+    int r = StandIn(sim, parent);
     double dx = sim.cells[c].p.x - sim.cells[r].p.x, dy = sim.cells[c].p.y - sim.cells[r].p.y,
            dz = sim.cells[c].p.z - sim.cells[r].p.z;
-    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) standin = r;
+    if (dx * dx + dy * dy + dz * dz <= s.standinreach * s.standinreach) {
+      held &= ~bit;
+      return;
+    }
   }
-  s.standin[c] = standin;
-  if (standin == c) FieldAdd(&s.coarse, sim.cells[c].p);
+  FieldAdd(&s.coarse, sim.cells[c].p);
 }
 
 static void Rebuild(SIMULATION &sim) {
@@ -445,15 +569,18 @@ static void Rebuild(SIMULATION &sim) {
   // to 3 (all their points within 1.5 sqrt(3) 8 h of the particle) still lie.
   s.standinreach = STANDIN_REACHES * s.reach;
   s.overflow = 0;
-  Clear(&s.buckets);
+  s.headpage.clear();
+  s.heads.clear();
+  s.headmask.clear();
+  s.npages = 0;
   Clear(&s.occupied);
   Clear(&s.occupiedhigh);
   for (int k = OCCUPANCY_HIGH; k < INDEX_LEVELS; k++) CubeReset(&s.cube[k]);
-  s.next.assign(sim.ncells > 1024 ? sim.ncells : 1024, -1);
-  s.hops.assign(s.next.size(), 0);
-  s.parent.assign(s.next.size(), -1);
-  s.standin.assign(s.next.size(), -1);
-  s.owed.clear();  // made by the fast walk's first stick
+  s.next.clear();
+  s.hops.clear();
+  s.parent.clear();
+  s.held.clear();
+  SizePerCell(sim, sim.ncells);
   s.owing = 0;
   s.ball = 0;
   s.maxdist = -HUGE_VAL;  // so that not-a-number distances never count
@@ -563,7 +690,7 @@ static double BlockAround(SIMULATION &sim, XYZ p, int ix, int iy, int iz, double
 static int BlockHeads(SIMULATION &sim, const int lo[3], int head[8]) {
   int any = 0;
   for (int k = 0; k < 8; k++) {
-    head[k] = Lookup(&sim.searchindex.buckets, Key(0, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2)));
+    head[k] = BucketHead(sim.searchindex, lo[0] + (k & 1), lo[1] + ((k >> 1) & 1), lo[2] + (k >> 2));
     any |= head[k] >= 0;
   }
   return any;
@@ -683,20 +810,90 @@ int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass
   return 0;
 }
 
+int IndexHops(SIMULATION &sim, int j) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.hopsknown) {
+    s.hopsknown = 1;
+    s.hops.clear();
+    SizePerCell(sim, s.n);
+    for (int i = 0; i < s.n; i++) s.hops[i] = HopsOf(sim, s.hops.data(), i);
+  }
+  return s.hops[j];
+}
+
+// The level-0 lists again, after next held something else: every cell
+// linked to its bucket's head in the order Insert took them.
+static void RelinkBuckets(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  for (std::vector<int> &chunk : s.heads) std::fill(chunk.begin(), chunk.end(), -1);
+  for (int c = 0; c < s.n; c++) {
+    int ix, iy, iz;
+    s.next[c] = -1;
+    if (!Bucket(sim, sim.cells[c].p, &ix, &iy, &iz)) continue;
+    int page = HeadPage(s, ix, iy, iz, 0);
+    if (page < 0) continue;  // never: Insert made it
+    int *head = HeadOf(s, page, HeadSlot(ix, iy, iz));
+    s.next[c] = *head;
+    *head = c;
+  }
+}
+
+const int *IndexParents(SIMULATION &sim) {
+  SEARCHINDEX &s = sim.searchindex;
+  if (!s.parents) {
+    s.parents = 1;
+    s.parent.clear();
+    SizePerCell(sim, s.n);
+    for (int i = 0; i < s.n; i++) s.parent[i] = sim.cells[i].parent;
+  }
+  return s.parent.data();
+}
+
 void SettleWeights(SIMULATION &sim) {
   SEARCHINDEX &s = sim.searchindex;
   if (!s.owing) return;
-  // A cell's share reaches its parent after its own children's: children
-  // come after their parents.
-  double *owed = s.owed.data();
-  int n = s.n < (int)s.owed.size() ? s.n : (int)s.owed.size();
-  for (int j = n - 1; j >= 0; j--) {
-    double share = owed[j];
-    if (share == 0) continue;
-    owed[j] = 0;
-    sim.cells[j].weight += share;
-    if (s.parent[j] >= 0) owed[s.parent[j]] += share;
+  // The cells from owedfrom on came with weight 0 and stuck to older cells:
+  // their weights hold what they are owed until their turn, the older cells'
+  // shares wait in a table of their own. First each owed cell's 1/d goes to
+  // its parent in the order the cells stuck, then a cell's total reaches its
+  // parent after its own children's (children come after their parents):
+  // the additions the walk to the root would have made, in this order.
+  // The hop counts the shares need: the exact walk's when it keeps them,
+  // else made in the bucket lists' array for the while (the fast walk
+  // keeps no array of its own for them).
+  CELL *c = sim.cells.data();
+  int n = s.n < sim.ncells ? s.n : sim.ncells, from = s.owedfrom;
+  int relink = !s.hopsknown && s.valid && s.revision == sim.cellsrevision && s.n == sim.ncells;
+  int *hops = s.hopsknown ? s.hops.data() : s.next.data();
+  if (!s.hopsknown)
+    for (int i = 0; i < n; i++) hops[i] = HopsOf(sim, hops, i);
+  std::vector<double> older(from > 0 ? from : 0, 0.0);
+  for (int j = from; j < n; j++) {
+    int q = c[j].parent;
+    if (q < 0 || q >= j) continue;
+    double share = 1.0 / (1 + hops[q]);
+    if (q >= from)
+      c[q].weight += share;
+    else
+      older[q] += share;
   }
+  for (int j = n - 1; j >= from; j--) {
+    int q = c[j].parent;
+    double share = c[j].weight;
+    if (share == 0 || q < 0 || q >= j) continue;
+    if (q >= from)
+      c[q].weight += share;
+    else
+      older[q] += share;
+  }
+  for (int j = from - 1; j >= 0; j--) {
+    double share = older[j];
+    if (share == 0) continue;
+    c[j].weight += share;
+    int q = c[j].parent;
+    if (q >= 0 && q < j) older[q] += share;
+  }
+  if (relink) RelinkBuckets(sim);
   s.owing = 0;
   s.maxweight = 0;
   for (int i = 0; i < sim.ncells; i++)

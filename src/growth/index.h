@@ -47,6 +47,14 @@ int IndexSearch(SIMULATION &sim, XYZ p, int associate, int nroots, int rootclass
 // ancestors, and brings maxweight up to date (cells in growth order).
 void SettleWeights(SIMULATION &sim);
 
+// Parent steps from cell j down to index 0 or a root. The index must be
+// current.
+int IndexHops(SIMULATION &sim, int j);
+
+// Each cell's parent, packed for the walk to the root (kept from the first
+// call on). The index must be current.
+const int *IndexParents(SIMULATION &sim);
+
 // The radius of a ball around p that holds no point within reach of any
 // cell (association aside), from the fields, the coarse levels and the
 // aggregate's extent; 0 when none is proven. The index must be current.

@@ -132,7 +132,7 @@ static int Vetoed(SIMULATION &sim, int best, XYZ q, int indexed) {
 // well as at -1, so cells under root 0 get a larger share than the same
 // shape under another root (kept). The index keeps each cell's count.
 static int HopsFrom(SIMULATION &sim, int best, int fast) {
-  if (fast) return 1 + sim.searchindex.hops[best];
+  if (fast) return 1 + IndexHops(sim, best);
   int d = 1;
   int j = best;
   do {
@@ -151,7 +151,7 @@ static void AddShare(SIMULATION &sim, int best, int d, int fast) {
   if (fast && s.maxweightknown) {
     double share = 1.0 / d, maxweight = s.maxweight;
     CELL *c = sim.cells.data();
-    const int *parent = s.parent.data();
+    const int *parent = IndexParents(sim);
     for (int j = best; j >= 0; j = parent[j]) {
       double w = c[j].weight + share;
       c[j].weight = w;
@@ -198,23 +198,28 @@ __attribute__((noinline)) static void Stick(SIMULATION &sim, int best, XYZ q, in
   GROWTHSTATE &g = sim.growthstate;
   if (Vetoed(sim, best, q, indexed)) return;
 
-  // 12. Stick.
+  // 12. Stick. The fast walk owes the new cell's shares; any other stick
+  // first adds up what is owed (the cells owing are the newest ones).
+  int owe = indexed && sim.growthwalk == WALK_FAST;
+  if (!owe) SettleWeights(sim);
   unsigned revision = sim.cellsrevision;
   AppendCell(sim, g.particle, 0, best);
   if (indexed) IndexAppendedCell(sim, revision);
 
   int fast = indexed && sim.searchindex.valid;
-  if (fast && sim.growthwalk == WALK_FAST) {
+  if (fast && owe) {
     // The fast walk owes the shares and adds them up once (SettleWeights):
     // the walk to the root for every cell would cost more than the jumps.
-    std::vector<double> &owed = sim.searchindex.owed;
-    if ((int)owed.size() < sim.ncells) owed.resize(2 * (size_t)sim.ncells, 0);
-    owed[best] += 1.0 / HopsFrom(sim, best, fast);
-    sim.searchindex.owing = 1;
+    if (!sim.searchindex.owing) {
+      sim.searchindex.owing = 1;
+      sim.searchindex.owedfrom = sim.ncells - 1;
+    }
     KeepIndexedTotals(sim);
     g.lifespan = 0;
     return;
   }
+  // Shares owed still would be counted twice by a walk to the root now.
+  if (owe) SettleWeights(sim);
   AddShare(sim, best, HopsFrom(sim, best, fast), fast);
   if (fast)
     KeepIndexedTotals(sim);

@@ -127,6 +127,24 @@ TEST_F(Walks, AResetDropsTheFastWalksUnsettledShares) {
   EXPECT_EQ(sim.cells[0].weight, 0);
 }
 
+// Settling the fast walk's shares mid-growth (as each library Grow does)
+// borrows the index's per-cell storage: the index must still find, at every
+// cell, a cell within reach.
+TEST_F(Walks, TheIndexFindsEveryCellAfterTheFastWalksSharesAreSettled) {
+  StartGrowth(sim, "--walk fast --seed 7");
+  for (long steps = 0; steps < 10000000 && sim.ncells < 3000;) steps += IterateSystemSteps(sim, 1 << 20);
+  ASSERT_EQ(sim.ncells, 3000);
+  SettleWeights(sim);
+  ASSERT_TRUE(SearchIndexCurrent(sim));
+  int missed = 0;
+  for (int i = 0; i < sim.ncells; i++) {
+    int best = -1, ok = 0;
+    int touch = IndexSearch(sim, sim.cells[i].p, 0, 1, 0, &best, &ok);
+    if (!touch || best < 0 || VectorLength(sim.cells[best].p, sim.cells[i].p) >= sim.growthstate.branchlength) missed++;
+  }
+  EXPECT_EQ(missed, 0);
+}
+
 // A seed repeats either walk in a program used again, the exact one after a
 // fast one too: the jumps draw from numbers of their own, seeded from --seed.
 TEST_F(Walks, BatchWalksRepeatForASeed) {
