@@ -221,7 +221,7 @@ static void WidenDirectory(FIELD *f, int bx, int by, int bz) {
 
 // The voxels of brick b.
 static inline uint8_t *BrickData(FIELD *f, int b) {
-  return &f->pages[b / FIELD_PAGE][(size_t)(b % FIELD_PAGE) * FIELD_VOXELS];
+  return &f->pages[(unsigned)b / FIELD_PAGE][(size_t)((unsigned)b % FIELD_PAGE) * FIELD_VOXELS];
 }
 
 // A new brick, every voxel at the cap; its number.
@@ -359,7 +359,15 @@ static void FieldAdd(FIELD *f, XYZ p) {
 // cell is within the cap.
 static double FieldFree(FIELD *f, XYZ p, double slack, int *saturated) {
   int vx = (int)floor(p.x * f->invv), vy = (int)floor(p.y * f->invv), vz = (int)floor(p.z * f->invv);
-  int b = Brick(f, vx, vy, vz, 0);
+  // The directory's path of Brick inline: most reads end there.
+  int b;
+  long t = SpanIndex(f->half / DIRECTORY_TILE, vx >> 6, vy >> 6, vz >> 6);
+  if (t >= 0) {
+    int tile = f->directory[t];
+    b = tile < 0 ? -1 : f->tiles[(size_t)tile * DIRECTORY_TILEENTRIES + Voxel(vx >> 3, vy >> 3, vz >> 3)];
+  } else {
+    b = Brick(f, vx, vy, vz, 0);
+  }
   int q = b < 0 ? FIELD_CAP : BrickData(f, b)[Voxel(vx, vy, vz)];
   *saturated = q == FIELD_CAP;
   return q * f->unit - slack;
