@@ -924,16 +924,3 @@ int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err) {
   SayWhatGrew(sim, run, g.taken);
   return status == BATCH_OK && grown == GROWN_STALLED ? BATCH_STALLED : status;
 }
-
-int BatchMain(int argc, char **argv, BATCHPICTURE picture) {
-  SIMULATION sim;
-  BATCHRUN run;
-  run.picture = picture;
-  int status = ParseBatchOptions(argc, argv, &run, stderr);
-  if (status != BATCH_OK) return status;
-  if (run.help) {
-    WriteBatchUsage(stdout, argv[0]);
-    return BATCH_OK;
-  }
-  return RunBatch(sim, &run, stderr);
-}

@@ -182,8 +182,6 @@ void SayWhatGrew(SIMULATION &sim, const BATCHRUN *run, long long steps);
 // BATCH_FATAL; a stall writes every file and returns BATCH_STALLED.
 int RunBatch(SIMULATION &sim, BATCHRUN *run, FILE *err);
 
-// The whole program: options, usage or the run. Returns the exit status.
-int BatchMain(int argc, char **argv, BATCHPICTURE picture);
 
 // [SECTION] The progress bar
 

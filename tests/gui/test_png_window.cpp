@@ -10,6 +10,7 @@
 
 #include "app/simulation.h"
 #include "batch/batch.h"
+#include "library/internal.h"  // dla3d::BatchProgram, as dla3d-batch runs
 #include "desktop/app/desktop.h"
 #include "desktop/view/display.h"
 #include "lib/bitmap.h"
@@ -44,5 +45,5 @@ int main(int argc, char **argv) {
   }
   glutInit(&argc, argv);
   glutInitDisplayMode(GLUT_DOUBLE | GLUT_DEPTH | GLUT_RGB);
-  return BatchMain(argc, argv, DumpWindow);
+  return dla3d::BatchProgram(argc, argv, DumpWindow);
 }
