@@ -89,12 +89,17 @@ static int CrossesBranchHoisted(SIMULATION &sim, int best) {
   return 0;
 }
 
+// The surface's index, made again when the facets changed.
+static void KeepSurfaceIndex(SIMULATION &sim) {
+  if (!SurfaceIndexCurrent(&sim.surfaceindex, sim.stltri.data(), sim.nstltri))
+    BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
+}
+
 // The cutting and gap vetoes: through the surface's index, or over every
 // facet for the plain search (the reference the index must match).
 static int CutsSurface(SIMULATION &sim, int best, int indexed) {
   if (!indexed) return ScanCutsSurface(sim.stltri.data(), sim.nstltri, sim.growthstate.particle, sim.cells[best].p);
-  if (!SurfaceIndexCurrent(&sim.surfaceindex, sim.stltri.data(), sim.nstltri))
-    BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
+  KeepSurfaceIndex(sim);
   return SurfaceIndexCuts(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, sim.growthstate.particle,
                           sim.cells[best].p, NULL);
 }
@@ -104,8 +109,7 @@ static int CutsSurface(SIMULATION &sim, int best, int indexed) {
 static int PokesThroughGap(SIMULATION &sim, int indexed) {
   GROWTHSTATE &g = sim.growthstate;
   if (!indexed) return ScanPokesThroughGap(sim.stltri.data(), sim.nstltri, g.particle, g.branchlength);
-  if (!SurfaceIndexCurrent(&sim.surfaceindex, sim.stltri.data(), sim.nstltri))
-    BuildSurfaceIndex(&sim.surfaceindex, sim.stltri.data(), sim.nstltri);
+  KeepSurfaceIndex(sim);
   return SurfaceIndexGap(&sim.surfaceindex, sim.stltri.data(), sim.nstltri, g.particle, g.branchlength, NULL);
 }
 
